@@ -1,0 +1,30 @@
+# Compiler settings shared by every target of the project.
+add_library(korvex_options INTERFACE)
+add_library(korvex::options ALIAS korvex_options)
+target_compile_options(korvex_options INTERFACE
+  $<BUILD_INTERFACE:-Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Wimplicit-fallthrough>)
+if(KORVEX_SANITIZE)
+  target_compile_options(korvex_options INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer>)
+  target_link_options(korvex_options INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all>)
+endif()
+
+# Adds a library for one layer of src/: every .cpp in the listed folders, public headers
+# found from src/ so that includes read "host/variant.hpp".
+function(korvex_layer target)
+  cmake_parse_arguments(ARG "" "" "DIRS;DEPS;PRIVATE_DEPS" ${ARGN})
+  set(sources)
+  foreach(dir IN LISTS ARG_DIRS)
+    file(GLOB dir_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${dir}/*.cpp)
+    list(APPEND sources ${dir_sources})
+  endforeach()
+  add_library(${target} STATIC ${sources})
+  add_library(korvex::${target} ALIAS ${target})
+  set_target_properties(${target} PROPERTIES OUTPUT_NAME korvex_${target} EXPORT_NAME ${target})
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/korvex>)
+  target_link_libraries(${target} PUBLIC ${ARG_DEPS} PRIVATE korvex_options ${ARG_PRIVATE_DEPS})
+  set_property(GLOBAL APPEND PROPERTY KORVEX_LAYERS ${target})
+endfunction()
