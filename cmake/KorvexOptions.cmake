@@ -25,6 +25,6 @@ function(korvex_layer target)
   target_include_directories(${target} PUBLIC
     $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>
     $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/korvex>)
-  target_link_libraries(${target} PUBLIC ${ARG_DEPS} PRIVATE korvex_options ${ARG_PRIVATE_DEPS})
+  target_link_libraries(${target} PUBLIC ${ARG_DEPS} PRIVATE $<BUILD_INTERFACE:korvex_options> ${ARG_PRIVATE_DEPS})
   set_property(GLOBAL APPEND PROPERTY KORVEX_LAYERS ${target})
 endfunction()
