@@ -1,0 +1,334 @@
+#include "host/container.hpp"
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+
+#include "host/json_codec.hpp"
+#include "host/text.hpp"
+
+namespace korvex::host {
+
+namespace {
+
+using json::Json;
+
+[[noreturn]] void BadForm(const std::string& what) {
+    throw HostError(kErrInvalidPropertyValue, "Invalid form file: " + what, "Container");
+}
+
+template <class T>
+T FormField(const Json& object, const char* key, T fallback, const std::string& where) {
+    auto it = object.find(key);
+    if (it == object.end()) return fallback;
+    try {
+        return it->get<T>();
+    } catch (const nlohmann::json::exception&) {
+        BadForm(where + ": \"" + key + "\" has the wrong type");
+    }
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Site
+
+Site::Site(Container& container, const ClassInfo& info, Extender extender, Site* parent)
+    : container_(container), info_(&info), extender_(std::move(extender)), parent_(parent) {}
+
+AmbientProperties Site::Ambient() const {
+    AmbientProperties ambient;
+    ambient.Font = container_.Font();
+    ambient.UserMode = container_.UserMode();
+    ambient.DisplayName = extender_.Name;
+    ambient.BackColor = container_.BackColor;
+    ambient.ForeColor = container_.ForeColor;
+    return ambient;
+}
+
+void Site::PropertyChanged(std::string_view name) {
+    if (container_.sink_) container_.sink_->OnPropertyChanged(*this, name);
+}
+
+void Site::RaiseEvent(const EventInfo& event, std::span<Variant> args) {
+    if (container_.sink_) container_.sink_->OnEvent(*this, event, args);
+}
+
+HostContext& Site::Context() const { return container_.Context(); }
+
+// ---------------------------------------------------------------------------------------------
+// Container
+
+Container::Container(HostContext& context) : context_(context), font_(context.DefaultFont()->Clone()) {}
+
+Container::~Container() { TerminateAll(); }
+
+void Container::TerminateAll() {
+    for (auto& site : sites_) {
+        if (site->control_) {
+            site->control_->UserControl_Terminate();
+            site->control_->AttachSite(nullptr);
+            site->control_.reset();
+        }
+    }
+}
+
+Site& Container::Create(std::string_view progId, Extender extender, Site* parent, const PropertyBag* bag) {
+    const ClassInfo* info = context_.Classes().Find(progId);
+    if (!info || !info->create) {
+        throw HostError(kErrCannotCreateObject,
+                        std::string(StandardErrorText(kErrCannotCreateObject)) + " (" + std::string(progId) + ")",
+                        "Container");
+    }
+    if (extender.Name.empty()) throw HostError(kErrInvalidCall, "A control needs a name", "Container");
+    if (Find(extender.Name)) {
+        throw HostError(kErrInvalidCall, "A control named " + extender.Name + " already exists", "Container");
+    }
+
+    auto owned = std::make_unique<Site>(*this, *info, std::move(extender), parent);
+    Site& site = *owned;
+    sites_.push_back(std::move(owned));
+    try {
+        site.control_ = info->create();
+        site.control_->UserControl_Initialize();
+        site.control_->AttachSite(&site);
+        site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
+        if (bag) {
+            PropertyBag copy = *bag;
+            site.control_->UserControl_ReadProperties(copy);
+        } else {
+            site.control_->UserControl_InitProperties();
+        }
+        site.control_->UserControl_Resize();
+    } catch (...) {
+        if (site.control_) site.control_->AttachSite(nullptr);
+        sites_.pop_back();
+        throw;
+    }
+    return site;
+}
+
+Site& Container::Add(std::string_view progId, Extender extender, Site* parent) {
+    return Create(progId, std::move(extender), parent, nullptr);
+}
+
+Site& Container::Restore(std::string_view progId, Extender extender, const PropertyBag& bag, Site* parent) {
+    return Create(progId, std::move(extender), parent, &bag);
+}
+
+void Container::Remove(std::string_view name) {
+    Site& site = Get(name);
+    for (Site* child : Children(&site)) Remove(child->Name());
+    site.control_->UserControl_Terminate();
+    site.control_->AttachSite(nullptr);
+    std::erase_if(sites_, [&](const std::unique_ptr<Site>& s) { return s.get() == &site; });
+}
+
+Site* Container::Find(std::string_view name) const {
+    for (const auto& site : sites_) {
+        if (EqualsNoCase(site->Name(), name)) return site.get();
+    }
+    return nullptr;
+}
+
+Site& Container::Get(std::string_view name) const {
+    Site* site = Find(name);
+    if (!site) throw HostError(kErrInvalidCall, "There is no control named " + std::string(name), "Container");
+    return *site;
+}
+
+std::vector<Site*> Container::Sites() const {
+    std::vector<Site*> out;
+    for (const auto& site : sites_) out.push_back(site.get());
+    return out;
+}
+
+std::vector<Site*> Container::Children(const Site* parent) const {
+    std::vector<Site*> out;
+    for (const auto& site : sites_) {
+        if (site->parent_ == parent) out.push_back(site.get());
+    }
+    return out;
+}
+
+void Container::SwitchMode(bool userMode) {
+    std::vector<PropertyBag> bags;
+    bags.reserve(sites_.size());
+    for (const auto& site : sites_) bags.push_back(SaveBag(*site));
+    TerminateAll();
+    userMode_ = userMode;
+    for (std::size_t i = 0; i < sites_.size(); ++i) {
+        Site& site = *sites_[i];
+        site.control_ = site.info_->create();
+        site.control_->UserControl_Initialize();
+        site.control_->AttachSite(&site);
+        site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
+        site.control_->UserControl_ReadProperties(bags[i]);
+        site.control_->UserControl_Resize();
+    }
+}
+
+PropertyBag Container::SaveBag(const Site& site) const {
+    PropertyBag bag;
+    site.GetControl().UserControl_WriteProperties(bag);
+    return bag;
+}
+
+Variant Container::GetProperty(Site& site, std::string_view name) {
+    const Extender& e = site.extender_;
+    if (EqualsNoCase(name, "Name")) return e.Name;
+    if (EqualsNoCase(name, "Left")) return e.Left;
+    if (EqualsNoCase(name, "Top")) return e.Top;
+    if (EqualsNoCase(name, "Width")) return e.Width;
+    if (EqualsNoCase(name, "Height")) return e.Height;
+    if (EqualsNoCase(name, "Visible")) return e.Visible;
+    if (EqualsNoCase(name, "Enabled")) return e.Enabled;
+    if (EqualsNoCase(name, "TabIndex")) return e.TabIndex;
+    if (EqualsNoCase(name, "Container")) return site.parent_ ? site.parent_->Name() : this->Name;
+    return Invoke(site.GetControl(), name, InvokeKind::Get);
+}
+
+void Container::LetProperty(Site& site, std::string_view name, const Variant& value) {
+    Extender& e = site.extender_;
+    auto resize = [&](std::int32_t& field) {
+        const std::int32_t v = value.ToLong();
+        if (v < 0) throw HostError(kErrInvalidPropertyValue, std::string(name));
+        if (v == field) return;
+        field = v;
+        site.GetControl().SetExtent(e.Width, e.Height);
+        site.GetControl().UserControl_Resize();
+    };
+    if (EqualsNoCase(name, "Name") || EqualsNoCase(name, "Container")) throw HostError(kErrReadOnlyProperty, std::string(name));
+    if (EqualsNoCase(name, "Left")) e.Left = value.ToLong();
+    else if (EqualsNoCase(name, "Top")) e.Top = value.ToLong();
+    else if (EqualsNoCase(name, "Width")) resize(e.Width);
+    else if (EqualsNoCase(name, "Height")) resize(e.Height);
+    else if (EqualsNoCase(name, "Visible")) e.Visible = value.ToBool();
+    else if (EqualsNoCase(name, "Enabled")) e.Enabled = value.ToBool();
+    else if (EqualsNoCase(name, "TabIndex")) e.TabIndex = value.ToInteger();
+    else {
+        Variant argument = value;
+        Invoke(site.GetControl(), name, value.IsObject() ? InvokeKind::Set : InvokeKind::Let, {&argument, 1});
+    }
+}
+
+Variant Container::CallMethod(Site& site, std::string_view name, std::span<Variant> args) {
+    return Invoke(site.GetControl(), name, InvokeKind::Call, args);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Form file
+
+std::string Container::SaveJson() const {
+    Json form = {{"Name", Name},
+                 {"Caption", Caption},
+                 {"Width", Width},
+                 {"Height", Height},
+                 {"BackColor", json::Encode(Variant(BackColor))},
+                 {"ForeColor", json::Encode(Variant(ForeColor))},
+                 {"Font", json::Encode(Variant(font_))}};
+
+    auto save = [&](auto&& self, const Site* parent) -> Json {
+        Json list = Json::array();
+        for (const Site* site : Children(parent)) {
+            const Extender& e = site->GetExtender();
+            Json entry = {{"ProgID", site->Class().progId},
+                          {"Name", e.Name},
+                          {"Left", e.Left},
+                          {"Top", e.Top},
+                          {"Width", e.Width},
+                          {"Height", e.Height},
+                          {"Visible", e.Visible},
+                          {"Enabled", e.Enabled},
+                          {"TabIndex", e.TabIndex},
+                          {"Properties", json::EncodeBag(SaveBag(*site))}};
+            Json children = self(self, site);
+            if (!children.empty()) entry["Controls"] = std::move(children);
+            list.push_back(std::move(entry));
+        }
+        return list;
+    };
+    Json out = {{"Form", form}, {"Controls", save(save, nullptr)}};
+    return out.dump(2) + "\n";
+}
+
+void Container::LoadJson(std::string_view text) {
+    Json parsed;
+    try {
+        parsed = Json::parse(text);
+    } catch (const nlohmann::json::parse_error& e) {
+        BadForm(e.what());
+    }
+    if (!parsed.is_object()) BadForm("the top level must be a JSON object");
+
+    // Loading must not leave half a form behind: on any failure the previous form comes back.
+    const std::string previous = SaveJson();
+    const auto restorePrevious = [&] {
+        TerminateAll();
+        sites_.clear();
+        LoadJson(previous);
+    };
+
+    try {
+        TerminateAll();
+        sites_.clear();
+        if (auto it = parsed.find("Form"); it != parsed.end()) {
+            const Json& form = *it;
+            if (!form.is_object()) BadForm("\"Form\" must be an object");
+            Name = FormField<std::string>(form, "Name", Name, "Form");
+            Caption = FormField<std::string>(form, "Caption", Caption, "Form");
+            Width = FormField<std::int32_t>(form, "Width", Width, "Form");
+            Height = FormField<std::int32_t>(form, "Height", Height, "Form");
+            if (form.contains("BackColor")) BackColor = static_cast<OLE_COLOR>(json::Decode(form["BackColor"]).ToLong());
+            if (form.contains("ForeColor")) ForeColor = static_cast<OLE_COLOR>(json::Decode(form["ForeColor"]).ToLong());
+            if (form.contains("Font")) font_ = json::Decode(form["Font"]).ToFont();
+        }
+
+        auto load = [&](auto&& self, const Json& list, Site* parent) -> void {
+            if (!list.is_array()) BadForm("\"Controls\" must be an array");
+            std::int16_t tabIndex = 0;
+            for (const Json& entry : list) {
+                if (!entry.is_object()) BadForm("each control must be an object");
+                const std::string name = FormField<std::string>(entry, "Name", "", "control");
+                const std::string where = "control " + (name.empty() ? std::string("without a name") : name);
+                const std::string progId = FormField<std::string>(entry, "ProgID", "", where);
+                if (progId.empty()) BadForm(where + ": \"ProgID\" is missing");
+                Extender e;
+                e.Name = name;
+                e.Left = FormField<std::int32_t>(entry, "Left", 0, where);
+                e.Top = FormField<std::int32_t>(entry, "Top", 0, where);
+                e.Width = FormField<std::int32_t>(entry, "Width", 0, where);
+                e.Height = FormField<std::int32_t>(entry, "Height", 0, where);
+                e.Visible = FormField<bool>(entry, "Visible", true, where);
+                e.Enabled = FormField<bool>(entry, "Enabled", true, where);
+                e.TabIndex = FormField<std::int16_t>(entry, "TabIndex", tabIndex, where);
+                ++tabIndex;
+                PropertyBag bag;
+                if (auto props = entry.find("Properties"); props != entry.end()) bag = json::DecodeBag(*props);
+                Site& site = Restore(progId, std::move(e), bag, parent);
+                if (auto children = entry.find("Controls"); children != entry.end()) self(self, *children, &site);
+            }
+        };
+        if (auto it = parsed.find("Controls"); it != parsed.end()) load(load, *it, nullptr);
+    } catch (...) {
+        restorePrevious();
+        throw;
+    }
+}
+
+void Container::SaveFile(const std::string& path) const {
+    std::ofstream out(path, std::ios::binary);
+    if (!out) throw HostError(kErrPathFileAccess, "Path/File access error (" + path + ")", "Container");
+    out << SaveJson();
+    if (!out) throw HostError(kErrPathFileAccess, "Path/File access error (" + path + ")", "Container");
+}
+
+void Container::LoadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw HostError(kErrFileNotFound, "File not found (" + path + ")", "Container");
+    std::stringstream text;
+    text << in.rdbuf();
+    LoadJson(text.str());
+}
+
+}  // namespace korvex::host

@@ -1,0 +1,143 @@
+#pragma once
+// The host container: sites controls with their extender properties, persists them in a form
+// file and performs the designer's switch between design and run mode.
+//
+// Form file (JSON):
+//   {
+//     "Form": {"Name": "Form1", "Caption": "Form1", "Width": 4800, "Height": 3600, ...},
+//     "Controls": [
+//       {"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1", "Left": 120, "Top": 120,
+//        "Width": 1500, "Height": 30, "Visible": true, "Enabled": true, "TabIndex": 0,
+//        "Properties": {<property bag>}, "Controls": [<contained controls>]}
+//     ]
+//   }
+// Positions and sizes are twips. "Visible", "Enabled", "TabIndex", "Properties" and "Controls"
+// may be left out.
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/control.hpp"
+
+namespace korvex::host {
+
+class Container;
+
+// Properties the container adds to every control it sites.
+struct Extender {
+    std::string Name;
+    std::int32_t Left = 0;
+    std::int32_t Top = 0;
+    std::int32_t Width = 0;
+    std::int32_t Height = 0;
+    bool Visible = true;
+    bool Enabled = true;
+    std::int16_t TabIndex = 0;
+};
+
+// One sited control.
+class Site final : public ControlSite {
+public:
+    Site(Container& container, const ClassInfo& info, Extender extender, Site* parent);
+
+    [[nodiscard]] const std::string& Name() const { return extender_.Name; }
+    [[nodiscard]] const Extender& GetExtender() const { return extender_; }
+    [[nodiscard]] Control& GetControl() const { return *control_; }
+    [[nodiscard]] const ClassInfo& Class() const { return *info_; }
+    [[nodiscard]] Site* Parent() const { return parent_; }
+
+    // ControlSite
+    [[nodiscard]] AmbientProperties Ambient() const override;
+    void PropertyChanged(std::string_view name) override;
+    void RaiseEvent(const EventInfo& event, std::span<Variant> args) override;
+    [[nodiscard]] HostContext& Context() const override;
+
+private:
+    friend class Container;
+    Container& container_;
+    const ClassInfo* info_;
+    Extender extender_;
+    Site* parent_;
+    std::shared_ptr<Control> control_;
+};
+
+// Receives what the sited controls raise and report, in the order it happens.
+class EventSink {
+public:
+    virtual ~EventSink() = default;
+    virtual void OnEvent(Site& site, const EventInfo& event, std::span<Variant> args) = 0;
+    virtual void OnPropertyChanged(Site& site, std::string_view property) = 0;
+};
+
+class Container {
+public:
+    explicit Container(HostContext& context);
+    ~Container();
+    Container(const Container&) = delete;
+    Container& operator=(const Container&) = delete;
+
+    [[nodiscard]] HostContext& Context() const { return context_; }
+    void SetSink(EventSink* sink) { sink_ = sink; }
+    [[nodiscard]] EventSink* Sink() const { return sink_; }
+
+    // The form's own properties.
+    std::string Name = "Form1";
+    std::string Caption = "Form1";
+    std::int32_t Width = 4800;   // twips
+    std::int32_t Height = 3600;  // twips
+    OLE_COLOR BackColor = 0x8000000F;
+    OLE_COLOR ForeColor = 0x80000012;
+    [[nodiscard]] std::shared_ptr<StdFont> Font() const { return font_; }
+    void Font(std::shared_ptr<StdFont> font) { font_ = std::move(font); }
+
+    // Ambient UserMode: false in the designer, true at run time.
+    [[nodiscard]] bool UserMode() const { return userMode_; }
+    // The designer's switch: every control writes its bag, is terminated, and a new instance is
+    // created and restored from that bag under the new mode.
+    void SwitchMode(bool userMode);
+
+    // A new control dropped on the form (InitProperties). Error 429 for an unknown ProgID, 5 for
+    // a name already in use.
+    Site& Add(std::string_view progId, Extender extender, Site* parent = nullptr);
+    // A control restored from a bag (ReadProperties).
+    Site& Restore(std::string_view progId, Extender extender, const PropertyBag& bag,
+                  Site* parent = nullptr);
+    void Remove(std::string_view name);
+
+    [[nodiscard]] Site* Find(std::string_view name) const;
+    // Error 5 naming the control when there is none of that name.
+    [[nodiscard]] Site& Get(std::string_view name) const;
+    [[nodiscard]] std::vector<Site*> Sites() const;
+    [[nodiscard]] std::vector<Site*> Children(const Site* parent) const;
+
+    // Late-bound access through the extender first, then the control's own members.
+    Variant GetProperty(Site& site, std::string_view name);
+    void LetProperty(Site& site, std::string_view name, const Variant& value);
+    Variant CallMethod(Site& site, std::string_view name, std::span<Variant> args);
+
+    // The bag each control writes now, in form order.
+    [[nodiscard]] PropertyBag SaveBag(const Site& site) const;
+
+    // Form file text. Loading replaces every control; a malformed file raises HostError and
+    // leaves the form as it was.
+    [[nodiscard]] std::string SaveJson() const;
+    void LoadJson(std::string_view text);
+    void SaveFile(const std::string& path) const;
+    void LoadFile(const std::string& path);
+
+private:
+    friend class Site;
+    Site& Create(std::string_view progId, Extender extender, Site* parent, const PropertyBag* bag);
+    void TerminateAll();
+
+    HostContext& context_;
+    EventSink* sink_ = nullptr;
+    std::shared_ptr<StdFont> font_;
+    bool userMode_ = false;
+    std::vector<std::unique_ptr<Site>> sites_;
+};
+
+}  // namespace korvex::host

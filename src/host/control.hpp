@@ -1,0 +1,124 @@
+#pragma once
+// The control contract. The host creates a control, calls UserControl_Initialize, sites it,
+// calls UserControl_InitProperties (new) or UserControl_ReadProperties (restored), sizes it
+// (UserControl_Resize), lets it paint and forwards input; on save it calls
+// UserControl_WriteProperties, and UserControl_Terminate at the end. A control reports property
+// changes and raises its events by number through its site.
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "host/error.hpp"
+#include "host/font.hpp"
+#include "host/object.hpp"
+#include "host/ole_types.hpp"
+#include "host/property_bag.hpp"
+#include "host/type_info.hpp"
+#include "host/variant.hpp"
+
+namespace korvex::host {
+
+struct AmbientProperties {
+    std::shared_ptr<StdFont> Font;
+    bool UserMode = false;
+    std::string DisplayName;
+    OLE_COLOR BackColor = 0x8000000F;  // button face
+    OLE_COLOR ForeColor = 0x80000012;  // button text
+};
+
+// What the host thread shares with every control it drives: the creatable classes and the
+// about box. One per user-interface thread; two hosts never see each other's.
+class HostContext {
+public:
+    HostContext();
+
+    ClassRegistry& Classes() { return classes_; }
+    [[nodiscard]] const ClassRegistry& Classes() const { return classes_; }
+
+    // The ambient font a new form starts with.
+    [[nodiscard]] std::shared_ptr<StdFont> DefaultFont() const { return defaultFont_; }
+
+    // The dialog layer installs the about box here; controls open it through ShowAboutBox.
+    void SetAboutBox(std::function<void()> show) { aboutBox_ = std::move(show); }
+    void ShowAboutBox();
+
+private:
+    ClassRegistry classes_;
+    std::shared_ptr<StdFont> defaultFont_;
+    std::function<void()> aboutBox_;
+};
+
+// The host's side of one sited control.
+class ControlSite {
+public:
+    virtual ~ControlSite() = default;
+    [[nodiscard]] virtual AmbientProperties Ambient() const = 0;
+    virtual void PropertyChanged(std::string_view name) = 0;
+    virtual void RaiseEvent(const EventInfo& event, std::span<Variant> args) = 0;
+    [[nodiscard]] virtual HostContext& Context() const = 0;
+};
+
+class Control : public Object {
+public:
+    // Lifecycle, in the order the host calls them.
+    virtual void UserControl_Initialize() {}
+    virtual void UserControl_InitProperties() {}
+    virtual void UserControl_ReadProperties(PropertyBag& PropBag) { (void)PropBag; }
+    virtual void UserControl_Resize() {}
+    virtual void UserControl_Paint() {}
+    virtual void UserControl_WriteProperties(PropertyBag& PropBag) { (void)PropBag; }
+    virtual void UserControl_Terminate() {}
+
+    // Host side.
+    void AttachSite(ControlSite* site) { site_ = site; }
+    [[nodiscard]] ControlSite* Site() const { return site_; }
+    // The size the host gave the control, in twips.
+    void SetExtent(std::int32_t width, std::int32_t height) {
+        extentWidth_ = width;
+        extentHeight_ = height;
+    }
+    [[nodiscard]] std::int32_t ExtentWidth() const { return extentWidth_; }
+    [[nodiscard]] std::int32_t ExtentHeight() const { return extentHeight_; }
+
+    // Raises event `id` with the values of `args` passed by reference: what the handler writes
+    // into an argument comes back into the caller's variable (converted by the host's rules).
+    template <class... A>
+    void RaiseEvent(std::int32_t id, A&... args) {
+        std::array<Variant, sizeof...(A)> values{Variant(args)...};
+        RaiseEventArgs(id, values);
+        [[maybe_unused]] std::size_t i = 0;
+        ((args = FromVariant<A>(values[i++])), ...);
+    }
+    void RaiseEventArgs(std::int32_t id, std::span<Variant> args);
+
+protected:
+    // Ambient properties of the site; defaults when the control is not sited.
+    [[nodiscard]] AmbientProperties Ambient() const;
+    // Tells the host that a persisted property changed, by its public name.
+    void PropertyChanged(std::string_view name);
+    // Loads the library's about box, shows it modally and unloads it.
+    void OpenAboutBox();
+
+private:
+    ControlSite* site_ = nullptr;
+    std::int32_t extentWidth_ = 0;
+    std::int32_t extentHeight_ = 0;
+};
+
+// Mouse pointers: every control's pointer enumeration has these values, 0 to 15 the platform's
+// standard cursors and 99 the picture in MouseIcon.
+inline constexpr std::int16_t kMousePointerCustom = 99;
+// Error 380 for a value that names no pointer.
+std::int16_t CheckMousePointer(const Variant& value);
+// The cursor actually shown: custom without an icon falls back to the default.
+std::int16_t EffectiveMousePointer(std::int16_t pointer, const std::shared_ptr<StdPicture>& icon);
+// The seventeen members of a control's pointer enumeration ("Voreinstellung" = 0, "Pfeil" = 1,
+// ...); only the custom member carries the control's letter ("bMouseIcon" = 99).
+std::vector<std::pair<std::string, std::int32_t>> MousePointerMembers(std::string_view customName);
+
+}  // namespace korvex::host

@@ -1,0 +1,148 @@
+#include <gtest/gtest.h>
+
+#include "host/error.hpp"
+#include "host/font.hpp"
+#include "host/property_bag.hpp"
+#include "host/type_info.hpp"
+
+using namespace korvex::host;
+
+namespace {
+
+template <class Fn>
+int ErrorOf(Fn fn) {
+    try {
+        fn();
+    } catch (const HostError& e) {
+        return e.Number();
+    }
+    return 0;
+}
+
+TEST(PropertyBag, ValueEqualToWriteDefaultIsNotStored) {
+    PropertyBag bag;
+    bag.WriteProperty("Caption", "", "");
+    bag.WriteProperty("Value", std::int16_t{7}, std::int16_t{7});
+    bag.WriteProperty("Enabled", true, true);
+    bag.WriteProperty("Color", Variant(0x8000000Fu), Variant(0x8000000Fu));
+    EXPECT_TRUE(bag.Empty());
+
+    bag.WriteProperty("Value", std::int16_t{8}, std::int16_t{7});
+    EXPECT_TRUE(bag.Contains("Value"));
+    // Writing the default again forgets the earlier value.
+    bag.WriteProperty("Value", std::int16_t{7}, std::int16_t{7});
+    EXPECT_FALSE(bag.Contains("Value"));
+    // Without a default every value is stored, even an empty one.
+    bag.WriteProperty("Tag", "");
+    EXPECT_TRUE(bag.Contains("Tag"));
+}
+
+TEST(PropertyBag, MissingKeyYieldsTheReadDefault) {
+    PropertyBag bag;
+    EXPECT_EQ(bag.ReadProperty("Value", std::int16_t{3}), Variant(std::int16_t{3}));
+    EXPECT_TRUE(bag.ReadProperty("Nothing here").IsEmpty());
+
+    // Read default 0x8000000F, write default 0x80000005: a value equal to the write default is
+    // not stored and so comes back as the read default.
+    const Variant readDefault(0x8000000Fu), writeDefault(0x80000005u);
+    bag.WriteProperty("BackColor", writeDefault, writeDefault);
+    EXPECT_EQ(bag.ReadProperty("BackColor", readDefault), readDefault);
+}
+
+TEST(PropertyBag, ReadConvertsToTheDefaultsKind) {
+    PropertyBag bag;
+    bag.WriteProperty("Value", "12");
+    bag.WriteProperty("Flag", std::int16_t{-1});
+    bag.WriteProperty("Text", 2.5);
+    bag.WriteProperty("Bad", "12abc");
+    bag.WriteProperty("Big", 100000);
+    EXPECT_EQ(bag.ReadProperty("Value", std::int16_t{0}), Variant(std::int16_t{12}));
+    EXPECT_EQ(bag.ReadProperty("Flag", false), Variant(true));
+    EXPECT_EQ(bag.ReadProperty("Text", ""), Variant("2.5"));
+    EXPECT_EQ(ErrorOf([&] { (void)bag.ReadProperty("Bad", std::int16_t{0}); }), 13);
+    EXPECT_EQ(ErrorOf([&] { (void)bag.ReadProperty("Big", std::int16_t{0}); }), 6);
+    EXPECT_EQ(ErrorOf([&] { (void)bag.ReadProperty("Value", std::make_shared<StdFont>()); }), 13);
+}
+
+TEST(PropertyBag, KeysKeepOrderAndMatchWithoutCase) {
+    PropertyBag bag;
+    bag.WriteProperty("Zeta", 1);
+    bag.WriteProperty("Alpha", 2);
+    bag.WriteProperty("zeta", 3);  // same key: replaced in place
+    ASSERT_EQ(bag.Entries().size(), 2u);
+    EXPECT_EQ(bag.Entries()[0].first, "Zeta");
+    EXPECT_EQ(bag.Entries()[0].second, Variant(3));
+    EXPECT_EQ(bag.ReadProperty("ALPHA", 0), Variant(2));
+}
+
+TEST(PropertyBag, FontsAreStoredAsTheyWereWhenWritten) {
+    auto font = std::make_shared<StdFont>("Arial", 10);
+    PropertyBag bag;
+    bag.WriteProperty("Font", font);
+    font->Bold(true);
+    EXPECT_FALSE(bag.ReadProperty("Font").ToFont()->Bold());
+}
+
+TEST(PropertyBag, JsonRoundTripsEveryValueKind) {
+    auto font = std::make_shared<StdFont>("Times New Roman", 12.75, true);
+    font->Italic(true);
+    font->Underline(true);
+    font->Strikethrough(true);
+    font->Charset(2);
+    auto picture = std::make_shared<StdPicture>(PictureType::Icon, 3, 2,
+                                                std::vector<std::uint32_t>{0xFF000000, 0x00FFFFFF, 0xFF123456,
+                                                                           0x80ABCDEF, 0, 0xFFFFFFFF});
+    PropertyBag bag;
+    bag.WriteProperty("Empty", Variant());
+    bag.WriteProperty("Boolean", true);
+    bag.WriteProperty("Integer", std::int16_t{-32768});
+    bag.WriteProperty("Long", 2147483647);
+    bag.WriteProperty("Color", Variant(0x8000000Fu));
+    bag.WriteProperty("Single", 1.1f);
+    bag.WriteProperty("Double", 2.0);
+    bag.WriteProperty("String", "Grüße \"quoted\"\nline");
+    bag.WriteProperty("Font", font);
+    bag.WriteProperty("Picture", picture);
+    bag.WriteProperty("Nothing", Variant::Nothing());
+    bag.WriteProperty("Missing", Variant::Missing());
+
+    const PropertyBag back = PropertyBag::FromJson(bag.ToJson());
+    EXPECT_EQ(back, bag) << bag.ToJson();
+    EXPECT_EQ(back.ReadProperty("Single").Kind(), VarKind::Single);
+    EXPECT_EQ(back.ReadProperty("Double").Kind(), VarKind::Double);
+    EXPECT_EQ(back.ReadProperty("Integer").Kind(), VarKind::Integer);
+    EXPECT_EQ(back.ReadProperty("Font").ToFont()->Charset(), 2);
+    EXPECT_EQ(back.ReadProperty("Picture").ToPicture()->Pixels()[3], 0x80ABCDEFu);
+}
+
+TEST(PropertyBag, JsonWrittenByHandIsRead) {
+    const PropertyBag bag = PropertyBag::FromJson(
+        R"({"BackColor": 2147483663, "Caption": "Hi", "Size": 1.5, "Count": 3,
+            "Font": {"Font": {"Name": "Arial", "Size": 9}}})");
+    EXPECT_EQ(bag.ReadProperty("BackColor", Variant(0u)).ToLong(), static_cast<std::int32_t>(0x8000000F));
+    EXPECT_EQ(bag.ReadProperty("Count", std::int16_t{0}), Variant(std::int16_t{3}));
+    EXPECT_EQ(bag.ReadProperty("Font").ToFont()->Name(), "Arial");
+    EXPECT_FALSE(bag.ReadProperty("Font").ToFont()->Bold());
+}
+
+TEST(PropertyBag, MalformedJsonIsAClearError) {
+    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson("{"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson("[1]"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson(R"({"X": {"Unknown": 1}})"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson(R"({"X": {"Integer": 40000}})"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson(R"({"P": {"Picture": {"Width": 2, "Height": 2, "Pixels": "AAAAAA=="}}})"); }), 481);
+}
+
+TEST(PropertyBag, ObjectsThatCannotPersistAreRefused) {
+    class Plain final : public Object {
+        const ClassInfo& TypeInfo() const override {
+            static const ClassInfo info;
+            return info;
+        }
+    };
+    PropertyBag bag;
+    EXPECT_EQ(ErrorOf([&] { bag.WriteProperty("Obj", std::shared_ptr<Object>(std::make_shared<Plain>())); }), 330);
+    EXPECT_TRUE(bag.Empty());
+}
+
+}  // namespace
