@@ -18,4 +18,6 @@ struct Command {
 
 std::span<const Command> AllCommands();
 
+int RunBag(Args args);
+
 }  // namespace korvex::cli

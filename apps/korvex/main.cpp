@@ -21,6 +21,7 @@ int Help(Args);
 constexpr std::array kCommands = {
     Command{"help", "korvex help", "shows this text", Help},
     Command{"version", "korvex version", "prints the version", Version},
+    Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
 };
 
 int Help(Args) {

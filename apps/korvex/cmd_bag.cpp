@@ -1,0 +1,30 @@
+// korvex bag FORM.json: loads a form the way a running application does (every control restored
+// from its bag) and prints what each control writes when saved, by control name.
+
+#include <cstdio>
+#include <string>
+
+#include "commands.hpp"
+#include "controls/library.hpp"
+#include "host/container.hpp"
+#include "host/json_codec.hpp"
+
+namespace korvex::cli {
+
+int RunBag(Args args) {
+    if (args.size() != 1) {
+        std::fprintf(stderr, "usage: korvex bag FORM.json\n");
+        return 2;
+    }
+    host::HostContext context;
+    controls::RegisterLibrary(context.Classes());
+    host::Container form(context);
+    form.LoadFile(std::string(args[0]));
+
+    host::json::Json out = host::json::Json::object();
+    for (host::Site* site : form.Sites()) out[site->Name()] = host::json::EncodeBag(form.SaveBag(*site));
+    std::printf("%s\n", out.dump(2).c_str());
+    return 0;
+}
+
+}  // namespace korvex::cli

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the build, the tests and the gallery need (only the missing ones).
+set -euo pipefail
+
+packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchmark-dev
+          nlohmann-json3-dev libfreetype-dev libfontconfig-dev libpng-dev libpixman-1-dev
+          fonts-liberation fonts-dejavu-core)
+# The reference runner draws with a real GDI: a MinGW-w64 build run under Wine.
+oracle_packages=(wine64 g++-mingw-w64-x86-64)
+
+missing() {
+    local out=()
+    for p in "$@"; do
+        dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || out+=("$p")
+    done
+    echo "${out[@]:-}"
+}
+
+as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
+
+need=$(missing "${packages[@]}")
+need_oracle=""
+if [ "${1:-}" = "--with-oracle" ]; then need_oracle=$(missing "${oracle_packages[@]}"); fi
+if [ -n "$need$need_oracle" ]; then
+    as_root apt-get update -qq
+    export DEBIAN_FRONTEND=noninteractive
+    [ -z "$need" ] || as_root apt-get install -y -qq $need
+    [ -z "$need_oracle" ] || as_root apt-get install -y -qq --no-install-recommends $need_oracle
+fi

@@ -1,0 +1,10 @@
+#include "controls/library.hpp"
+
+namespace korvex::controls {
+
+void RegisterLibrary(host::ClassRegistry& registry) {
+    // Each control adds its own table here as it joins the library.
+    (void)registry;
+}
+
+}  // namespace korvex::controls
