@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "host/json_codec.hpp"
+#include "host/numeric.hpp"
 #include "host/text.hpp"
 
 namespace korvex::host {
@@ -56,12 +57,88 @@ void Site::RaiseEvent(const EventInfo& event, std::span<Variant> args) {
 
 HostContext& Site::Context() const { return container_.Context(); }
 
+platform::HWND Site::ContainerWindow() const {
+    if (parent_ && parent_->control_) {
+        if (platform::HWND window = parent_->control_->SurfaceWindow()) return window;
+    }
+    return container_.FormWindow();
+}
+
+platform::RECT Site::Bounds() const {
+    return {extender_.Left, extender_.Top, extender_.Left + extender_.Width, extender_.Top + extender_.Height};
+}
+
+void Site::RequestExtent(std::int32_t width, std::int32_t height) {
+    if (width == extender_.Width && height == extender_.Height) return;
+    extender_.Width = width;
+    extender_.Height = height;
+    control_->SetExtent(width, height);
+    container_.PlaceWindow(*this);
+    control_->UserControl_Resize();
+}
+
 // ---------------------------------------------------------------------------------------------
 // Container
 
-Container::Container(HostContext& context) : context_(context), font_(context.DefaultFont()->Clone()) {}
+Container::Container(HostContext& context) : context_(context), font_(context.DefaultFont()->Clone()) {
+    if (platform::Platform* p = context_.Platform()) {
+        formWindow_ = p->windows().CreateWindow({}, {0, 0, TwipsToPixelsX(Width), TwipsToPixelsY(Height)}, {},
+                                                this, Caption);
+    }
+}
 
-Container::~Container() { TerminateAll(); }
+Container::~Container() {
+    TerminateAll();
+    if (platform::Platform* p = context_.Platform()) p->windows().DestroyWindow(formWindow_);
+}
+
+std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
+    platform::Platform* p = context_.Platform();
+    const int perPixel = p ? p->windows().TwipsPerPixelX() : 15;
+    return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
+}
+
+std::int32_t Container::TwipsToPixelsY(std::int32_t twips) const {
+    platform::Platform* p = context_.Platform();
+    const int perPixel = p ? p->windows().TwipsPerPixelY() : 15;
+    return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
+}
+
+void Container::Show() {
+    platform::Platform* p = context_.Platform();
+    if (!p) return;
+    platform::Windows& windows = p->windows();
+    const std::int32_t x = TwipsToPixelsX(Left);
+    const std::int32_t y = TwipsToPixelsY(Top);
+    windows.SetWindowText(formWindow_, Caption);
+    windows.MoveWindow(formWindow_, {x, y, x + TwipsToPixelsX(Width), y + TwipsToPixelsY(Height)});
+    windows.ShowWindow(formWindow_, true);
+}
+
+void Container::Hide() {
+    if (platform::Platform* p = context_.Platform()) p->windows().ShowWindow(formWindow_, false);
+}
+
+void Container::OnPaint(platform::HDC dc, const platform::RECT& client) {
+    platform::Gdi& gdi = context_.Platform()->gdi();
+    const platform::COLORREF color =
+        (BackColor & kSystemColorFlag) ? gdi.GetSysColor(static_cast<int>(BackColor & 0xFF)) : BackColor;
+    const platform::HBRUSH brush = gdi.CreateSolidBrush(color);
+    gdi.FillRect(dc, client, brush);
+    gdi.DeleteObject(brush);
+}
+
+void Container::PlaceWindow(Site& site) {
+    platform::Platform* p = context_.Platform();
+    const platform::HWND window = site.control_ ? site.control_->SurfaceWindow() : platform::HWND{};
+    if (!p || !window) return;
+    const Extender& e = site.extender_;
+    const std::int32_t x = TwipsToPixelsX(e.Left);
+    const std::int32_t y = TwipsToPixelsY(e.Top);
+    p->windows().MoveWindow(window, {x, y, x + TwipsToPixelsX(e.Width), y + TwipsToPixelsY(e.Height)});
+    p->windows().ShowWindow(window, e.Visible);
+    p->windows().EnableWindow(window, e.Enabled);
+}
 
 void Container::TerminateAll() {
     for (auto& site : sites_) {
@@ -89,23 +166,28 @@ Site& Container::Create(std::string_view progId, Extender extender, Site* parent
     Site& site = *owned;
     sites_.push_back(std::move(owned));
     try {
-        site.control_ = info->create();
-        site.control_->UserControl_Initialize();
-        site.control_->AttachSite(&site);
-        site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
-        if (bag) {
-            PropertyBag copy = *bag;
-            site.control_->UserControl_ReadProperties(copy);
-        } else {
-            site.control_->UserControl_InitProperties();
-        }
-        site.control_->UserControl_Resize();
+        Instantiate(site, bag);
     } catch (...) {
         if (site.control_) site.control_->AttachSite(nullptr);
         sites_.pop_back();
         throw;
     }
     return site;
+}
+
+void Container::Instantiate(Site& site, const PropertyBag* bag) {
+    site.control_ = site.info_->create(context_);
+    site.control_->UserControl_Initialize();
+    site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
+    site.control_->AttachSite(&site);
+    PlaceWindow(site);
+    if (bag) {
+        PropertyBag copy = *bag;
+        site.control_->UserControl_ReadProperties(copy);
+    } else {
+        site.control_->UserControl_InitProperties();
+    }
+    site.control_->UserControl_Resize();
 }
 
 Site& Container::Add(std::string_view progId, Extender extender, Site* parent) {
@@ -157,15 +239,7 @@ void Container::SwitchMode(bool userMode) {
     for (const auto& site : sites_) bags.push_back(SaveBag(*site));
     TerminateAll();
     userMode_ = userMode;
-    for (std::size_t i = 0; i < sites_.size(); ++i) {
-        Site& site = *sites_[i];
-        site.control_ = site.info_->create();
-        site.control_->UserControl_Initialize();
-        site.control_->AttachSite(&site);
-        site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
-        site.control_->UserControl_ReadProperties(bags[i]);
-        site.control_->UserControl_Resize();
-    }
+    for (std::size_t i = 0; i < sites_.size(); ++i) Instantiate(*sites_[i], &bags[i]);
 }
 
 PropertyBag Container::SaveBag(const Site& site) const {
@@ -196,15 +270,16 @@ void Container::LetProperty(Site& site, std::string_view name, const Variant& va
         if (v == field) return;
         field = v;
         site.GetControl().SetExtent(e.Width, e.Height);
+        PlaceWindow(site);
         site.GetControl().UserControl_Resize();
     };
     if (EqualsNoCase(name, "Name") || EqualsNoCase(name, "Container")) throw HostError(kErrReadOnlyProperty, std::string(name));
-    if (EqualsNoCase(name, "Left")) e.Left = value.ToLong();
-    else if (EqualsNoCase(name, "Top")) e.Top = value.ToLong();
+    if (EqualsNoCase(name, "Left")) e.Left = value.ToLong(), PlaceWindow(site);
+    else if (EqualsNoCase(name, "Top")) e.Top = value.ToLong(), PlaceWindow(site);
     else if (EqualsNoCase(name, "Width")) resize(e.Width);
     else if (EqualsNoCase(name, "Height")) resize(e.Height);
-    else if (EqualsNoCase(name, "Visible")) e.Visible = value.ToBool();
-    else if (EqualsNoCase(name, "Enabled")) e.Enabled = value.ToBool();
+    else if (EqualsNoCase(name, "Visible")) e.Visible = value.ToBool(), PlaceWindow(site);
+    else if (EqualsNoCase(name, "Enabled")) e.Enabled = value.ToBool(), PlaceWindow(site);
     else if (EqualsNoCase(name, "TabIndex")) e.TabIndex = value.ToInteger();
     else {
         Variant argument = value;

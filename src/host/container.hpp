@@ -54,6 +54,9 @@ public:
     void PropertyChanged(std::string_view name) override;
     void RaiseEvent(const EventInfo& event, std::span<Variant> args) override;
     [[nodiscard]] HostContext& Context() const override;
+    [[nodiscard]] platform::HWND ContainerWindow() const override;
+    [[nodiscard]] platform::RECT Bounds() const override;
+    void RequestExtent(std::int32_t width, std::int32_t height) override;
 
 private:
     friend class Container;
@@ -72,7 +75,7 @@ public:
     virtual void OnPropertyChanged(Site& site, std::string_view property) = 0;
 };
 
-class Container {
+class Container : private platform::WindowHandler {
 public:
     explicit Container(HostContext& context);
     ~Container();
@@ -92,6 +95,17 @@ public:
     OLE_COLOR ForeColor = 0x80000012;
     [[nodiscard]] std::shared_ptr<StdFont> Font() const { return font_; }
     void Font(std::shared_ptr<StdFont> font) { font_ = std::move(font); }
+
+    // The form's window (zero without a platform): its client area holds the controls. It is
+    // created hidden at (Left, Top) in screen pixels.
+    [[nodiscard]] platform::HWND FormWindow() const { return formWindow_; }
+    std::int32_t Left = 0;  // twips, screen
+    std::int32_t Top = 0;
+    // Applies Left, Top, Width and Height to the form's window and shows it.
+    void Show();
+    void Hide();
+    [[nodiscard]] std::int32_t TwipsToPixelsX(std::int32_t twips) const;
+    [[nodiscard]] std::int32_t TwipsToPixelsY(std::int32_t twips) const;
 
     // Ambient UserMode: false in the designer, true at run time.
     [[nodiscard]] bool UserMode() const { return userMode_; }
@@ -131,12 +145,18 @@ public:
 private:
     friend class Site;
     Site& Create(std::string_view progId, Extender extender, Site* parent, const PropertyBag* bag);
+    // Creates the site's control and brings it up: Initialize, siting, InitProperties or
+    // ReadProperties, Resize, its window placed by the extender.
+    void Instantiate(Site& site, const PropertyBag* bag);
+    void PlaceWindow(Site& site);
     void TerminateAll();
+    void OnPaint(platform::HDC dc, const platform::RECT& client) override;
 
     HostContext& context_;
     EventSink* sink_ = nullptr;
     std::shared_ptr<StdFont> font_;
     bool userMode_ = false;
+    platform::HWND formWindow_;
     std::vector<std::unique_ptr<Site>> sites_;
 };
 

@@ -2,7 +2,8 @@
 
 namespace korvex::host {
 
-HostContext::HostContext() : defaultFont_(std::make_shared<StdFont>("MS Sans Serif", 8.25)) {}
+HostContext::HostContext(platform::Platform* platform)
+    : platform_(platform), defaultFont_(std::make_shared<StdFont>("MS Sans Serif", 8.25)) {}
 
 void HostContext::ShowAboutBox() {
     if (!aboutBox_) throw HostError(kErrInvalidCall, "The about box is not available in this host", "Host");

@@ -13,7 +13,8 @@
 #include <string>
 #include <string_view>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
+#include "platform/window.hpp"
 #include "host/font.hpp"
 #include "host/object.hpp"
 #include "host/ole_types.hpp"
@@ -35,7 +36,10 @@ struct AmbientProperties {
 // about box. One per user-interface thread; two hosts never see each other's.
 class HostContext {
 public:
-    HostContext();
+    // Without a platform the host persists and drives controls but shows nothing.
+    explicit HostContext(platform::Platform* platform = nullptr);
+
+    [[nodiscard]] platform::Platform* Platform() const { return platform_; }
 
     ClassRegistry& Classes() { return classes_; }
     [[nodiscard]] const ClassRegistry& Classes() const { return classes_; }
@@ -48,6 +52,7 @@ public:
     void ShowAboutBox();
 
 private:
+    platform::Platform* platform_;
     ClassRegistry classes_;
     std::shared_ptr<StdFont> defaultFont_;
     std::function<void()> aboutBox_;
@@ -61,6 +66,13 @@ public:
     virtual void PropertyChanged(std::string_view name) = 0;
     virtual void RaiseEvent(const EventInfo& event, std::span<Variant> args) = 0;
     [[nodiscard]] virtual HostContext& Context() const = 0;
+    // The window the control's own window is a child of (zero without a platform).
+    [[nodiscard]] virtual platform::HWND ContainerWindow() const = 0;
+    // The control's position in the container, in twips.
+    [[nodiscard]] virtual platform::RECT Bounds() const = 0;
+    // The control changed its own size (twips): the host resizes the extender and the window
+    // and calls UserControl_Resize again, as a container does.
+    virtual void RequestExtent(std::int32_t width, std::int32_t height) = 0;
 };
 
 class Control : public Object {
@@ -74,8 +86,11 @@ public:
     virtual void UserControl_WriteProperties(PropertyBag& PropBag) { (void)PropBag; }
     virtual void UserControl_Terminate() {}
 
-    // Host side.
-    void AttachSite(ControlSite* site) { site_ = site; }
+    // Host side. Attaching calls SiteAttached so the control can create its window.
+    void AttachSite(ControlSite* site) {
+        site_ = site;
+        if (site_) SiteAttached();
+    }
     [[nodiscard]] ControlSite* Site() const { return site_; }
     // The size the host gave the control, in twips.
     void SetExtent(std::int32_t width, std::int32_t height) {
@@ -84,6 +99,8 @@ public:
     }
     [[nodiscard]] std::int32_t ExtentWidth() const { return extentWidth_; }
     [[nodiscard]] std::int32_t ExtentHeight() const { return extentHeight_; }
+    // The control's own window, which the host moves, shows and enables with the extender.
+    [[nodiscard]] virtual platform::HWND SurfaceWindow() const { return {}; }
 
     // Raises event `id` with the values of `args` passed by reference: what the handler writes
     // into an argument comes back into the caller's variable (converted by the host's rules).
@@ -97,6 +114,8 @@ public:
     void RaiseEventArgs(std::int32_t id, std::span<Variant> args);
 
 protected:
+    // The site is known: its container window and bounds can be read.
+    virtual void SiteAttached() {}
     // Ambient properties of the site; defaults when the control is not sited.
     [[nodiscard]] AmbientProperties Ambient() const;
     // Tells the host that a persisted property changed, by its public name.

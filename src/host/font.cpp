@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/type_info.hpp"
 
 namespace korvex::host {

@@ -3,7 +3,7 @@
 #include <array>
 #include <limits>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/font.hpp"
 
 namespace korvex::host::json {

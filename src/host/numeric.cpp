@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <limits>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 
 namespace korvex::host {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/font.hpp"
 #include "host/json_codec.hpp"
 #include "host/text.hpp"

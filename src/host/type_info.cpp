@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/text.hpp"
 
 namespace korvex::host {
@@ -66,7 +66,7 @@ const ClassInfo* ClassRegistry::Find(std::string_view progId) const {
     return nullptr;
 }
 
-std::shared_ptr<Control> ClassRegistry::Create(std::string_view progId) const {
+std::shared_ptr<Control> ClassRegistry::Create(std::string_view progId, HostContext& context) const {
     const ClassInfo* info = Find(progId);
     if (!info || !info->create) {
         throw HostError(kErrCannotCreateObject,
@@ -74,7 +74,7 @@ std::shared_ptr<Control> ClassRegistry::Create(std::string_view progId) const {
                             std::string(progId) + ")",
                         {});
     }
-    return info->create();
+    return info->create(context);
 }
 
 std::vector<const ClassInfo*> ClassRegistry::Classes() const { return classes_; }

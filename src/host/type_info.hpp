@@ -21,6 +21,7 @@
 namespace korvex::host {
 
 class Control;
+class HostContext;
 
 // The standard dispatch identifier of an about box.
 inline constexpr std::int32_t kDispIdAboutBox = -552;
@@ -80,7 +81,9 @@ public:
     std::vector<MemberInfo> members;
     std::vector<EventInfo> events;
     std::vector<EnumInfo> enums;
-    std::function<std::shared_ptr<Control>()> create;
+    // Creates an instance for a host; controls take the host context so their constituent
+    // objects can reach the platform from the start.
+    std::function<std::shared_ptr<Control>(HostContext&)> create;
 
     // Case-insensitive lookups; nullptr when absent.
     [[nodiscard]] const MemberInfo* FindMember(std::string_view memberName) const;
@@ -118,8 +121,12 @@ public:
     explicit ClassBuilder(std::string name, std::string progId = {}) {
         info_.name = std::move(name);
         info_.progId = std::move(progId);
-        if constexpr (std::is_base_of_v<Control, T> && std::is_default_constructible_v<T>) {
-            info_.create = [] { return std::static_pointer_cast<Control>(std::make_shared<T>()); };
+        if constexpr (std::is_base_of_v<Control, T> && std::is_constructible_v<T, HostContext&>) {
+            info_.create = [](HostContext& context) {
+                return std::static_pointer_cast<Control>(std::make_shared<T>(context));
+            };
+        } else if constexpr (std::is_base_of_v<Control, T> && std::is_default_constructible_v<T>) {
+            info_.create = [](HostContext&) { return std::static_pointer_cast<Control>(std::make_shared<T>()); };
         }
     }
 
@@ -212,7 +219,7 @@ public:
     // nullptr when unknown.
     [[nodiscard]] const ClassInfo* Find(std::string_view progId) const;
     // Error 429 for an unknown ProgID.
-    [[nodiscard]] std::shared_ptr<Control> Create(std::string_view progId) const;
+    [[nodiscard]] std::shared_ptr<Control> Create(std::string_view progId, HostContext& context) const;
     [[nodiscard]] std::vector<const ClassInfo*> Classes() const;
 
 private:

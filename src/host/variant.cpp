@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/font.hpp"
 #include "host/numeric.hpp"
 #include "host/text.hpp"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/font.hpp"
 #include "host/property_bag.hpp"
 #include "host/type_info.hpp"

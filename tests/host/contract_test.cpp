@@ -3,7 +3,7 @@
 #include <filesystem>
 
 #include "host/container.hpp"
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "probe_control.hpp"
 
 using namespace korvex::host;

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "host/error.hpp"
+#include "base/error.hpp"
 #include "host/numeric.hpp"
 
 using namespace korvex::host;

@@ -1,4 +1,4 @@
-#include "host/error.hpp"
+#include "base/error.hpp"
 
 #include <array>
 #include <utility>
@@ -6,7 +6,7 @@
 namespace korvex::host {
 
 std::string_view StandardErrorText(std::int32_t number) {
-    static constexpr std::array<std::pair<std::int32_t, std::string_view>, 38> kTexts = {{
+    static constexpr std::array<std::pair<std::int32_t, std::string_view>, 40> kTexts = {{
         {3, "Return without GoSub"},
         {5, "Invalid procedure call or argument"},
         {6, "Overflow"},
@@ -43,6 +43,8 @@ std::string_view StandardErrorText(std::int32_t number) {
         {481, "Invalid picture"},
         {482, "Printer error"},
         {485, "Invalid picture type"},
+        {330, "Illegal parameter. Can't write object because it does not support persistence"},
+        {32000, "A modal form is waiting for input that will never come"},
         {32755, "Cancel was selected."},
         {32765, "Unable to open the dialog"},
     }};

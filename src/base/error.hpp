@@ -1,6 +1,7 @@
 #pragma once
 // The host's numbered errors. Every failure a control, the host or the platform reports to a
-// caller is a HostError carrying the host's error number, its text and the raising source.
+// caller is a HostError carrying the host's error number, its text and the raising source. It
+// sits below every other layer so that the platform can raise it too.
 
 #include <cstdint>
 #include <stdexcept>
@@ -35,6 +36,7 @@ enum ErrorNumber : std::int32_t {
     kErrArgumentNotOptional = 449,
     kErrWrongArguments = 450,
     kErrInvalidPicture = 481,
+    kErrModalDeadlock = 32000,  // the library's own: a headless modal loop with nothing left to run
     kErrCancel = 32755,
 };
 

@@ -1,0 +1,266 @@
+#include "platform/sim/region.hpp"
+
+#include <algorithm>
+#include <cassert>
+#include <climits>
+#include <cstdlib>
+#include <utility>
+
+namespace korvex::platform::sim {
+
+namespace {
+
+__extension__ typedef __int128 Wide;
+
+Wide CeilDiv(Wide a, Wide b) {  // b > 0
+    return a >= 0 ? (a + b - 1) / b : -((-a) / b);
+}
+
+// Sorts [x0, x1) pairs and merges the ones that overlap or touch.
+std::vector<std::int32_t> NormaliseSpans(std::vector<std::pair<std::int32_t, std::int32_t>> spans) {
+    std::sort(spans.begin(), spans.end());
+    std::vector<std::int32_t> xs;
+    for (const auto& [a, b] : spans) {
+        if (a >= b) continue;
+        if (!xs.empty() && a <= xs.back()) xs.back() = std::max(xs.back(), b);
+        else {
+            xs.push_back(a);
+            xs.push_back(b);
+        }
+    }
+    return xs;
+}
+
+bool Apply(int mode, bool a, bool b) {
+    switch (mode) {
+        case RGN_AND: return a && b;
+        case RGN_OR: return a || b;
+        case RGN_XOR: return a != b;
+        case RGN_DIFF: return a && !b;
+        default: return a;
+    }
+}
+
+// One boolean operation on the span lists of one band.
+std::vector<std::int32_t> CombineSpans(const std::vector<std::int32_t>& a,
+                                       const std::vector<std::int32_t>& b, int mode) {
+    std::vector<std::int32_t> out;
+    std::size_t i = 0, j = 0;
+    bool inA = false, inB = false, cur = false;
+    std::int32_t start = 0;
+    while (i < a.size() || j < b.size()) {
+        const std::int32_t xa = i < a.size() ? a[i] : INT32_MAX;
+        const std::int32_t xb = j < b.size() ? b[j] : INT32_MAX;
+        const std::int32_t x = std::min(xa, xb);
+        if (xa == x) { inA = !inA; ++i; }
+        if (xb == x) { inB = !inB; ++j; }
+        const bool now = Apply(mode, inA, inB);
+        if (now == cur) continue;
+        cur = now;
+        if (now) {
+            start = x;
+        } else if (!out.empty() && out.back() == start) {
+            out.back() = x;
+        } else {
+            out.push_back(start);
+            out.push_back(x);
+        }
+    }
+    return out;
+}
+
+}  // namespace
+
+Region Region::FromRect(const RECT& r) {
+    Region region;
+    if (!r.IsEmpty()) region.bands_.push_back({r.top, r.bottom, {r.left, r.right}});
+    return region;
+}
+
+Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
+                             std::int32_t ew, std::int32_t eh) {
+    if (l > r) std::swap(l, r);
+    if (t > b) std::swap(t, b);
+    // GDI's round and elliptic regions lose a pixel on the right and bottom; RoundRect and
+    // Ellipse pass right+1, bottom+1 to get the full box back.
+    r -= 1;
+    b -= 1;
+    const std::int64_t w = std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew));
+    const std::int64_t h = std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh));
+    if (w < 2 || h < 2) return FromRect({l, t, r, b});
+
+    // Zingl's integer ellipse for the lower-right quadrant of a w x h box, run from the middle
+    // row outwards: inset[row] is how far that row's span starts inside the box.
+    const std::int64_t a = w - 1, bb = h - 1, p = bb % 2;
+    std::int64_t sx = 4 * bb * bb * (1 - a), sy = 4 * a * a * (1 + p), e = sx + sy + a * a * p;
+    std::vector<std::int32_t> inset(static_cast<std::size_t>(h), 0);
+    std::int64_t x = 0, row = h / 2;
+    while (x <= w / 2) {
+        const std::int64_t d = 2 * e;
+        if (d >= sx) { ++x; sx += 8 * bb * bb; e += sx; }
+        if (d <= sy) {
+            ++row;
+            sy += 8 * a * a;
+            e += sy;
+            if (row < h) inset[static_cast<std::size_t>(row)] = static_cast<std::int32_t>(x);
+        }
+    }
+
+    Region region;
+    const auto half = static_cast<std::int32_t>(h / 2), hh = static_cast<std::int32_t>(h);
+    auto spanFor = [&](std::int32_t k) {
+        const std::int32_t in = inset[static_cast<std::size_t>(k)];
+        return std::vector<std::int32_t>{l + in, r - in};
+    };
+    for (std::int32_t i = 0; i < half; ++i) region.AppendBand(t + i, t + i + 1, spanFor(hh - 1 - i));
+    // The middle row stretches up to join the top half: the full-width band of the straight sides.
+    region.AppendBand(t + half, b - hh + half + 1, spanFor(half));
+    for (std::int32_t i = half + 1; i < hh; ++i) region.AppendBand(b - hh + i, b - hh + i + 1, spanFor(i));
+    return region;
+}
+
+Region Region::FromPolygon(std::span<const POINT> points, int fillMode) {
+    Region region;
+    if (points.size() < 2) return region;
+    struct Edge {
+        std::int32_t xTop, yTop, xBottom, yBottom;
+        int dir;
+    };
+    std::vector<Edge> edges;
+    std::int32_t ymin = INT32_MAX, ymax = INT32_MIN;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const POINT p = points[i], q = points[(i + 1) % points.size()];
+        if (p.y == q.y) continue;  // horizontal edges cross no scanline
+        if (p.y < q.y) edges.push_back({p.x, p.y, q.x, q.y, 1});
+        else edges.push_back({q.x, q.y, p.x, p.y, -1});
+        ymin = std::min({ymin, p.y, q.y});
+        ymax = std::max({ymax, p.y, q.y});
+    }
+    std::vector<std::pair<std::int32_t, int>> crossings;
+    std::vector<std::pair<std::int32_t, std::int32_t>> spans;
+    for (std::int32_t y = ymin; y < ymax; ++y) {
+        crossings.clear();
+        for (const Edge& e : edges) {
+            if (y < e.yTop || y >= e.yBottom) continue;
+            // Each edge covers scanlines top <= y < bottom and crosses at the ceiling of its
+            // exact x, so a pixel is in when its top-left corner point is inside.
+            const Wide num = Wide{y - e.yTop} * (e.xBottom - e.xTop);
+            const Wide x = e.xTop + CeilDiv(num, e.yBottom - e.yTop);
+            crossings.emplace_back(static_cast<std::int32_t>(x), e.dir);
+        }
+        std::sort(crossings.begin(), crossings.end());
+        spans.clear();
+        if (fillMode == WINDING) {
+            int winding = 0;
+            std::int32_t start = 0;
+            for (const auto& [cx, dir] : crossings) {
+                const int before = winding;
+                winding += dir;
+                if (before == 0 && winding != 0) start = cx;
+                else if (before != 0 && winding == 0) spans.emplace_back(start, cx);
+            }
+        } else {
+            for (std::size_t i = 0; i + 1 < crossings.size(); i += 2)
+                spans.emplace_back(crossings[i].first, crossings[i + 1].first);
+        }
+        region.AppendBand(y, y + 1, NormaliseSpans(spans));
+    }
+    return region;
+}
+
+Region Region::Combine(const Region& a, const Region& b, int mode) {
+    if (mode == RGN_COPY) return a;
+    std::vector<std::int32_t> ys;
+    ys.reserve(2 * (a.bands_.size() + b.bands_.size()));
+    for (const Band& band : a.bands_) { ys.push_back(band.top); ys.push_back(band.bottom); }
+    for (const Band& band : b.bands_) { ys.push_back(band.top); ys.push_back(band.bottom); }
+    std::sort(ys.begin(), ys.end());
+    ys.erase(std::unique(ys.begin(), ys.end()), ys.end());
+
+    static const std::vector<std::int32_t> kNone;
+    Region out;
+    std::size_t ia = 0, ib = 0;
+    for (std::size_t k = 0; k + 1 < ys.size(); ++k) {
+        const std::int32_t y0 = ys[k], y1 = ys[k + 1];
+        while (ia < a.bands_.size() && a.bands_[ia].bottom <= y0) ++ia;
+        while (ib < b.bands_.size() && b.bands_[ib].bottom <= y0) ++ib;
+        const auto& sa = (ia < a.bands_.size() && a.bands_[ia].top <= y0) ? a.bands_[ia].xs : kNone;
+        const auto& sb = (ib < b.bands_.size() && b.bands_[ib].top <= y0) ? b.bands_[ib].xs : kNone;
+        if (sa.empty() && sb.empty()) continue;
+        out.AppendBand(y0, y1, CombineSpans(sa, sb, mode));
+    }
+    assert(out.IsValid());
+    return out;
+}
+
+void Region::AppendBand(std::int32_t top, std::int32_t bottom, std::vector<std::int32_t> xs) {
+    // Drop empty spans and join touching ones, so every producer may hand over raw spans.
+    std::size_t out = 0;
+    for (std::size_t i = 0; i + 1 < xs.size(); i += 2) {
+        if (xs[i] >= xs[i + 1]) continue;
+        if (out > 0 && xs[i] <= xs[out - 1]) {
+            xs[out - 1] = std::max(xs[out - 1], xs[i + 1]);
+            continue;
+        }
+        xs[out++] = xs[i];
+        xs[out++] = xs[i + 1];
+    }
+    xs.resize(out);
+    if (xs.empty() || top >= bottom) return;
+    if (!bands_.empty() && bands_.back().bottom == top && bands_.back().xs == xs) {
+        bands_.back().bottom = bottom;
+        return;
+    }
+    bands_.push_back({top, bottom, std::move(xs)});
+}
+
+void Region::Offset(std::int32_t dx, std::int32_t dy) {
+    for (Band& band : bands_) {
+        band.top += dy;
+        band.bottom += dy;
+        for (std::int32_t& x : band.xs) x += dx;
+    }
+}
+
+bool Region::Contains(std::int32_t x, std::int32_t y) const {
+    auto it = std::upper_bound(bands_.begin(), bands_.end(), y,
+                               [](std::int32_t v, const Band& band) { return v < band.bottom; });
+    if (it == bands_.end() || y < it->top) return false;
+    for (std::size_t i = 0; i < it->xs.size(); i += 2)
+        if (x >= it->xs[i] && x < it->xs[i + 1]) return true;
+    return false;
+}
+
+RECT Region::Box() const {
+    if (bands_.empty()) return {};
+    RECT box{INT32_MAX, bands_.front().top, INT32_MIN, bands_.back().bottom};
+    for (const Band& band : bands_) {
+        box.left = std::min(box.left, band.xs.front());
+        box.right = std::max(box.right, band.xs.back());
+    }
+    return box;
+}
+
+int Region::Type() const {
+    if (bands_.empty()) return NULLREGION;
+    return bands_.size() == 1 && bands_.front().xs.size() == 2 ? SIMPLEREGION : COMPLEXREGION;
+}
+
+bool Region::IsValid() const {
+    for (std::size_t k = 0; k < bands_.size(); ++k) {
+        const Band& band = bands_[k];
+        if (band.top >= band.bottom || band.xs.empty() || band.xs.size() % 2 != 0) return false;
+        for (std::size_t i = 0; i < band.xs.size(); ++i) {
+            if (i % 2 == 0 && band.xs[i] >= band.xs[i + 1]) return false;
+            if (i % 2 == 1 && i + 1 < band.xs.size() && band.xs[i] >= band.xs[i + 1]) return false;
+        }
+        if (k > 0) {
+            const Band& prev = bands_[k - 1];
+            if (prev.bottom > band.top) return false;
+            if (prev.bottom == band.top && prev.xs == band.xs) return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace korvex::platform::sim

@@ -1,0 +1,62 @@
+#pragma once
+// A pixel set stored as y-x bands, as GDI stores regions: bands of equal top/bottom sorted by y,
+// each holding sorted, non-touching [x0, x1) spans; vertically adjacent bands with the same spans
+// are merged, so equal pixel sets have equal representations.
+
+#include <cstdint>
+#include <span>
+#include <vector>
+
+#include "platform/gdi.hpp"
+
+namespace korvex::platform::sim {
+
+class Region {
+public:
+    struct Band {
+        std::int32_t top = 0;
+        std::int32_t bottom = 0;
+        std::vector<std::int32_t> xs;  // x0, x1, x0, x1, ...
+        friend bool operator==(const Band&, const Band&) = default;
+    };
+
+    Region() = default;
+    // The half-open rect; empty when it has no area. The caller normalises.
+    static Region FromRect(const RECT& r);
+    // GDI's CreateRoundRectRgn shape (one pixel smaller on the right and bottom than asked).
+    static Region FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
+                                std::int32_t ew, std::int32_t eh);
+    // Integer points inside the polygon, top/left edges in, bottom/right out.
+    static Region FromPolygon(std::span<const POINT> points, int fillMode);
+    // RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF (a minus b); RGN_COPY gives a.
+    static Region Combine(const Region& a, const Region& b, int mode);
+
+    void Offset(std::int32_t dx, std::int32_t dy);
+    [[nodiscard]] bool Contains(std::int32_t x, std::int32_t y) const;
+    [[nodiscard]] bool IsEmpty() const { return bands_.empty(); }
+    [[nodiscard]] RECT Box() const;
+    // NULLREGION, SIMPLEREGION or COMPLEXREGION.
+    [[nodiscard]] int Type() const;
+    [[nodiscard]] const std::vector<Band>& Bands() const { return bands_; }
+    [[nodiscard]] Region Intersect(const RECT& r) const { return Combine(*this, FromRect(r), RGN_AND); }
+    friend bool operator==(const Region&, const Region&) = default;
+
+    // Calls f(RECT) for every rect of the region in band order.
+    template <class F>
+    void ForEachRect(F&& f) const {
+        for (const Band& band : bands_)
+            for (std::size_t i = 0; i < band.xs.size(); i += 2)
+                f(RECT{band.xs[i], band.top, band.xs[i + 1], band.bottom});
+    }
+
+    // Appends a band below the existing ones, merging it into the last band when that one touches
+    // it and has the same spans. xs must be sorted, non-touching pairs.
+    void AppendBand(std::int32_t top, std::int32_t bottom, std::vector<std::int32_t> xs);
+    // Debug self-check of the banding invariants.
+    [[nodiscard]] bool IsValid() const;
+
+private:
+    std::vector<Band> bands_;
+};
+
+}  // namespace korvex::platform::sim

@@ -1,0 +1,152 @@
+// SimGdi: BitBlt and StretchBlt.
+//
+// Both walk the destination from its anchor (x, y) in the direction of its extent's sign and the
+// source from its anchor likewise, so a negative extent covers [x+w+1, x+1) and mirrors. Per axis
+// (S source pixels, D destination pixels, k counted from the anchor):
+//   D > S  destination k shows source ceil((k + 1/2) S / D) - 1   (ties to the lower index)
+//   D < S  source i lands on destination ceil((i + 1/2) D / S) - 1; BLACKONWHITE ANDs the pixels
+//          landing together, WHITEONBLACK ORs them, COLORONCOLOR keeps one
+//   D = S  one to one
+// and a destination extent of 1 drops the last of several source pixels first.
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "platform/sim/sim_gdi.hpp"
+
+namespace korvex::platform::sim {
+
+namespace {
+
+RECT Intersect(const RECT& a, const RECT& b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
+RECT BlitRect(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
+    RECT r{x, y, x + w, y + h};
+    if (w < 0) r = {x + w + 1, r.top, x + 1, r.bottom};
+    if (h < 0) r = {r.left, y + h + 1, r.right, y + 1};
+    return r;
+}
+
+struct Run {
+    std::int64_t first = 0;  // source offset from the anchor
+    std::int64_t count = 1;
+};
+
+// The source run of every destination offset along one axis.
+std::vector<Run> AxisMap(std::int64_t d, std::int64_t s) {
+    if (d == 1 && s > 1) --s;
+    std::vector<Run> runs(static_cast<std::size_t>(d));
+    if (d >= s) {
+        for (std::int64_t k = 0; k < d; ++k) {
+            const std::int64_t num = (2 * k + 1) * s;  // ceil(num / 2d) - 1
+            runs[static_cast<std::size_t>(k)] = {(num + 2 * d - 1) / (2 * d) - 1, 1};
+        }
+        return runs;
+    }
+    for (auto& run : runs) run.count = 0;
+    for (std::int64_t i = 0; i < s; ++i) {
+        const std::int64_t k = ((2 * i + 1) * d + 2 * s - 1) / (2 * s) - 1;
+        Run& run = runs[static_cast<std::size_t>(k)];
+        if (run.count++ == 0) run.first = i;
+    }
+    return runs;
+}
+
+}  // namespace
+
+bool SimGdi::BitBlt(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h, HDC src,
+                    std::int32_t sx, std::int32_t sy, DWORD rop) {
+    return StretchBlt(dst, x, y, w, h, src, sx, sy, w, h, rop);
+}
+
+bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                        HDC hsrc, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
+                        DWORD rop) {
+    DcObj* dc = Dc(hdst);
+    if (!dc) return false;
+    if (!Rop3UsesSource(rop)) return PatBltBrush(*dc, x, y, w, h, rop, dc->brushData);
+    DcObj* source = Dc(hsrc);
+    if (!source) return false;
+    if (w == 0 || h == 0 || sw == 0 || sh == 0) return true;
+    const bool usesPattern = Rop3UsesPattern(rop);
+    if (usesPattern && dc->brushData.null) return true;
+
+    const RECT target = BlitRect(x, y, w, h);
+    const Surface from = source->surface;
+    // Overlapping blits within one bitmap read the pixels as they were before the call.
+    std::vector<std::uint32_t> snapshot;
+    const std::uint32_t* srcBits = from.bits;
+    if (from.bits == dc->surface.bits) {
+        snapshot.assign(from.bits, from.bits + static_cast<std::ptrdiff_t>(from.width) * from.height);
+        srcBits = snapshot.data();
+    }
+    auto srcAt = [&](std::int64_t px, std::int64_t py) { return srcBits[py * from.width + px]; };
+
+    const std::int64_t dW = std::abs(std::int64_t{w}), dH = std::abs(std::int64_t{h});
+    const std::int64_t sW = std::abs(std::int64_t{sw}), sH = std::abs(std::int64_t{sh});
+    const std::int64_t dirX = w > 0 ? 1 : -1, dirY = h > 0 ? 1 : -1;
+    const std::int64_t sDirX = sw > 0 ? 1 : -1, sDirY = sh > 0 ? 1 : -1;
+
+    // Plain copies of equal size and direction are row copies.
+    if (rop == SRCCOPY && dW == sW && dH == sH && dirX == sDirX && dirY == sDirY) {
+        const RECT srcBounds = from.Bounds();
+        const RECT shiftedSource = BlitRect(sx, sy, sw, sh);
+        const std::int32_t ox = shiftedSource.left - target.left, oy = shiftedSource.top - target.top;
+        dc->visible.ForEachRect([&](const RECT& clip) {
+            RECT r = Intersect(clip, target);
+            r = Intersect(r, {srcBounds.left - ox, srcBounds.top - oy, srcBounds.right - ox,
+                              srcBounds.bottom - oy});
+            if (r.IsEmpty()) return;
+            for (std::int32_t row = r.top; row < r.bottom; ++row)
+                std::memmove(dc->surface.Row(row) + r.left, srcBits + static_cast<std::ptrdiff_t>(row + oy) * from.width + r.left + ox,
+                             static_cast<std::size_t>(r.Width()) * sizeof(std::uint32_t));
+        });
+        return true;
+    }
+
+    const std::vector<Run> mapX = AxisMap(dW, sW), mapY = AxisMap(dH, sH);
+    const int mode = dc->stretchMode;
+    const std::uint8_t index = Rop3Index(rop);
+    const std::uint32_t pattern = ToPixel(dc->brushData.color);
+
+    dc->visible.ForEachRect([&](const RECT& clip) {
+        const RECT r = Intersect(clip, target);
+        if (r.IsEmpty()) return;
+        for (std::int32_t py = r.top; py < r.bottom; ++py) {
+            const Run& ry = mapY[static_cast<std::size_t>((py - y) * dirY)];
+            std::uint32_t* out = dc->surface.Row(py);
+            for (std::int32_t px = r.left; px < r.right; ++px) {
+                const Run& rx = mapX[static_cast<std::size_t>((px - x) * dirX)];
+                // Gather the source pixels landing here; COLORONCOLOR keeps the first row and
+                // the last column of a group, the other modes fold them all.
+                std::int64_t y0 = 0, y1 = ry.count, x0 = 0, x1 = rx.count;
+                if (mode == COLORONCOLOR || mode == HALFTONE) {
+                    y1 = 1;
+                    x0 = rx.count - 1;
+                }
+                bool any = false;
+                std::uint32_t value = mode == WHITEONBLACK ? 0u : ~0u;
+                for (std::int64_t j = y0; j < y1; ++j) {
+                    const std::int64_t srcY = sy + sDirY * (ry.first + j);
+                    if (srcY < 0 || srcY >= from.height) continue;
+                    for (std::int64_t i = x0; i < x1; ++i) {
+                        const std::int64_t srcX = sx + sDirX * (rx.first + i);
+                        if (srcX < 0 || srcX >= from.width) continue;
+                        const std::uint32_t s = srcAt(srcX, srcY);
+                        value = mode == WHITEONBLACK ? (value | s) : (value & s);
+                        any = true;
+                    }
+                }
+                if (!any) continue;  // nothing to read: the destination stays as it was
+                out[px] = rop == SRCCOPY ? value : Rop3Apply(index, pattern, value, out[px]);
+            }
+        }
+    });
+    return true;
+}
+
+}  // namespace korvex::platform::sim

@@ -1,0 +1,98 @@
+// SimGdi: fonts and text. Glyph shapes and metrics come from the FontEngine; this file places
+// the text cell, paints its background and writes the covered pixels.
+
+#include <algorithm>
+
+#include "platform/sim/font_engine.hpp"
+#include "platform/sim/sim_gdi.hpp"
+
+namespace korvex::platform::sim {
+
+namespace {
+
+constexpr unsigned kUpdateCp = 1;  // TA_UPDATECP
+
+RECT Intersect(const RECT& a, const RECT& b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
+}  // namespace
+
+const LOGFONT& SimGdi::SelectedFont(const DcObj& dc) {
+    if (const FontObj* font = Find<FontObj>(dc.font)) return font->font;
+    return Find<FontObj>(stock_[SYSTEM_FONT])->font;
+}
+
+bool SimGdi::TextOut(HDC hdc, std::int32_t x, std::int32_t y, std::string_view text) {
+    DcObj* dc = Dc(hdc);
+    if (!dc) return false;
+    const FontEngine::Face& face = fonts_->Realize(SelectedFont(*dc));
+    const TEXTMETRIC tm = fonts_->Metrics(face);
+    const SIZE extent = fonts_->Extent(face, text);
+    const unsigned align = dc->textAlign;
+    if (align & kUpdateCp) {
+        x = dc->cp.x;
+        y = dc->cp.y;
+    }
+
+    // The reference point names a spot of the cell: left, centre or right; top, baseline or
+    // bottom. TA_CENTER and TA_BASELINE share bits with TA_RIGHT and TA_BOTTOM, so test them first.
+    std::int32_t left = x;
+    if ((align & TA_CENTER) == TA_CENTER) left = x - extent.cx / 2;
+    else if (align & TA_RIGHT) left = x - extent.cx;
+    std::int32_t top = y;
+    if ((align & TA_BASELINE) == TA_BASELINE) top = y - tm.tmAscent;
+    else if (align & TA_BOTTOM) top = y - tm.tmAscent - tm.tmDescent;
+    const RECT cell{left, top, left + extent.cx, top + tm.tmAscent + tm.tmDescent};
+
+    // Background and glyphs are plain copies: text ignores the ROP2.
+    if (dc->bkMode == OPAQUE) FillClipped(*dc, cell, Rop2Pair(R2_COPYPEN, ToPixel(dc->bkColor)));
+    const GlyphMask mask = fonts_->Render(face, text);
+    const std::uint32_t ink = ToPixel(dc->textColor);
+    const RECT maskRect{left, top, left + mask.width, top + mask.height};
+    dc->visible.ForEachRect([&](const RECT& clip) {
+        const RECT r = Intersect(clip, maskRect);
+        if (r.IsEmpty()) return;
+        for (std::int32_t py = r.top; py < r.bottom; ++py) {
+            const std::uint8_t* coverage =
+                mask.coverage.data() + static_cast<std::ptrdiff_t>(py - top) * mask.width;
+            std::uint32_t* out = dc->surface.Row(py);
+            for (std::int32_t px = r.left; px < r.right; ++px)
+                if (coverage[px - left] >= 128) out[px] = ink;
+        }
+    });
+
+    if (align & kUpdateCp) {
+        if ((align & TA_CENTER) == TA_CENTER) {
+            // the current position stays where it was
+        } else if (align & TA_RIGHT) {
+            dc->cp.x = left;
+        } else {
+            dc->cp.x = left + extent.cx;
+        }
+    }
+    return true;
+}
+
+bool SimGdi::GetTextExtentPoint32(HDC hdc, std::string_view text, SIZE* size) {
+    DcObj* dc = Dc(hdc);
+    if (!dc || !size) return false;
+    *size = fonts_->Extent(fonts_->Realize(SelectedFont(*dc)), text);
+    return true;
+}
+
+bool SimGdi::GetTextMetrics(HDC hdc, TEXTMETRIC* metrics) {
+    DcObj* dc = Dc(hdc);
+    if (!dc || !metrics) return false;
+    *metrics = fonts_->Metrics(fonts_->Realize(SelectedFont(*dc)));
+    return true;
+}
+
+std::string SimGdi::GetTextFace(HDC hdc) {
+    DcObj* dc = Dc(hdc);
+    if (!dc) return {};
+    return fonts_->FaceName(fonts_->Realize(SelectedFont(*dc)));
+}
+
+}  // namespace korvex::platform::sim

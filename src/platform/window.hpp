@@ -1,0 +1,250 @@
+#pragma once
+// The window seam: windows with screen rectangles, z-order, regions, visibility, enabled state,
+// focus, capture and cursors; the pointer and key state; the virtual clock with its timers; and
+// the event loop that delivers input and timer ticks, with nested modal loops. Shaped like the
+// Win32 window manager the controls were written against; sim::SimWindows is the portable
+// implementation, a Windows backend forwards to user32.
+//
+// Coordinates: "screen" = pixels of the virtual screen, origin top-left; "client" = pixels
+// relative to a window's top-left corner. Every field says which.
+//
+// Sections: handles and events · window handler · the Windows interface · helpers
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/gdi.hpp"
+
+namespace korvex::platform {
+
+// ---------------------------------------------------------------------------------------------
+// Handles and events
+
+struct HWND {
+    std::uint32_t value = 0;
+    explicit constexpr operator bool() const { return value != 0; }
+    friend bool operator==(const HWND&, const HWND&) = default;
+};
+
+// Mouse buttons and shift state, valued as the host's event arguments are.
+inline constexpr int kButtonLeft = 1;
+inline constexpr int kButtonRight = 2;
+inline constexpr int kButtonMiddle = 4;
+inline constexpr int kShiftMask = 1;
+inline constexpr int kCtrlMask = 2;
+inline constexpr int kAltMask = 4;
+
+// Virtual key codes used by the library.
+inline constexpr int VK_LBUTTON = 0x01;
+inline constexpr int VK_RBUTTON = 0x02;
+inline constexpr int VK_MBUTTON = 0x04;
+inline constexpr int VK_TAB = 0x09;
+inline constexpr int VK_RETURN = 0x0D;
+inline constexpr int VK_SHIFT = 0x10;
+inline constexpr int VK_CONTROL = 0x11;
+inline constexpr int VK_MENU = 0x12;
+inline constexpr int VK_ESCAPE = 0x1B;
+inline constexpr int VK_SPACE = 0x20;
+
+struct MouseEvent {
+    enum class Kind { Move, Down, Up, DoubleClick };
+    Kind kind = Kind::Move;
+    int button = 0;  // the button that went down or up; for Move the buttons held
+    int shift = 0;
+    POINT client;  // relative to the receiving window
+    POINT screen;
+    std::int64_t time = 0;  // virtual milliseconds
+};
+
+struct KeyEvent {
+    enum class Kind { Down, Up, Press };
+    Kind kind = Kind::Down;
+    int keyCode = 0;  // virtual key for Down/Up, character code for Press
+    int shift = 0;
+    std::int64_t time = 0;
+};
+
+// Standard cursor shapes, numbered as the host's MousePointer values 0 to 15; 99 is a custom
+// cursor made from a picture.
+inline constexpr int kCursorDefault = 0;
+inline constexpr int kCursorArrow = 1;
+inline constexpr int kCursorCustom = 99;
+
+// ---------------------------------------------------------------------------------------------
+// Window handler: what a window's owner (a form, a control surface, a picture box) receives.
+// All calls arrive on the UI thread from the event loop.
+
+class WindowHandler {
+public:
+    virtual ~WindowHandler() = default;
+    virtual void OnMouse(const MouseEvent& event) { (void)event; }
+    virtual void OnKey(const KeyEvent& event) { (void)event; }
+    virtual void OnFocus(bool gained) { (void)gained; }
+    // Capture ended without a button release reaching the window (another window took it).
+    virtual void OnCaptureLost() {}
+    // The window's pixels are needed (for the screen or a snapshot): draw the visible content,
+    // client size, into dc. Windows with a persistent bitmap just copy it.
+    virtual void OnPaint(HDC dc, const RECT& client) {
+        (void)dc;
+        (void)client;
+    }
+};
+
+// ---------------------------------------------------------------------------------------------
+// The Windows interface
+
+struct WindowStyle {
+    bool child = false;  // child windows are positioned relative to their parent's client area
+    bool topmost = false;
+};
+
+// SetWindowPos flags.
+inline constexpr unsigned SWP_NOSIZE = 0x0001;
+inline constexpr unsigned SWP_NOMOVE = 0x0002;
+inline constexpr unsigned SWP_NOZORDER = 0x0004;
+inline constexpr unsigned SWP_NOACTIVATE = 0x0010;
+inline constexpr unsigned SWP_SHOWWINDOW = 0x0040;
+inline constexpr unsigned SWP_HIDEWINDOW = 0x0080;
+inline const HWND HWND_TOP{0};
+inline const HWND HWND_BOTTOM{1};
+inline const HWND HWND_TOPMOST{0xFFFFFFFF};
+inline const HWND HWND_NOTOPMOST{0xFFFFFFFE};
+
+class Windows {
+public:
+    virtual ~Windows() = default;
+
+    // Windows. A new window is hidden and enabled, on top of its siblings (below topmost ones).
+    // Position is relative to the parent's client area for child windows, screen otherwise.
+    virtual HWND CreateWindow(HWND parent, const RECT& position, WindowStyle style,
+                              WindowHandler* handler, std::string_view title = {}) = 0;
+    virtual bool DestroyWindow(HWND window) = 0;  // destroys its children too
+    virtual bool IsWindow(HWND window) = 0;
+    virtual HWND GetParent(HWND window) = 0;
+    virtual HWND GetDesktopWindow() = 0;
+    virtual bool SetWindowText(HWND window, std::string_view text) = 0;
+    virtual std::string GetWindowText(HWND window) = 0;
+
+    // Geometry.
+    virtual bool GetWindowRect(HWND window, RECT* screen) = 0;
+    virtual bool GetClientRect(HWND window, RECT* client) = 0;  // {0, 0, w, h}
+    virtual bool MoveWindow(HWND window, const RECT& position) = 0;  // parent-relative for children
+    virtual bool SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std::int32_t y,
+                              std::int32_t cx, std::int32_t cy, unsigned flags) = 0;
+    virtual POINT ClientToScreen(HWND window, POINT client) = 0;
+    virtual POINT ScreenToClient(HWND window, POINT screen) = 0;
+    // Takes ownership of the region (as Win32 does); a zero handle removes the region.
+    virtual bool SetWindowRgn(HWND window, HRGN region) = 0;
+    // Children of a parent (or the top-level windows for a zero parent), topmost first.
+    virtual std::vector<HWND> ZOrder(HWND parent) = 0;
+    virtual bool BringWindowToTop(HWND window) = 0;
+
+    // State.
+    virtual bool ShowWindow(HWND window, bool visible) = 0;
+    virtual bool IsWindowVisible(HWND window) = 0;  // itself and all its ancestors shown
+    virtual bool EnableWindow(HWND window, bool enabled) = 0;
+    virtual bool IsWindowEnabled(HWND window) = 0;
+    // Marks the window's pixels as stale; the screen is recomposed lazily.
+    virtual void InvalidateWindow(HWND window) = 0;
+
+    // Focus and capture. SetFocus returns the window that had focus; focus changes notify the
+    // old window (OnFocus(false)) before the new one (OnFocus(true)).
+    virtual HWND SetFocus(HWND window) = 0;
+    virtual HWND GetFocus() = 0;
+    virtual HWND SetCapture(HWND window) = 0;
+    virtual bool ReleaseCapture() = 0;
+    virtual HWND GetCapture() = 0;
+
+    // Pointer, keys and cursors. SetCursorPos moves the pointer without generating input; the
+    // event loop's input funnel is what delivers moves.
+    virtual bool GetCursorPos(POINT* screen) = 0;
+    virtual bool SetCursorPos(std::int32_t x, std::int32_t y) = 0;
+    // Bit 15 set while the key (or mouse button VK_LBUTTON ...) is down.
+    virtual std::int16_t GetAsyncKeyState(int virtualKey) = 0;
+    // The cursor a window shows: a standard shape 0 to 15, or kCursorCustom with a picture.
+    virtual void SetWindowCursor(HWND window, int shape, std::shared_ptr<const std::vector<std::uint32_t>> customPixels = {},
+                                 SIZE customSize = {}) = 0;
+    // The shape shown at the pointer now (the window under it, or the capture window).
+    virtual int CurrentCursor() = 0;
+
+    // The window under a screen point: the deepest visible, enabled window whose rectangle
+    // (and region) contains it; the desktop when none.
+    virtual HWND WindowFromPoint(POINT screen) = 0;
+
+    // Screen.
+    virtual SIZE ScreenSize() = 0;
+    virtual int TwipsPerPixelX() = 0;
+    virtual int TwipsPerPixelY() = 0;
+    // Composes the desktop and every visible window (z-order, regions, parents' clipping) into
+    // a bitmap of the screen size; or one window alone with its children, window-sized.
+    virtual std::vector<std::uint32_t> ComposeScreen() = 0;  // 0x00RRGGBB, top-down
+    virtual std::vector<std::uint32_t> ComposeWindow(HWND window) = 0;
+};
+
+// The virtual clock. Time moves only when Advance is called; timers fire in due order as it
+// passes them, each tick a separate call on the UI thread.
+class Clock {
+public:
+    using TimerId = std::uint32_t;
+    virtual ~Clock() = default;
+    [[nodiscard]] virtual std::int64_t Now() = 0;  // virtual milliseconds since start
+    // Periodic timer; intervals below the platform minimum are raised to it, as Win32 does.
+    virtual TimerId SetTimer(std::uint32_t intervalMs, std::function<void()> tick) = 0;
+    virtual bool KillTimer(TimerId id) = 0;
+    // Moves time forward by ms, firing due timers in order (a timer due twice fires twice).
+    virtual void Advance(std::int64_t ms) = 0;
+    // Due time of the earliest timer, or -1 when there is none.
+    [[nodiscard]] virtual std::int64_t NextDue() = 0;
+};
+
+// Scripted input: the event loop pulls the next step from here when it has nothing else to do
+// (a nested modal loop keeps pulling until its form closes).
+class InputSource {
+public:
+    virtual ~InputSource() = default;
+    // Performs the next step (input, time, a property operation); false when none is left.
+    virtual bool Step() = 0;
+};
+
+// The event loop. Input enters through the funnel (Mouse*/Key*), is routed to windows as the
+// platform routes it, and is timestamped with the virtual clock.
+class EventLoop {
+public:
+    virtual ~EventLoop() = default;
+
+    // Input funnel (screen coordinates). A press captures the pointer for the window under it
+    // until the release; a second press within the double-click time and distance is a double
+    // click.
+    virtual void MouseMove(POINT screen) = 0;
+    virtual void MouseDown(int button, int shift) = 0;
+    virtual void MouseUp(int button, int shift) = 0;
+    virtual void KeyDown(int keyCode, int shift) = 0;
+    virtual void KeyUp(int keyCode, int shift) = 0;
+    virtual void KeyPress(int character) = 0;
+
+    // Runs pending work (posted tasks); returns the number of modal loops open.
+    virtual int DoEvents() = 0;
+    virtual void Post(std::function<void()> task) = 0;
+
+    // Runs a nested loop until stillOpen() turns false: pending work, then script steps; when
+    // the script has no more steps, time advances timer by timer (up to a limit). Raises the
+    // host's error when nothing left could end the loop, instead of hanging.
+    virtual void RunModal(const std::function<bool()>& stillOpen, std::string_view what) = 0;
+    virtual void SetInputSource(InputSource* source) = 0;
+};
+
+// Everything a host needs from the platform, owned per UI thread.
+class Platform {
+public:
+    virtual ~Platform() = default;
+    virtual Gdi& gdi() = 0;
+    virtual Windows& windows() = 0;
+    virtual Clock& clock() = 0;
+    virtual EventLoop& loop() = 0;
+};
+
+}  // namespace korvex::platform

@@ -1,0 +1,237 @@
+// The font engine measures and draws the way GDI's cell model says: extents of whole-pixel
+// advances, a mask of the cell, crisp coverage, lines across the whole extent.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "platform/sim/font_engine.hpp"
+
+namespace korvex::testing {
+namespace {
+
+using platform::LOGFONT;
+using platform::sim::FontEngine;
+using platform::sim::GlyphMask;
+
+LOGFONT Font(std::string face, std::int32_t height, std::int32_t weight = platform::FW_NORMAL) {
+    LOGFONT lf;
+    lf.lfFaceName = std::move(face);
+    lf.lfHeight = height;
+    lf.lfWeight = weight;
+    return lf;
+}
+
+int Coverage(const GlyphMask& mask) {
+    return static_cast<int>(std::count(mask.coverage.begin(), mask.coverage.end(), 255));
+}
+
+int RowCoverage(const GlyphMask& mask, std::int32_t y) {
+    int n = 0;
+    for (std::int32_t x = 0; x < mask.width; ++x) n += mask.coverage[y * mask.width + x] ? 1 : 0;
+    return n;
+}
+
+TEST(FontEngine, ExtentGrowsWithTextAndIsTheCellHigh) {
+    FontEngine engine;
+    const auto& face = engine.Realize(Font("Arial", -13));
+    const auto tm = engine.Metrics(face);
+    const auto empty = engine.Extent(face, "");
+    const auto hello = engine.Extent(face, "Hello");
+    const auto helloWorld = engine.Extent(face, "Hello World");
+    EXPECT_EQ(empty.cx, 0);
+    EXPECT_EQ(empty.cy, tm.tmHeight);
+    EXPECT_GT(hello.cx, 0);
+    EXPECT_GT(helloWorld.cx, hello.cx);
+    EXPECT_EQ(helloWorld.cy, tm.tmHeight);
+    EXPECT_EQ(tm.tmHeight, tm.tmAscent + tm.tmDescent);
+}
+
+// TextOut never kerns: a pair is as wide as its two letters apart.
+TEST(FontEngine, AdvancesAddUpWithoutKerning) {
+    FontEngine engine;
+    for (const char* faceName : {"Arial", "Times New Roman", "Tahoma"}) {
+        const auto& face = engine.Realize(Font(faceName, -24));
+        for (const char* pair : {"AV", "To", "LT", "Wa"}) {
+            const std::string a(pair, 1), b(pair + 1, 1);
+            EXPECT_EQ(engine.Extent(face, pair).cx, engine.Extent(face, a).cx + engine.Extent(face, b).cx)
+                << faceName << " \"" << pair << "\"";
+        }
+    }
+}
+
+TEST(FontEngine, HeightRules) {
+    FontEngine engine;
+    // Positive: the cell is exactly that tall.
+    for (std::int32_t cell : {8, 13, 16, 20, 33}) {
+        for (const char* faceName : {"Arial", "Verdana", "Courier New"}) {
+            EXPECT_EQ(engine.Metrics(engine.Realize(Font(faceName, cell))).tmHeight, cell)
+                << faceName << " cell " << cell;
+        }
+    }
+    // Negative: the em, so the cell is taller by the internal leading, and grows with the em.
+    const auto small = engine.Metrics(engine.Realize(Font("Arial", -11)));
+    const auto large = engine.Metrics(engine.Realize(Font("Arial", -30)));
+    EXPECT_GT(small.tmHeight, 11);
+    EXPECT_LT(small.tmHeight, 11 * 3 / 2);
+    EXPECT_GT(large.tmHeight, small.tmHeight);
+    // Absurd requests are clamped, not undefined.
+    for (std::int32_t extreme : {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
+        const auto& face = engine.Realize(Font("Arial", extreme));
+        EXPECT_GT(engine.Metrics(face).tmHeight, 100);
+        EXPECT_GT(engine.Extent(face, "x").cx, 0);
+    }
+    // Zero: a default around the classic dialog font's 13 pixels.
+    const auto deflt = engine.Metrics(engine.Realize(Font("Arial", 0)));
+    EXPECT_GE(deflt.tmHeight, 12);
+    EXPECT_LE(deflt.tmHeight, 16);
+}
+
+// Liberation Sans keeps Arial's advances and win metrics, so the numbers GDI gives for Arial
+// come out: average 5 and cell 13 at the 8-point size, average 6 at 13 pixels.
+TEST(FontEngine, ArialSubstituteHasArialMetrics) {
+    FontEngine engine;
+    const auto eight = engine.Metrics(engine.Realize(Font("Arial", -11)));
+    EXPECT_EQ(eight.tmHeight, 13);
+    EXPECT_EQ(eight.tmAveCharWidth, 5);
+    const auto ten = engine.Metrics(engine.Realize(Font("Arial", -13)));
+    EXPECT_EQ(ten.tmAscent, 12);
+    EXPECT_EQ(ten.tmDescent, 3);
+    EXPECT_EQ(ten.tmInternalLeading, 2);
+    EXPECT_EQ(ten.tmAveCharWidth, 6);
+}
+
+TEST(FontEngine, BoldIsAtLeastAsWideAndReportsItsWeight) {
+    FontEngine engine;
+    for (const char* faceName : {"Arial", "MS Sans Serif", "Courier New", "NoSuchFace"}) {
+        const auto& regular = engine.Realize(Font(faceName, -13));
+        const auto& bold = engine.Realize(Font(faceName, -13, platform::FW_BOLD));
+        EXPECT_GE(engine.Extent(bold, "Wide Bold Text").cx, engine.Extent(regular, "Wide Bold Text").cx)
+            << faceName;
+        EXPECT_GT(Coverage(engine.Render(bold, "Bold")), Coverage(engine.Render(regular, "Bold")))
+            << faceName << ": bold strokes cover more pixels";
+        EXPECT_EQ(engine.Metrics(bold).tmWeight, platform::FW_BOLD);
+        EXPECT_EQ(engine.Metrics(regular).tmWeight, platform::FW_NORMAL);
+    }
+    // 600 is the threshold.
+    EXPECT_EQ(engine.Metrics(engine.Realize(Font("Arial", -13, 599))).tmWeight, platform::FW_NORMAL);
+    EXPECT_EQ(engine.Metrics(engine.Realize(Font("Arial", -13, 600))).tmWeight, platform::FW_BOLD);
+}
+
+TEST(FontEngine, MaskIsTheCellAndMonochrome) {
+    FontEngine engine;
+    LOGFONT italic = Font("Times New Roman", -17);
+    italic.lfItalic = 1;
+    for (const LOGFONT& lf : {Font("Arial", -13), Font("Courier New", 20), italic}) {
+        const auto& face = engine.Realize(lf);
+        for (const char* text : {"", "x", "Hello, World", "Größe", "\xE2\x82\xAC 12"}) {
+            const GlyphMask mask = engine.Render(face, text);
+            const auto extent = engine.Extent(face, text);
+            EXPECT_EQ(mask.width, extent.cx) << lf.lfFaceName << " \"" << text << "\"";
+            EXPECT_EQ(mask.height, engine.Metrics(face).tmHeight);
+            ASSERT_EQ(mask.coverage.size(), static_cast<std::size_t>(mask.width * mask.height));
+            EXPECT_TRUE(std::all_of(mask.coverage.begin(), mask.coverage.end(),
+                                    [](std::uint8_t v) { return v == 0 || v == 255; }))
+                << "hinted monochrome glyphs only";
+            if (*text) {
+                EXPECT_GT(Coverage(mask), 0);
+            }
+        }
+    }
+}
+
+// Underline and strike-out: bars across the whole extent, the underline below the baseline,
+// the strike-out above it; the glyphs themselves are unchanged.
+TEST(FontEngine, UnderlineAndStrikeOutAddFullRows) {
+    FontEngine engine;
+    LOGFONT plain = Font("Arial", -16);
+    LOGFONT under = plain;
+    under.lfUnderline = 1;
+    LOGFONT strike = plain;
+    strike.lfStrikeOut = 1;
+    const auto& plainFace = engine.Realize(plain);
+    const auto& underFace = engine.Realize(under);
+    const auto& strikeFace = engine.Realize(strike);
+    EXPECT_EQ(engine.Metrics(underFace).tmUnderlined, 1);
+    EXPECT_EQ(engine.Metrics(strikeFace).tmStruckOut, 1);
+    const std::int32_t baseline = engine.Metrics(plainFace).tmAscent;
+
+    const char* text = "ace mum";  // no descenders, no ascenders
+    const GlyphMask p = engine.Render(plainFace, text);
+    for (const auto* face : {&underFace, &strikeFace}) {
+        const GlyphMask m = engine.Render(*face, text);
+        ASSERT_EQ(m.width, p.width);
+        ASSERT_EQ(m.height, p.height);
+        std::int32_t fullRow = -1;
+        for (std::int32_t y = 0; y < m.height; ++y) {
+            if (RowCoverage(m, y) == m.width && RowCoverage(p, y) < p.width) fullRow = y;
+        }
+        ASSERT_GE(fullRow, 0) << "a row becomes solid";
+        if (face == &underFace) {
+            EXPECT_GE(fullRow, baseline) << "underline below the baseline";
+        } else {
+            EXPECT_LT(fullRow, baseline) << "strike-out above the baseline";
+            EXPECT_GT(fullRow, baseline - engine.Metrics(plainFace).tmAscent / 2 - 1)
+                << "strike-out through the lowercase letters";
+        }
+        for (std::size_t i = 0; i < p.coverage.size(); ++i) {
+            if (p.coverage[i]) {
+                ASSERT_EQ(m.coverage[i], 255) << "glyph pixel " << i << " kept";
+            }
+        }
+    }
+}
+
+TEST(FontEngine, UnknownAndEmptyFacesStillRenderAndKeepTheirName) {
+    FontEngine engine;
+    const auto& unknown = engine.Realize(Font("Korvex No Such Face", -13));
+    EXPECT_EQ(engine.FaceName(unknown), "Korvex No Such Face");
+    EXPECT_GT(Coverage(engine.Render(unknown, "Text")), 0);
+    EXPECT_GT(engine.Metrics(unknown).tmHeight, 0);
+
+    const auto& empty = engine.Realize(Font("", 0));
+    EXPECT_FALSE(engine.FaceName(empty).empty());
+    EXPECT_GT(Coverage(engine.Render(empty, "Text")), 0);
+
+    // The logical name comes back as requested, substituted or not.
+    EXPECT_EQ(engine.FaceName(engine.Realize(Font("MS Sans Serif", -11))), "MS Sans Serif");
+    EXPECT_EQ(engine.FaceName(engine.Realize(Font("tahoma", -11))), "tahoma");
+}
+
+TEST(FontEngine, RealizeCachesEqualRequests) {
+    FontEngine engine;
+    const auto& a = engine.Realize(Font("Arial", -13));
+    const auto& b = engine.Realize(Font("Arial", -13));
+    const auto& c = engine.Realize(Font("Arial", -14));
+    EXPECT_EQ(&a, &b);
+    EXPECT_NE(&a, &c);
+}
+
+// Malformed UTF-8 becomes U+FFFD one byte at a time, never a stall or a skipped letter.
+TEST(FontEngine, MalformedUtf8IsReplaced) {
+    FontEngine engine;
+    const auto& face = engine.Realize(Font("Arial", -13));
+    const std::int32_t replacement = engine.Extent(face, "\xEF\xBF\xBD").cx;
+    const std::int32_t a = engine.Extent(face, "a").cx;
+    EXPECT_EQ(engine.Extent(face, "\xFF").cx, replacement);
+    EXPECT_EQ(engine.Extent(face, "\xC3").cx, replacement) << "truncated at the end";
+    EXPECT_EQ(engine.Extent(face, "\xC3" "a").cx, replacement + a) << "bad continuation";
+    EXPECT_EQ(engine.Extent(face, "\xC0\x80").cx, 2 * replacement) << "overlong form";
+}
+
+TEST(FontEngine, EnginesAreIndependent) {
+    auto first = std::make_unique<FontEngine>();
+    FontEngine second;
+    const auto& f1 = first->Realize(Font("Arial", -13));
+    const auto width = first->Extent(f1, "Independent").cx;
+    first.reset();
+    const auto& f2 = second.Realize(Font("Arial", -13));
+    EXPECT_EQ(second.Extent(f2, "Independent").cx, width);
+}
+
+}  // namespace
+}  // namespace korvex::testing

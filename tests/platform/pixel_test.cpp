@@ -1,0 +1,546 @@
+// Direct pixel checks of what the conformance digests do not cover and a naive rasteriser gets
+// wrong: DrawEdge rings, shape and region outlines, NULL_PEN rectangles, stretching, every ROP2,
+// styled pens over several calls, clipping, InvertRect and the text cell.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <string>
+#include <vector>
+
+#include "sim_canvas.hpp"
+
+namespace korvex::platform {
+namespace {
+
+using testing::SameRows;
+using testing::SimCanvas;
+
+using Rows = std::vector<std::string>;
+
+// Scheme colours made distinct, so each stroke of an edge is visible on its own.
+constexpr COLORREF kLight = RGB(1, 1, 1), kDark = RGB(2, 2, 2), kShadow = RGB(3, 3, 3),
+                   kHigh = RGB(4, 4, 4), kFace = RGB(5, 5, 5), kWindow = RGB(6, 6, 6),
+                   kFrame = RGB(7, 7, 7);
+const std::map<COLORREF, char> kEdgeLegend = {{kLight, 'L'}, {kDark, 'D'},   {kShadow, 'S'}, {kHigh, 'H'},
+                                              {kFace, 'F'},  {kWindow, 'W'}, {kFrame, 'K'}};
+
+void UseDistinctScheme(sim::SimGdi& gdi) {
+    const std::array<int, 7> idx = {COLOR_3DLIGHT, COLOR_3DDKSHADOW, COLOR_BTNSHADOW, COLOR_BTNHIGHLIGHT,
+                                    COLOR_BTNFACE, COLOR_WINDOW,     COLOR_WINDOWFRAME};
+    const std::array<COLORREF, 7> col = {kLight, kDark, kShadow, kHigh, kFace, kWindow, kFrame};
+    ASSERT_TRUE(gdi.SetSysColors(idx, col));
+}
+
+Rows Edge(unsigned edge, unsigned flags, bool* result = nullptr) {
+    SimCanvas c(7, 5);
+    UseDistinctScheme(c.gdi);
+    RECT r{0, 0, 7, 5};
+    const bool ok = c.gdi.DrawEdge(c.dc, &r, edge, flags);
+    if (result) *result = ok;
+    return c.Map(kEdgeLegend);
+}
+
+TEST(DrawEdge, RingsOfEveryEdgeKindWithMiddle) {
+    const unsigned f = BF_RECT | BF_MIDDLE;
+    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, f), {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}));
+    EXPECT_TRUE(SameRows(Edge(EDGE_SUNKEN, f), {"SSSSSSH", "SDDDDLH", "SDFFFLH", "SLLLLLH", "HHHHHHH"}));
+    EXPECT_TRUE(SameRows(Edge(EDGE_ETCHED, f), {"SSSSSSH", "SHHHHSH", "SHFFFSH", "SSSSSSH", "HHHHHHH"}));
+    EXPECT_TRUE(SameRows(Edge(EDGE_BUMP, f), {"LLLLLLD", "LDDDDLD", "LDFFFLD", "LLLLLLD", "DDDDDDD"}));
+    EXPECT_TRUE(SameRows(Edge(BDR_RAISEDOUTER, f), {"LLLLLLD", "LFFFFFD", "LFFFFFD", "LFFFFFD", "DDDDDDD"}));
+    EXPECT_TRUE(SameRows(Edge(BDR_SUNKENOUTER, f), {"SSSSSSH", "SFFFFFH", "SFFFFFH", "SFFFFFH", "HHHHHHH"}));
+}
+
+TEST(DrawEdge, LoneInnerFlagPaintsTheOuterRing) {
+    const unsigned f = BF_RECT | BF_MIDDLE;
+    EXPECT_TRUE(SameRows(Edge(BDR_RAISEDINNER, f), {"HHHHHHS", "HFFFFFS", "HFFFFFS", "HFFFFFS", "SSSSSSS"}));
+    EXPECT_TRUE(SameRows(Edge(BDR_SUNKENINNER, f), {"DDDDDDL", "DFFFFFL", "DFFFFFL", "DFFFFFL", "LLLLLLL"}));
+}
+
+TEST(DrawEdge, InnerStrokesRunToTheFarEdgeWhenOnlyTwoSidesAreDrawn) {
+    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_TOPLEFT), {"LLLLLLL", "LHHHHHH", "LH.....", "LH.....", "LH....."}));
+}
+
+TEST(DrawEdge, SoftFlatAndMonoVariants) {
+    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_RECT | BF_SOFT | BF_MIDDLE),
+                         {"HHHHHHD", "HLLLLSD", "HLFFFSD", "HSSSSSD", "DDDDDDD"}));
+    EXPECT_TRUE(SameRows(Edge(EDGE_SUNKEN, BF_RECT | BF_FLAT | BF_MIDDLE),
+                         {"SSSSSSS", "SFFFFFS", "SFFFFFS", "SFFFFFS", "SSSSSSS"}));
+    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_RECT | BF_MONO),
+                         {"KKKKKKK", "KWWWWWK", "KW...WK", "KWWWWWK", "KKKKKKK"}));
+}
+
+TEST(DrawEdge, InvalidCombinationsFailAndSkipTheMiddleWhileAdjustShrinksByTheRings) {
+    bool ok = true;
+    const Rows both = Edge(BDR_RAISEDOUTER | BDR_SUNKENOUTER | BDR_RAISEDINNER, BF_RECT | BF_MIDDLE, &ok);
+    EXPECT_FALSE(ok);
+    EXPECT_EQ(both[2][3], '.') << "no middle for an invalid combination";
+
+    SimCanvas c(7, 5);
+    RECT r{0, 0, 7, 5};
+    EXPECT_TRUE(c.gdi.DrawEdge(c.dc, &r, EDGE_SUNKEN, BF_RECT | BF_ADJUST));
+    EXPECT_EQ(r, (RECT{2, 2, 5, 3}));
+    r = {0, 0, 7, 5};
+    c.gdi.DrawEdge(c.dc, &r, BDR_RAISEDOUTER, BF_LEFT | BF_BOTTOM | BF_ADJUST);
+    EXPECT_EQ(r, (RECT{1, 0, 7, 4}));
+}
+
+TEST(DrawEdge, DiagonalRunsFromTheBottomLeftToTheTopRightCorner) {
+    SimCanvas c(5, 5);
+    UseDistinctScheme(c.gdi);
+    RECT r{0, 0, 5, 5};
+    c.gdi.SetROP2(c.dc, R2_COPYPEN);
+    EXPECT_TRUE(c.gdi.DrawEdge(c.dc, &r, BDR_RAISEDOUTER, BF_DIAGONAL | BF_TOP | BF_RIGHT));
+    EXPECT_TRUE(SameRows(c.Map(kEdgeLegend), {"....L", "...L.", "..L..", ".L...", "L...."}));
+    POINT cp{};
+    c.gdi.GetCurrentPositionEx(c.dc, &cp);
+    EXPECT_EQ(cp, (POINT{0, 0})) << "the current position is put back";
+}
+
+TEST(DrawEdge, IgnoresTheRop2) {
+    SimCanvas c(7, 5);
+    UseDistinctScheme(c.gdi);
+    c.gdi.SetROP2(c.dc, R2_XORPEN);
+    RECT r{0, 0, 7, 5};
+    c.gdi.DrawEdge(c.dc, &r, EDGE_RAISED, BF_RECT | BF_MIDDLE);
+    EXPECT_TRUE(SameRows(c.Map(kEdgeLegend), {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}));
+}
+
+// ---------------------------------------------------------------------------------------------
+// Rectangles, round shapes and regions
+
+constexpr COLORREF kPen = RGB(0, 0, 0xFF), kBrush = RGB(0x33, 0xAA, 0xFF);
+const std::map<COLORREF, char> kShapeLegend = {{kPen, '#'}, {kBrush, 'o'}};
+
+struct ShapeCanvas : SimCanvas {
+    ShapeCanvas(std::int32_t w, std::int32_t h, bool pen = true) : SimCanvas(w, h) {
+        gdi.SelectObject(dc, pen ? gdi.CreatePen(PS_SOLID, 1, kPen) : gdi.GetStockObject(NULL_PEN));
+        gdi.SelectObject(dc, gdi.CreateSolidBrush(kBrush));
+    }
+};
+
+TEST(Rectangle, NullPenFillsOnePixelShortOnTheRightAndBottom) {
+    ShapeCanvas c(6, 5, false);
+    EXPECT_TRUE(c.gdi.Rectangle(c.dc, 5, 4, 1, 1));  // swapped corners are normalised
+    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"......", ".ooo..", ".ooo..", "......", "......"}));
+}
+
+TEST(Rectangle, OutlineInsideTheRectAndOneByOneDrawsNothing) {
+    ShapeCanvas c(6, 5);
+    c.gdi.Rectangle(c.dc, 1, 1, 5, 4);
+    c.gdi.Rectangle(c.dc, 0, 4, 1, 5);
+    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"......", ".####.", ".#oo#.", ".####.", "......"}));
+}
+
+TEST(Rectangle, InsideFrameWidePenStaysInsideTheRect) {
+    SimCanvas c(10, 8);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_INSIDEFRAME, 3, kPen));
+    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
+    c.gdi.Rectangle(c.dc, 0, 0, 10, 8);
+    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"##########", "##########", "##########", "###oooo###",
+                                               "###oooo###", "##########", "##########", "##########"}));
+}
+
+TEST(RoundShapes, RoundRectAndEllipseCoverTheirBoxWithRoundedCorners) {
+    ShapeCanvas rr(10, 8);
+    rr.gdi.RoundRect(rr.dc, 0, 0, 10, 8, 4, 4);
+    EXPECT_TRUE(SameRows(rr.Map(kShapeLegend), {".########.", "#oooooooo#", "#oooooooo#", "#oooooooo#",
+                                                "#oooooooo#", "#oooooooo#", "#oooooooo#", ".########."}));
+    ShapeCanvas el(9, 7);
+    el.gdi.Ellipse(el.dc, 0, 0, 9, 7);
+    EXPECT_TRUE(SameRows(el.Map(kShapeLegend), {"..#####..", ".#ooooo#.", "#ooooooo#", "#ooooooo#",
+                                                "#ooooooo#", ".#ooooo#.", "..#####.."}));
+}
+
+Rows RegionMap(std::int32_t w, std::int32_t h, HRGN (*make)(sim::SimGdi&)) {
+    SimCanvas c(w, h);
+    const HRGN rgn = make(c.gdi);
+    c.gdi.FillRgn(c.dc, rgn, c.gdi.CreateSolidBrush(kBrush));
+    return c.Map({{kBrush, '#'}});
+}
+
+TEST(Regions, RoundAndEllipticRegionsLoseAPixelOnTheRightAndBottom) {
+    EXPECT_TRUE(SameRows(RegionMap(10, 10, [](sim::SimGdi& g) { return g.CreateRoundRectRgn(0, 0, 10, 10, 4, 4); }),
+                         {".#######..", "#########.", "#########.", "#########.", "#########.",
+                          "#########.", "#########.", "#########.", ".#######..", ".........."}));
+    EXPECT_TRUE(SameRows(RegionMap(9, 9, [](sim::SimGdi& g) { return g.CreateEllipticRgn(0, 0, 9, 9); }),
+                         {"..####...", ".######..", "########.", "########.", "########.", "########.",
+                          ".######..", "..####...", "........."}));
+    EXPECT_TRUE(SameRows(RegionMap(10, 10, [](sim::SimGdi& g) { return g.CreateRoundRectRgn(0, 0, 10, 10, 1, 1); }),
+                         {"#########.", "#########.", "#########.", "#########.", "#########.",
+                          "#########.", "#########.", "#########.", "#########.", ".........."}));
+}
+
+TEST(Regions, PolygonFillModesAndTheirEdgeRule) {
+    sim::SimGdi gdi;
+    const POINT star[] = {{10, 0}, {16, 19}, {0, 7}, {20, 7}, {4, 19}};
+    const HRGN alternate = gdi.CreatePolygonRgn(star, ALTERNATE);
+    const HRGN winding = gdi.CreatePolygonRgn(star, WINDING);
+    EXPECT_FALSE(gdi.PtInRegion(alternate, 10, 10)) << "the pentagon in the middle is crossed twice";
+    EXPECT_TRUE(gdi.PtInRegion(winding, 10, 10));
+    EXPECT_TRUE(gdi.PtInRegion(alternate, 10, 3));
+
+    // A rectangle polygon is exactly the half-open rect: left/top edges in, right/bottom out.
+    const POINT box[] = {{2, 3}, {9, 3}, {9, 8}, {2, 8}};
+    const HRGN poly = gdi.CreatePolygonRgn(box, ALTERNATE);
+    const HRGN rect = gdi.CreateRectRgn(2, 3, 9, 8);
+    const HRGN diff = gdi.CreateRectRgn(0, 0, 0, 0);
+    EXPECT_EQ(gdi.CombineRgn(diff, poly, rect, RGN_XOR), NULLREGION);
+}
+
+TEST(Regions, CombineOffsetAndQueries) {
+    sim::SimGdi gdi;
+    const HRGN a = gdi.CreateRectRgn(0, 0, 10, 10), b = gdi.CreateRectRgn(5, 5, 15, 15);
+    const HRGN out = gdi.CreateRectRgn(0, 0, 0, 0);
+    RECT box;
+    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_AND), SIMPLEREGION);
+    EXPECT_EQ(gdi.GetRgnBox(out, &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{5, 5, 10, 10}));
+    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_OR), COMPLEXREGION);
+    EXPECT_EQ(gdi.GetRgnBox(out, &box), COMPLEXREGION);
+    EXPECT_EQ(box, (RECT{0, 0, 15, 15}));
+    EXPECT_FALSE(gdi.PtInRegion(out, 12, 2));
+    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_DIFF), COMPLEXREGION);
+    EXPECT_TRUE(gdi.PtInRegion(out, 4, 9));
+    EXPECT_FALSE(gdi.PtInRegion(out, 5, 5));
+    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_XOR), COMPLEXREGION);
+    EXPECT_TRUE(gdi.PtInRegion(out, 14, 14));
+    EXPECT_FALSE(gdi.PtInRegion(out, 7, 7));
+    EXPECT_EQ(gdi.CombineRgn(out, a, HRGN{}, RGN_COPY), SIMPLEREGION);
+    EXPECT_EQ(gdi.OffsetRgn(out, 3, -2), SIMPLEREGION);
+    EXPECT_EQ(gdi.GetRgnBox(out, &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{3, -2, 13, 8}));
+    EXPECT_TRUE(gdi.PtInRegion(out, 3, -2));
+    EXPECT_FALSE(gdi.PtInRegion(out, 13, 0)) << "right edge is exclusive";
+    EXPECT_FALSE(gdi.PtInRegion(out, 5, 8)) << "bottom edge is exclusive";
+    EXPECT_EQ(gdi.CombineRgn(out, a, gdi.CreateRectRgn(20, 20, 30, 30), RGN_AND), NULLREGION);
+    EXPECT_EQ(gdi.CombineRgn(out, a, HRGN{}, RGN_AND), RGN_ERROR);
+}
+
+TEST(Regions, FrameRgnPaintsARingInsideAndHonoursTheRop2) {
+    SimCanvas c(10, 8);
+    const HRGN r = c.gdi.CreateRectRgn(1, 1, 9, 7);
+    c.gdi.FrameRgn(c.dc, r, c.gdi.CreateSolidBrush(kBrush), 2, 1);
+    EXPECT_TRUE(SameRows(c.Map({{kBrush, '#'}}), {"..........", ".########.", ".##....##.", ".##....##.",
+                                                  ".##....##.", ".##....##.", ".########.", ".........."}));
+    c.gdi.SetROP2(c.dc, R2_NOT);
+    c.gdi.PaintRgn(c.dc, r);
+    EXPECT_EQ(c.Raw(3, 3), ~testing::kSentinelPixel);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Blits
+
+struct BlitPair {
+    sim::SimGdi gdi;
+    HDC src, dst;
+    PixelView s, d;
+    BlitPair(std::int32_t sw, std::int32_t sh, std::int32_t dw, std::int32_t dh) {
+        src = gdi.CreateCompatibleDC(HDC{});
+        dst = gdi.CreateCompatibleDC(HDC{});
+        const HBITMAP a = gdi.CreateDIBSection32(sw, sh), b = gdi.CreateDIBSection32(dw, dh);
+        gdi.SelectObject(src, a);
+        gdi.SelectObject(dst, b);
+        s = gdi.BitmapPixels(a);
+        d = gdi.BitmapPixels(b);
+        std::fill_n(d.bits, dw * dh, testing::kSentinelPixel);
+    }
+};
+
+struct StretchCase {
+    std::int32_t srcLen, dstLen;
+    std::vector<int> dstFromSrc;  // the source index each destination pixel shows
+};
+
+TEST(StretchBlt, NearestPixelMapsWhenEnlarging) {
+    const std::vector<StretchCase> cases = {
+        {2, 5, {0, 0, 0, 1, 1}}, {3, 7, {0, 0, 1, 1, 1, 2, 2}}, {4, 6, {0, 0, 1, 2, 2, 3}}};
+    for (const StretchCase& k : cases) {
+        BlitPair p(k.srcLen, k.srcLen, k.dstLen, k.dstLen);
+        auto tag = [](std::int32_t x, std::int32_t y) { return static_cast<std::uint32_t>(0x010000 * (y + 1) + x + 1); };
+        for (std::int32_t y = 0; y < k.srcLen; ++y)
+            for (std::int32_t x = 0; x < k.srcLen; ++x) p.s.bits[y * k.srcLen + x] = tag(x, y);
+        ASSERT_TRUE(p.gdi.StretchBlt(p.dst, 0, 0, k.dstLen, k.dstLen, p.src, 0, 0, k.srcLen, k.srcLen, SRCCOPY));
+        for (std::int32_t y = 0; y < k.dstLen; ++y)
+            for (std::int32_t x = 0; x < k.dstLen; ++x)
+                EXPECT_EQ(p.d.bits[y * k.dstLen + x], tag(k.dstFromSrc[static_cast<std::size_t>(x)], k.dstFromSrc[static_cast<std::size_t>(y)]))
+                    << k.srcLen << "->" << k.dstLen << " at " << x << "," << y;
+    }
+}
+
+TEST(StretchBlt, ShrinkingGroupsAndAndsInTheDefaultMode) {
+    // 5 -> 2 puts source pixels 0,1,2 on destination 0 and 3,4 on destination 1.
+    const std::uint32_t px[5] = {0x00F0F0F7, 0x00FF3FFF, 0x007FFFF8, 0x0012345F, 0x00FFFF0F};
+    BlitPair p(5, 1, 2, 1);
+    std::copy_n(px, 5, p.s.bits);
+    ASSERT_TRUE(p.gdi.StretchBlt(p.dst, 0, 0, 2, 1, p.src, 0, 0, 5, 1, SRCCOPY));
+    EXPECT_EQ(p.d.bits[0], px[0] & px[1] & px[2]);
+    EXPECT_EQ(p.d.bits[1], px[3] & px[4]);
+
+    p.gdi.SetStretchBltMode(p.dst, WHITEONBLACK);
+    p.gdi.StretchBlt(p.dst, 0, 0, 2, 1, p.src, 0, 0, 5, 1, SRCCOPY);
+    EXPECT_EQ(p.d.bits[0], px[0] | px[1] | px[2]);
+    EXPECT_EQ(p.d.bits[1], px[3] | px[4]);
+
+    p.gdi.SetStretchBltMode(p.dst, COLORONCOLOR);
+    p.gdi.StretchBlt(p.dst, 0, 0, 2, 1, p.src, 0, 0, 5, 1, SRCCOPY);
+    EXPECT_EQ(p.d.bits[0], px[2]) << "horizontally the last pixel of a group is kept";
+    EXPECT_EQ(p.d.bits[1], px[4]);
+}
+
+TEST(StretchBlt, SinglePixelDestinationTakesTheFirstSourcePixel) {
+    BlitPair p(2, 2, 1, 1);
+    const std::uint32_t px[4] = {0x00A0B0C0, 0x000F0F0F, 0x00F0F0F0, 0x00000001};
+    std::copy_n(px, 4, p.s.bits);
+    p.gdi.StretchBlt(p.dst, 0, 0, 1, 1, p.src, 0, 0, 2, 2, SRCCOPY);
+    EXPECT_EQ(p.d.bits[0], px[0]);
+}
+
+TEST(StretchBlt, NegativeExtentsIncludeTheAnchorAndMirror) {
+    BlitPair p(3, 1, 5, 1);
+    const std::uint32_t px[3] = {1, 2, 3};
+    std::copy_n(px, 3, p.s.bits);
+    // Destination x = 3 going left over three pixels: covers 1..3, mirrored.
+    p.gdi.StretchBlt(p.dst, 3, 0, -3, 1, p.src, 0, 0, 3, 1, SRCCOPY);
+    EXPECT_EQ(p.d.bits[0], testing::kSentinelPixel);
+    EXPECT_EQ(p.d.bits[1], 3u);
+    EXPECT_EQ(p.d.bits[2], 2u);
+    EXPECT_EQ(p.d.bits[3], 1u);
+    EXPECT_EQ(p.d.bits[4], testing::kSentinelPixel);
+}
+
+TEST(BitBlt, RasterOpsCombineSourceDestinationAndBrush) {
+    BlitPair p(2, 1, 2, 1);
+    p.s.bits[0] = 0x00FF00FF;
+    p.s.bits[1] = 0x000000F0;
+    const std::uint32_t d0 = 0x00F0F0F0;
+    auto run = [&](DWORD rop) {
+        p.d.bits[0] = d0;
+        p.d.bits[1] = d0;
+        EXPECT_TRUE(p.gdi.BitBlt(p.dst, 0, 0, 2, 1, p.src, 0, 0, rop));
+        return p.d.bits[0];
+    };
+    EXPECT_EQ(run(SRCCOPY), 0x00FF00FFu);
+    EXPECT_EQ(run(SRCAND), 0x00F000F0u);
+    EXPECT_EQ(run(SRCPAINT), 0x00FFF0FFu);
+    EXPECT_EQ(run(SRCINVERT), 0x000FF00Fu);
+    EXPECT_EQ(run(NOTSRCCOPY), 0xFF00FF00u);
+    EXPECT_EQ(run(SRCERASE), 0x000F000Fu);
+    p.gdi.SelectObject(p.dst, p.gdi.CreateSolidBrush(RGB(0x0F, 0xFF, 0x00)));  // pixel 0x000FFF00
+    EXPECT_EQ(run(MERGECOPY), 0x00FF00FFu & 0x000FFF00u);
+    // Copies within one bitmap read the pixels as they were before the call.
+    p.d.bits[0] = 5;
+    p.d.bits[1] = 6;
+    p.gdi.BitBlt(p.dst, 1, 0, 1, 1, p.dst, 0, 0, SRCCOPY);
+    EXPECT_EQ(p.d.bits[1], 5u);
+}
+
+// ---------------------------------------------------------------------------------------------
+// ROP2 and the primitives that honour or ignore it
+
+TEST(Rop2, AllSixteenCodesOverAKnownBackground) {
+    const std::uint32_t background = 0x5A3CC396;  // top byte set: ROP2 works on the whole word
+    const COLORREF pen = RGB(0x12, 0x34, 0xF0);
+    const std::uint32_t p = 0x001234F0;
+    SimCanvas c(6, 16);
+    c.Fill(background);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 1, pen));
+    for (int code = R2_BLACK; code <= R2_WHITE; ++code) {
+        c.gdi.SetROP2(c.dc, code);
+        c.gdi.MoveToEx(c.dc, 0, code - 1, nullptr);
+        c.gdi.LineTo(c.dc, 4, code - 1);
+    }
+    for (int code = R2_BLACK; code <= R2_WHITE; ++code) {
+        // Result bit = bit (2*P + D) of code - 1.
+        std::uint32_t want = 0;
+        for (unsigned b = 0; b < 32; ++b) {
+            const unsigned pb = (p >> b) & 1u, db = (background >> b) & 1u;
+            want |= ((static_cast<unsigned>(code - 1) >> (2 * pb + db)) & 1u) << b;
+        }
+        for (std::int32_t x = 0; x < 4; ++x) EXPECT_EQ(c.Raw(x, code - 1), want) << "code " << code << " x " << x;
+        EXPECT_EQ(c.Raw(4, code - 1), background) << "the end point is never drawn (code " << code << ")";
+    }
+}
+
+TEST(Rop2, ShapesRegionsAndPixelsHonourItRectFillsBlitsAndEdgesDoNot) {
+    SimCanvas c(16, 2);
+    const HBRUSH brush = c.gdi.CreateSolidBrush(RGB(0xFF, 0xFF, 0xFF));
+    c.gdi.SelectObject(c.dc, brush);
+    c.gdi.SelectObject(c.dc, c.gdi.GetStockObject(NULL_PEN));
+    c.gdi.SetROP2(c.dc, R2_XORPEN);
+    const std::uint32_t xored = testing::kSentinelPixel ^ 0x00FFFFFFu, copied = 0x00FFFFFFu;
+    c.gdi.Rectangle(c.dc, 0, 0, 3, 2);  // null pen: fills (0,0) and (1,0)
+    const HRGN one = c.gdi.CreateRectRgn(2, 0, 3, 1);
+    c.gdi.PaintRgn(c.dc, one);
+    c.gdi.OffsetRgn(one, 1, 0);
+    c.gdi.FillRgn(c.dc, one, brush);
+    c.gdi.SetPixel(c.dc, 4, 0, RGB(0xFF, 0xFF, 0xFF));
+    c.gdi.FillRect(c.dc, RECT{5, 0, 6, 1}, brush);
+    c.gdi.PatBlt(c.dc, 6, 0, 1, 1, PATCOPY);
+    const HDC other = c.gdi.CreateCompatibleDC(HDC{});
+    const HBITMAP white = c.gdi.CreateDIBSection32(1, 1);
+    c.gdi.BitmapPixels(white).bits[0] = copied;
+    c.gdi.SelectObject(other, white);
+    c.gdi.BitBlt(c.dc, 7, 0, 1, 1, other, 0, 0, SRCCOPY);
+    for (std::int32_t x = 0; x < 5; ++x) EXPECT_EQ(c.Raw(x, 0), xored) << "x " << x;
+    for (std::int32_t x = 5; x < 8; ++x) EXPECT_EQ(c.Raw(x, 0), copied) << "x " << x;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Styled pens
+
+TEST(StyledPens, DotPatternRestartsPerLineToAndRunsOnThroughAPolyline) {
+    constexpr COLORREF kRed = RGB(0xFF, 0, 0), kGreen = RGB(0, 0xFF, 0);
+    SimCanvas c(21, 3);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_DOT, 1, kRed));
+    c.gdi.SetBkColor(c.dc, kGreen);  // OPAQUE is the default: gaps take the background colour
+    c.gdi.MoveToEx(c.dc, 0, 0, nullptr);
+    c.gdi.LineTo(c.dc, 5, 0);
+    c.gdi.LineTo(c.dc, 12, 0);
+    c.gdi.LineTo(c.dc, 20, 0);
+    const POINT chain[] = {{0, 1}, {5, 1}, {12, 1}, {20, 1}};
+    c.gdi.Polyline(c.dc, chain);
+    c.gdi.SetBkMode(c.dc, TRANSPARENT);
+    const POINT again[] = {{0, 2}, {5, 2}, {12, 2}, {20, 2}};
+    c.gdi.Polyline(c.dc, again);
+    EXPECT_TRUE(SameRows(c.Map({{kRed, 'r'}, {kGreen, 'g'}}),
+                         {"rrrggrrrgggrrrrgggrr.", "rrrgggrrrgggrrrgggrr.", "rrr...rrr...rrr...rr."}));
+}
+
+TEST(StyledPens, DashAndWideStyles) {
+    constexpr COLORREF kRed = RGB(0xFF, 0, 0);
+    SimCanvas c(30, 4);
+    c.gdi.SetBkMode(c.dc, TRANSPARENT);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_DASH, 1, kRed));
+    c.gdi.MoveToEx(c.dc, 0, 0, nullptr);
+    c.gdi.LineTo(c.dc, 30, 0);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_DASHDOT, 0, kRed));
+    c.gdi.MoveToEx(c.dc, 0, 1, nullptr);
+    c.gdi.LineTo(c.dc, 30, 1);
+    // A styled CreatePen wider than one pixel draws solid.
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_DOT, 2, kRed));
+    c.gdi.MoveToEx(c.dc, 1, 3, nullptr);
+    c.gdi.LineTo(c.dc, 28, 3);
+    const Rows rows = c.Map({{kRed, 'r'}});
+    EXPECT_EQ(rows[0], "rrrrrrrrrrrrrrrrrr......rrrrrr");
+    EXPECT_EQ(rows[1], "rrrrrrrrr......rrr......rrrrrr");
+    EXPECT_EQ(rows[3].substr(1, 27), std::string(27, 'r'));
+}
+
+TEST(WidePens, AxisLinesCoverTheWidthAcrossTheLineAndBothEnds) {
+    constexpr COLORREF kRed = RGB(0xFF, 0, 0);
+    SimCanvas c(14, 16);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 3, kRed));
+    c.gdi.MoveToEx(c.dc, 2, 5, nullptr);
+    c.gdi.LineTo(c.dc, 10, 5);
+    c.gdi.MoveToEx(c.dc, 5, 9, nullptr);
+    c.gdi.LineTo(c.dc, 5, 13);
+    const Rows rows = c.Map({{kRed, 'r'}});
+    EXPECT_EQ(rows[3], std::string(14, '.'));
+    for (int y : {4, 5, 6}) EXPECT_EQ(rows[static_cast<std::size_t>(y)].substr(2, 9), std::string(9, 'r')) << y;
+    EXPECT_EQ(rows[7], std::string(14, '.'));
+    for (int y = 9; y <= 13; ++y) EXPECT_EQ(rows[static_cast<std::size_t>(y)].substr(3, 5), ".rrr.") << y;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Clipping, inversion
+
+TEST(Clipping, DrawingStaysInsideTheSelectedRegionWhichIsACopy) {
+    SimCanvas c(12, 12);
+    const HRGN clip = c.gdi.CreateEllipticRgn(0, 0, 9, 9);
+    EXPECT_EQ(c.gdi.SelectClipRgn(c.dc, clip), COMPLEXREGION);
+    c.gdi.OffsetRgn(clip, 3, 3);  // moving the handle afterwards does not move the clip
+    c.gdi.FillRect(c.dc, RECT{0, 0, 12, 12}, c.gdi.CreateSolidBrush(kBrush));
+    EXPECT_TRUE(SameRows(c.Map({{kBrush, '#'}}),
+                         {"..####......", ".######.....", "########....", "########....", "########....",
+                          "########....", ".######.....", "..####......", "............", "............",
+                          "............", "............"}));
+    EXPECT_EQ(c.gdi.GetPixel(c.dc, 0, 0), CLR_INVALID);
+    EXPECT_EQ(c.gdi.SetPixel(c.dc, 0, 0, 0), CLR_INVALID);
+    EXPECT_EQ(c.gdi.SelectObject(c.dc, HGDIOBJ{clip.value}).value, static_cast<std::uint32_t>(COMPLEXREGION));
+    EXPECT_EQ(c.gdi.SelectClipRgn(c.dc, HRGN{}), SIMPLEREGION);
+    EXPECT_EQ(c.gdi.GetPixel(c.dc, 0, 0), RGB(0xCC, 0xCC, 0xCC));
+}
+
+TEST(InvertRect, InvertsEveryBitIgnoringTheRop2) {
+    SimCanvas c(4, 4);
+    c.gdi.SetROP2(c.dc, R2_BLACK);
+    EXPECT_TRUE(c.gdi.InvertRect(c.dc, RECT{1, 1, 3, 3}));
+    for (std::int32_t y = 0; y < 4; ++y)
+        for (std::int32_t x = 0; x < 4; ++x) {
+            const bool inside = x >= 1 && x < 3 && y >= 1 && y < 3;
+            EXPECT_EQ(c.Raw(x, y), inside ? 0x33333333u : testing::kSentinelPixel) << x << "," << y;
+        }
+}
+
+TEST(FillRect, SystemColourBrushesSelectedBrushFallbackAndBlitExtents) {
+    SimCanvas c(8, 3);
+    EXPECT_EQ(c.gdi.FillRect(c.dc, RECT{0, 0, 1, 1}, HBRUSH{COLOR_BTNSHADOW + 1}), 1);
+    EXPECT_EQ(c.At(0, 0), c.gdi.GetSysColor(COLOR_BTNSHADOW));
+    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
+    c.gdi.FillRect(c.dc, RECT{1, 0, 2, 1}, HBRUSH{});
+    EXPECT_EQ(c.At(1, 0), kBrush);
+    // A swapped rect is a negative extent: {6,1,2,3} covers x 3..6, the anchor included.
+    c.gdi.FillRect(c.dc, RECT{6, 1, 2, 3}, HBRUSH{});
+    EXPECT_EQ(c.Map({{kBrush, '#'}})[2], "...####.");
+    EXPECT_EQ(c.gdi.FrameRect(c.dc, RECT{3, 0, 3, 2}, HBRUSH{}), 0) << "empty rect";
+}
+
+// ---------------------------------------------------------------------------------------------
+// Text cell placement (glyph shapes belong to the font engine)
+
+struct TextBox {
+    RECT ink{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+    RECT any{INT32_MAX, INT32_MAX, INT32_MIN, INT32_MIN};
+};
+
+TextBox Extents(const SimCanvas& c, COLORREF fg) {
+    TextBox box;
+    for (std::int32_t y = 0; y < c.view.height; ++y)
+        for (std::int32_t x = 0; x < c.view.width; ++x) {
+            if (c.Raw(x, y) == testing::kSentinelPixel) continue;
+            RECT& r = c.At(x, y) == fg ? box.ink : box.any;
+            r = {std::min(r.left, x), std::min(r.top, y), std::max(r.right, x + 1), std::max(r.bottom, y + 1)};
+        }
+    return box;
+}
+
+TEST(TextOut, OpaqueBoxIsTheExtentAtTheReferencePoint) {
+    constexpr COLORREF kInk = RGB(0xFF, 0, 0), kBk = RGB(0, 0xFF, 0);
+    SimCanvas c(120, 60);
+    c.gdi.SelectObject(c.dc, c.gdi.GetStockObject(DEFAULT_GUI_FONT));
+    c.gdi.SetTextColor(c.dc, kInk);
+    c.gdi.SetBkColor(c.dc, kBk);
+    SIZE ext{};
+    ASSERT_TRUE(c.gdi.GetTextExtentPoint32(c.dc, "Hello", &ext));
+    ASSERT_GT(ext.cx, 0);
+    TEXTMETRIC tm{};
+    ASSERT_TRUE(c.gdi.GetTextMetrics(c.dc, &tm));
+    EXPECT_EQ(ext.cy, tm.tmHeight);
+
+    c.gdi.SetROP2(c.dc, R2_NOT);  // text ignores it
+    c.gdi.TextOut(c.dc, 7, 5, "Hello");
+    TextBox box = Extents(c, kInk);
+    EXPECT_EQ(box.any, (RECT{7, 5, 7 + ext.cx, 5 + ext.cy})) << "background box";
+    EXPECT_GE(box.ink.left, 7);
+    EXPECT_LE(box.ink.bottom, 5 + ext.cy);
+
+    c.Fill(testing::kSentinelPixel);
+    c.gdi.SetTextAlign(c.dc, TA_RIGHT | TA_BOTTOM);
+    c.gdi.TextOut(c.dc, 100, 50, "Hello");
+    EXPECT_EQ(Extents(c, kInk).any, (RECT{100 - ext.cx, 50 - ext.cy, 100, 50}));
+
+    c.Fill(testing::kSentinelPixel);
+    c.gdi.SetTextAlign(c.dc, TA_CENTER | TA_BASELINE);
+    c.gdi.SetBkMode(c.dc, TRANSPARENT);
+    c.gdi.TextOut(c.dc, 60, 30, "Hello");
+    box = Extents(c, kInk);
+    EXPECT_EQ(box.any.left, INT32_MAX) << "no background in TRANSPARENT mode";
+    EXPECT_LE(box.ink.bottom, 30 + tm.tmDescent);
+    EXPECT_GE(box.ink.top, 30 - tm.tmAscent);
+    EXPECT_GE(box.ink.left, 60 - ext.cx / 2);
+    EXPECT_FALSE(c.gdi.GetTextFace(c.dc).empty());
+}
+
+}  // namespace
+}  // namespace korvex::platform
