@@ -19,5 +19,7 @@ struct Command {
 std::span<const Command> AllCommands();
 
 int RunBag(Args args);
+int RunForm(Args args);
+int RenderForm(Args args);
 
 }  // namespace korvex::cli

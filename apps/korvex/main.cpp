@@ -22,6 +22,10 @@ constexpr std::array kCommands = {
     Command{"help", "korvex help", "shows this text", Help},
     Command{"version", "korvex version", "prints the version", Version},
     Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
+    Command{"run", "korvex run FORM.json [--script FILE] [--out DIR]",
+            "runs a form with a script of input, prints its events", RunForm},
+    Command{"render", "korvex render FORM.json -o FILE.png", "renders a form as it looks at run time",
+            RenderForm},
 };
 
 int Help(Args) {

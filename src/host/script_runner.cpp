@@ -66,6 +66,12 @@ bool ParseKeyCode(const std::string& word, int& code) {
     return true;
 }
 
+// Names are only known while the form runs (a mode switch re-creates controls), so an unknown
+// one is the host's run-time error, not a malformed line.
+HostError NoControl(const std::string& name) {
+    return HostError(kErrObjectRequired, "Object required: there is no control named " + name, "korvex");
+}
+
 std::string Unquote(const std::string& word) {
     if (word.size() < 2 || word.front() != '"') return word;
     std::string out;
@@ -235,11 +241,11 @@ void ScriptRunner::Validate(const Line& line) const {
     }
 }
 
-std::pair<Site*, std::string> ScriptRunner::Member(const Line& line, const std::string& dotted) const {
+std::pair<Site*, std::string> ScriptRunner::Member(const std::string& dotted) const {
     const std::size_t dot = dotted.find('.');
     const std::string name = dotted.substr(0, dot);
     Site* site = form_.Find(name);
-    if (!site) throw ScriptError(line.number, "no control named '" + name + "'");
+    if (!site) throw NoControl(name);
     return {site, dotted.substr(dot + 1)};
 }
 
@@ -247,7 +253,7 @@ platform::POINT ScriptRunner::PointOf(const Line& line) const {
     const auto& w = line.words;
     if (w.size() == 3 && IsInteger(w[1])) return {std::stoi(w[1]), std::stoi(w[2])};
     Site* site = form_.Find(w[1]);
-    if (!site) throw ScriptError(line.number, "no control named '" + w[1] + "'");
+    if (!site) throw NoControl(w[1]);
     platform::Windows& windows = platform_.windows();
     platform::RECT r;
     if (platform::HWND window = site->GetControl().SurfaceWindow()) {
@@ -305,18 +311,19 @@ void ScriptRunner::Execute(const Line& line) {
         }
     } else if (command == "focus") {
         Site* site = form_.Find(w[1]);
-        if (!site) throw ScriptError(line.number, "no control named '" + w[1] + "'");
+        if (!site) throw NoControl(w[1]);
         windows.SetFocus(site->GetControl().SurfaceWindow());
     } else if (command == "wait") {
         platform_.clock().Advance(std::stoll(w[1]));
     } else if (command == "set") {
-        auto [site, property] = Member(line, w[1]);
+        auto [site, property] = Member(w[1]);
         form_.LetProperty(*site, property, ParseValue(w[2]));
     } else if (command == "get") {
-        auto [site, property] = Member(line, w[1]);
-        out_ << site->Name() << "." << property << " = " << DisplayText(form_.GetProperty(*site, property)) << "\n";
+        auto [site, property] = Member(w[1]);
+        const Variant value = form_.GetProperty(*site, property);
+        out_ << site->Name() << "." << property << " = " << DisplayText(value) << "\n";
     } else if (command == "call") {
-        auto [site, method] = Member(line, w[1]);
+        auto [site, method] = Member(w[1]);
         std::vector<Variant> args;
         for (std::size_t i = 2; i < w.size(); ++i) args.push_back(ParseValue(w[i]));
         const Variant result = form_.CallMethod(*site, method, args);

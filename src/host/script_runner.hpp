@@ -66,7 +66,7 @@ private:
     void Execute(const Line& line);
     void Validate(const Line& line) const;
     platform::POINT PointOf(const Line& line) const;
-    std::pair<Site*, std::string> Member(const Line& line, const std::string& dotted) const;
+    std::pair<Site*, std::string> Member(const std::string& dotted) const;
 
     Container& form_;
     platform::Platform& platform_;

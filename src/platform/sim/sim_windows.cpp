@@ -1,0 +1,665 @@
+// SimWindows: window tree, z-order, focus, capture, input routing and screen composition.
+//
+// Sections: construction · windows · geometry and z-order · state · focus and capture ·
+// pointer and keys · hit-testing and routing · composition
+
+#include "platform/sim/sim_windows.hpp"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+namespace korvex::platform::sim {
+
+namespace {
+
+RECT Normalized(const RECT& r) {
+    return {r.left, r.top, std::max(r.left, r.right), std::max(r.top, r.bottom)};
+}
+
+void Erase(std::vector<std::uint32_t>& list, std::uint32_t value) {
+    list.erase(std::remove(list.begin(), list.end(), value), list.end());
+}
+
+std::size_t IndexOf(const std::vector<std::uint32_t>& list, std::uint32_t value) {
+    return static_cast<std::size_t>(std::find(list.begin(), list.end(), value) - list.begin());
+}
+
+}  // namespace
+
+// ---------------------------------------------------------------------------------------------
+// Construction
+
+SimWindows::SimWindows(Gdi& gdi, SIZE screen, int twipsPerPixel)
+    : gdi_(gdi), screen_(screen), twipsPerPixel_(twipsPerPixel) {
+    Window desktop;
+    desktop.visible = true;
+    desktop.rect = {0, 0, screen.cx, screen.cy};
+    desktop.title = "Desktop";
+    windows_.emplace(kDesktop, std::move(desktop));
+}
+
+SimWindows::~SimWindows() {
+    for (auto& [handle, window] : windows_)
+        if (window.region) gdi_.DeleteObject(window.region);
+}
+
+SimWindows::Window* SimWindows::Find(std::uint32_t handle) {
+    auto it = windows_.find(handle);
+    return it == windows_.end() ? nullptr : &it->second;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Windows
+
+HWND SimWindows::CreateWindow(HWND parent, const RECT& position, WindowStyle style,
+                              WindowHandler* handler, std::string_view title) {
+    std::uint32_t parentHandle = Normalize(parent);
+    if (parentHandle && !Find(parentHandle)) return {};
+    // CreateWindowEx refuses a child window without a parent.
+    if (style.child && !parentHandle) return {};
+
+    Window window;
+    window.child = style.child;
+    window.parent = style.child ? parentHandle : kDesktop;
+    if (!style.child && parentHandle) {
+        // An owner is always a top-level window: a child named as owner stands for its
+        // top-level ancestor, as in Win32.
+        std::uint32_t owner = parentHandle;
+        while (Find(owner)->child) owner = Find(owner)->parent;
+        window.owner = owner;
+    }
+    // Topmost is a property of top-level windows; the owned windows of a topmost window are
+    // topmost too, so that they can stay above it.
+    window.topmost = !style.child && (style.topmost || (window.owner && Find(window.owner)->topmost));
+    window.rect = Normalized(position);
+    window.handler = handler;
+    window.title = std::string(title);
+
+    const std::uint32_t handle = nextHandle_;
+    nextHandle_ += 4;
+    windows_.emplace(handle, std::move(window));
+    Find(Find(handle)->parent)->children.push_back(handle);
+    Restack(handle, HWND_TOP);
+    return HWND{handle};
+}
+
+// Destroys the window, its children and the windows it owns. Focus and capture held anywhere in
+// that set vanish without a notification: the handlers may already be half torn down.
+bool SimWindows::DestroyWindow(HWND window) {
+    if (window.value == kDesktop || !Find(window)) return false;
+    std::vector<std::uint32_t> doomed{window.value};
+    for (std::size_t i = 0; i < doomed.size(); ++i) {
+        const Window& w = *Find(doomed[i]);
+        doomed.insert(doomed.end(), w.children.begin(), w.children.end());
+        for (const auto& [handle, other] : windows_)
+            if (other.owner == doomed[i]) doomed.push_back(handle);
+    }
+    for (std::uint32_t handle : doomed) {
+        if (handle == focus_) DropFocus(false);
+        if (handle == capture_) DropCapture(false);
+        if (handle == lastClick_.window) lastClick_ = {};
+    }
+    for (std::uint32_t handle : doomed) {
+        Window& w = *Find(handle);
+        if (Window* parent = Find(w.parent)) Erase(parent->children, handle);
+        if (w.region) gdi_.DeleteObject(w.region);
+    }
+    for (std::uint32_t handle : doomed) windows_.erase(handle);
+    return true;
+}
+
+bool SimWindows::IsWindow(HWND window) { return Find(window) != nullptr; }
+
+// As Win32's GetParent: the parent of a child window, the owner of an owned top-level window.
+HWND SimWindows::GetParent(HWND window) {
+    const Window* w = Find(window);
+    if (!w || window.value == kDesktop) return {};
+    return HWND{w->child ? w->parent : w->owner};
+}
+
+bool SimWindows::SetWindowText(HWND window, std::string_view text) {
+    Window* w = Find(window);
+    if (!w) return false;
+    w->title = std::string(text);
+    return true;
+}
+
+std::string SimWindows::GetWindowText(HWND window) {
+    const Window* w = Find(window);
+    return w ? w->title : std::string();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Geometry and z-order
+
+POINT SimWindows::Origin(std::uint32_t window) {
+    POINT origin;
+    for (const Window* w = Find(window); w; w = w->child ? Find(w->parent) : nullptr) {
+        origin.x += w->rect.left;
+        origin.y += w->rect.top;
+    }
+    return origin;
+}
+
+bool SimWindows::GetWindowRect(HWND window, RECT* screen) {
+    const Window* w = Find(window);
+    if (!w || !screen) return false;
+    const POINT o = Origin(window.value);
+    *screen = {o.x, o.y, o.x + w->rect.Width(), o.y + w->rect.Height()};
+    return true;
+}
+
+bool SimWindows::GetClientRect(HWND window, RECT* client) {
+    const Window* w = Find(window);
+    if (!w || !client) return false;
+    *client = {0, 0, w->rect.Width(), w->rect.Height()};
+    return true;
+}
+
+bool SimWindows::MoveWindow(HWND window, const RECT& position) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop) return false;
+    w->rect = Normalized(position);
+    return true;
+}
+
+bool SimWindows::SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std::int32_t y,
+                              std::int32_t cx, std::int32_t cy, unsigned flags) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop) return false;
+    if (!(flags & SWP_NOMOVE)) w->rect = {x, y, x + w->rect.Width(), y + w->rect.Height()};
+    if (!(flags & SWP_NOSIZE))
+        w->rect = {w->rect.left, w->rect.top, w->rect.left + std::max(cx, 0),
+                   w->rect.top + std::max(cy, 0)};
+    // An insertAfter that is no sibling fails the call, the rest still applies.
+    const bool ok = (flags & SWP_NOZORDER) || Restack(window.value, insertAfter);
+    if (flags & SWP_SHOWWINDOW) ShowWindow(window, true);
+    if (flags & SWP_HIDEWINDOW) ShowWindow(window, false);
+    return ok;
+}
+
+POINT SimWindows::ClientToScreen(HWND window, POINT client) {
+    if (!Find(window)) return client;
+    const POINT o = Origin(window.value);
+    return {client.x + o.x, client.y + o.y};
+}
+
+POINT SimWindows::ScreenToClient(HWND window, POINT screen) {
+    if (!Find(window)) return screen;
+    const POINT o = Origin(window.value);
+    return {screen.x - o.x, screen.y - o.y};
+}
+
+bool SimWindows::SetWindowRgn(HWND window, HRGN region) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop) return false;
+    if (w->region && w->region != region) gdi_.DeleteObject(w->region);
+    w->region = region;
+    return true;
+}
+
+std::vector<HWND> SimWindows::ZOrder(HWND parent) {
+    const Window* p = Find(parent.value ? parent.value : kDesktop);
+    std::vector<HWND> order;
+    if (!p) return order;
+    for (std::uint32_t handle : p->children) order.push_back(HWND{handle});
+    return order;
+}
+
+bool SimWindows::BringWindowToTop(HWND window) {
+    return SetWindowPos(window, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE);
+}
+
+// Sibling lists keep topmost windows (top-level only) in a band above the others:
+//   HWND_TOP        top of the window's own band
+//   HWND_BOTTOM     bottom of the list; a topmost window stops being topmost
+//   HWND_TOPMOST    top of the list, topmost from now on (a child just goes to the top)
+//   HWND_NOTOPMOST  a topmost window goes to the top of the other band; others stay put
+//   a sibling       just below it; a topmost window placed below a normal one stops being
+//                   topmost, a normal one never rises into the topmost band
+// Afterwards the windows a top-level window owns are lifted back above it.
+bool SimWindows::Restack(std::uint32_t window, HWND insertAfter) {
+    Window& w = *Find(window);
+    std::vector<std::uint32_t>& list = Find(w.parent)->children;
+    const std::size_t old = IndexOf(list, window);
+    list.erase(list.begin() + static_cast<std::ptrdiff_t>(old));
+    auto firstNormal = [&] {
+        std::size_t i = 0;
+        while (i < list.size() && Find(list[i])->topmost) ++i;
+        return i;
+    };
+
+    bool ok = true;
+    std::size_t index = old;
+    if (insertAfter == HWND_TOP) {
+        index = w.topmost ? 0 : firstNormal();
+    } else if (insertAfter == HWND_BOTTOM) {
+        w.topmost = false;
+        index = list.size();
+    } else if (insertAfter == HWND_TOPMOST) {
+        w.topmost = !w.child;
+        index = w.topmost ? 0 : firstNormal();
+    } else if (insertAfter == HWND_NOTOPMOST) {
+        if (w.topmost) {
+            w.topmost = false;
+            index = firstNormal();
+        }
+    } else {
+        const std::size_t sibling = IndexOf(list, insertAfter.value);
+        if (sibling == list.size()) {
+            ok = false;  // not a sibling: the order stays as it was
+        } else {
+            if (w.topmost && !Find(insertAfter.value)->topmost) w.topmost = false;
+            index = sibling + 1;
+            if (!w.topmost) index = std::max(index, firstNormal());
+        }
+    }
+    list.insert(list.begin() + static_cast<std::ptrdiff_t>(index), window);
+    if (!w.child) LiftOwned(window);
+    return ok;
+}
+
+// Owned windows stay above their owner; those that ended up below it move to just above it,
+// keeping their order among themselves.
+void SimWindows::LiftOwned(std::uint32_t owner) {
+    std::vector<std::uint32_t>& list = Find(kDesktop)->children;
+    std::vector<std::uint32_t> owned;
+    for (std::uint32_t handle : list)
+        if (Find(handle)->owner == owner) owned.push_back(handle);
+    for (std::uint32_t handle : owned) {
+        if (IndexOf(list, handle) < IndexOf(list, owner)) continue;
+        Erase(list, handle);
+        list.insert(list.begin() + static_cast<std::ptrdiff_t>(IndexOf(list, owner)), handle);
+        Find(handle)->topmost = Find(handle)->topmost || Find(owner)->topmost;
+    }
+    // Their own owned windows follow them up.
+    for (std::uint32_t handle : owned) LiftOwned(handle);
+}
+
+// ---------------------------------------------------------------------------------------------
+// State
+
+bool SimWindows::IsSelfOrDescendant(std::uint32_t ancestor, std::uint32_t window) {
+    for (std::uint32_t h = window;;) {
+        if (h == ancestor) return true;
+        const Window* w = Find(h);
+        if (!w || !w->child) return false;
+        h = w->parent;
+    }
+}
+
+bool SimWindows::ChainVisible(std::uint32_t window) {
+    for (const Window* w = Find(window); w; w = w->child ? Find(w->parent) : nullptr)
+        if (!w->visible) return false;
+    return true;
+}
+
+bool SimWindows::ChainEnabled(std::uint32_t window) {
+    for (const Window* w = Find(window); w; w = w->child ? Find(w->parent) : nullptr)
+        if (!w->enabled) return false;
+    return true;
+}
+
+// Returns whether the window was visible before, as Win32's ShowWindow does. Hiding takes focus
+// and capture from the window and its children; they are alive, so they hear about it.
+bool SimWindows::ShowWindow(HWND window, bool visible) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop) return false;
+    const bool was = w->visible;
+    w->visible = visible;
+    if (!visible) {
+        if (focus_ && IsSelfOrDescendant(window.value, focus_)) DropFocus(true);
+        if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
+    }
+    return was;
+}
+
+bool SimWindows::IsWindowVisible(HWND window) { return Find(window) && ChainVisible(window.value); }
+
+// Returns whether the window was disabled before, as Win32's EnableWindow does. A disabled
+// window cannot keep the focus, nor can it or its children keep the capture.
+bool SimWindows::EnableWindow(HWND window, bool enabled) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop) return false;
+    const bool wasDisabled = !w->enabled;
+    w->enabled = enabled;
+    if (!enabled) {
+        if (focus_ == window.value) DropFocus(true);
+        if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
+    }
+    return wasDisabled;
+}
+
+// Win32's IsWindowEnabled reads the window's own flag, not its parents'.
+bool SimWindows::IsWindowEnabled(HWND window) {
+    const Window* w = Find(window);
+    return w && w->enabled;
+}
+
+// Composition asks every window for its pixels each time, so there is nothing stale to track.
+void SimWindows::InvalidateWindow(HWND) {}
+
+// ---------------------------------------------------------------------------------------------
+// Focus and capture
+
+// As Win32: focus moves first, then the old window hears OnFocus(false) and the new one
+// OnFocus(true), unless the old window's handler moved the focus somewhere else meanwhile.
+HWND SimWindows::SetFocus(HWND window) {
+    if (window.value == 0) {
+        const HWND old{focus_};
+        DropFocus(true);
+        return old;
+    }
+    if (window.value == kDesktop || !Find(window) || !ChainVisible(window.value) ||
+        !ChainEnabled(window.value))
+        return {};
+    if (focus_ == window.value) return window;
+    const HWND old{focus_};
+    focus_ = window.value;
+    if (Window* w = Find(old); w && w->handler) w->handler->OnFocus(false);
+    if (focus_ != window.value) return old;
+    if (Window* w = Find(window); w && w->handler) w->handler->OnFocus(true);
+    return old;
+}
+
+void SimWindows::DropFocus(bool notify) {
+    const std::uint32_t old = focus_;
+    focus_ = 0;
+    if (notify)
+        if (Window* w = Find(old); w && w->handler) w->handler->OnFocus(false);
+}
+
+// A window taking the capture from another tells that one; SetCapture(0) releases it.
+HWND SimWindows::SetCapture(HWND window) {
+    const HWND old{capture_};
+    if (window.value == 0) {
+        ReleaseCapture();
+        return old;
+    }
+    if (window.value == kDesktop || !Find(window)) return {};
+    capture_ = window.value;
+    implicitCapture_ = false;  // an explicit request outlives the button release
+    if (old && old != window)
+        if (Window* w = Find(old); w && w->handler) w->handler->OnCaptureLost();
+    return old;
+}
+
+bool SimWindows::ReleaseCapture() {
+    capture_ = 0;
+    implicitCapture_ = false;
+    return true;
+}
+
+void SimWindows::DropCapture(bool notify) {
+    const std::uint32_t old = capture_;
+    capture_ = 0;
+    implicitCapture_ = false;
+    if (notify)
+        if (Window* w = Find(old); w && w->handler) w->handler->OnCaptureLost();
+}
+
+// ---------------------------------------------------------------------------------------------
+// Pointer and keys
+
+bool SimWindows::GetCursorPos(POINT* screen) {
+    if (!screen) return false;
+    *screen = cursor_;
+    return true;
+}
+
+// The pointer never leaves the screen, as on the real one.
+bool SimWindows::SetCursorPos(std::int32_t x, std::int32_t y) {
+    cursor_ = {std::clamp(x, 0, std::max(screen_.cx - 1, 0)),
+               std::clamp(y, 0, std::max(screen_.cy - 1, 0))};
+    return true;
+}
+
+std::int16_t SimWindows::GetAsyncKeyState(int virtualKey) {
+    bool down = false;
+    switch (virtualKey) {
+        case VK_LBUTTON: down = buttons_ & kButtonLeft; break;
+        case VK_RBUTTON: down = buttons_ & kButtonRight; break;
+        case VK_MBUTTON: down = buttons_ & kButtonMiddle; break;
+        default:
+            down = virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
+                   keys_[static_cast<std::size_t>(virtualKey)];
+    }
+    return down ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};  // bit 15
+}
+
+int SimWindows::ShiftState() const {
+    return (keys_[VK_SHIFT] ? kShiftMask : 0) | (keys_[VK_CONTROL] ? kCtrlMask : 0) |
+           (keys_[VK_MENU] ? kAltMask : 0);
+}
+
+void SimWindows::SetWindowCursor(HWND window, int shape,
+                                 std::shared_ptr<const std::vector<std::uint32_t>> customPixels,
+                                 SIZE customSize) {
+    Window* w = Find(window);
+    if (!w) return;
+    w->cursor = shape;
+    w->cursorPixels = std::move(customPixels);
+    w->cursorSize = customSize;
+}
+
+// The capture window's cursor, else the one of the window under the pointer; a window left at
+// the default shows its parent's, and the arrow is what remains at the top.
+int SimWindows::CurrentCursor() {
+    const std::uint32_t start = capture_ ? capture_ : HitTest(cursor_);
+    for (const Window* w = Find(start); w; w = w->child ? Find(w->parent) : nullptr)
+        if (w->cursor != kCursorDefault) return w->cursor;
+    return kCursorArrow;
+}
+
+// ---------------------------------------------------------------------------------------------
+// Hit-testing and routing
+
+bool SimWindows::Contains(std::uint32_t window, POINT screen) {
+    const Window* w = Find(window);
+    const POINT o = Origin(window);
+    const std::int32_t x = screen.x - o.x, y = screen.y - o.y;
+    if (x < 0 || y < 0 || x >= w->rect.Width() || y >= w->rect.Height()) return false;
+    return !w->region || gdi_.PtInRegion(w->region, x, y);
+}
+
+// Walks down the z-order, topmost first, into the visible window containing the point. A child
+// is only reached through its parent, so parents clip their children for free. A disabled
+// window ends the walk: it takes the hit, and routing then drops the input.
+std::uint32_t SimWindows::HitTest(POINT screen) {
+    std::uint32_t found = 0;
+    const Window* level = Find(kDesktop);
+    for (;;) {
+        std::uint32_t next = 0;
+        for (std::uint32_t handle : level->children)
+            if (Find(handle)->visible && Contains(handle, screen)) {
+                next = handle;
+                break;
+            }
+        if (!next) return found;
+        found = next;
+        level = Find(next);
+        if (!level->enabled) return found;
+    }
+}
+
+// A disabled child stands for nothing, so its parent is reported; a disabled top-level window
+// still covers the desktop and is reported itself.
+HWND SimWindows::WindowFromPoint(POINT screen) {
+    const std::uint32_t hit = HitTest(screen);
+    const Window* w = Find(hit);
+    if (!w) return HWND{kDesktop};
+    return HWND{!w->enabled && w->child ? w->parent : hit};
+}
+
+std::uint32_t SimWindows::MouseTarget() {
+    if (capture_) return capture_;
+    const std::uint32_t hit = HitTest(cursor_);
+    return hit && ChainEnabled(hit) ? hit : 0;
+}
+
+void SimWindows::Deliver(std::uint32_t window, MouseEvent event) {
+    const Window* w = Find(window);
+    if (!w || !w->handler) return;
+    const POINT o = Origin(window);
+    event.client = {event.screen.x - o.x, event.screen.y - o.y};
+    w->handler->OnMouse(event);
+}
+
+void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
+    SetCursorPos(screen.x, screen.y);
+    const std::uint32_t target = MouseTarget();
+    if (!target) return;
+    MouseEvent event;
+    event.kind = MouseEvent::Kind::Move;
+    event.button = buttons_;
+    event.shift = ShiftState();
+    event.screen = cursor_;
+    event.time = time;
+    Deliver(target, event);
+}
+
+// Step table for the buttons (one press and release; the capture is the implicit one):
+//   press    target = capture window, else the window hit; the target takes the capture; the
+//            event is DoubleClick when the previous press (same button, same window) is less
+//            than kDoubleClickTime ago and within the double-click rectangle, else Down; a
+//            double click does not start another one
+//   release  Up goes to the capture window, else the window hit; once no button is held the
+//            implicit capture ends (without OnCaptureLost: the release reached the window)
+// Input for a disabled window is dropped; the button state still changes.
+void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
+    buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
+    const std::uint32_t target = MouseTarget();
+    if (!target) {
+        if (down) lastClick_ = {};
+        return;
+    }
+    MouseEvent event;
+    event.button = button;
+    event.shift = shift;
+    event.screen = cursor_;
+    event.time = time;
+    if (down) {
+        const bool doubleClick =
+            lastClick_.window == target && lastClick_.button == button &&
+            time - lastClick_.time < kDoubleClickTime &&
+            std::abs(cursor_.x - lastClick_.screen.x) <= kDoubleClickWidth / 2 &&
+            std::abs(cursor_.y - lastClick_.screen.y) <= kDoubleClickHeight / 2;
+        event.kind = doubleClick ? MouseEvent::Kind::DoubleClick : MouseEvent::Kind::Down;
+        lastClick_ = doubleClick ? Click{} : Click{target, button, time, cursor_};
+        if (!capture_) {
+            capture_ = target;
+            implicitCapture_ = true;
+        }
+        Deliver(target, event);
+    } else {
+        event.kind = MouseEvent::Kind::Up;
+        Deliver(target, event);
+        if (implicitCapture_ && capture_ == target && buttons_ == 0) ReleaseCapture();
+    }
+}
+
+void SimWindows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time) {
+    if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
+        keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+    const Window* w = Find(focus_);
+    if (!w || !w->handler) return;
+    KeyEvent event;
+    event.kind = kind;
+    event.keyCode = keyCode;
+    event.shift = shift;
+    event.time = time;
+    w->handler->OnKey(event);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Composition
+
+std::vector<std::uint32_t> SimWindows::ComposeScreen() { return Render(screen_, kDesktop, {}); }
+
+std::vector<std::uint32_t> SimWindows::ComposeWindow(HWND window) {
+    const Window* w = Find(window);
+    if (!w) return {};
+    if (window.value == kDesktop) return ComposeScreen();
+    return Render({w->rect.Width(), w->rect.Height()}, window.value, {});
+}
+
+// The desktop colour first; then the desktop's visible windows bottom to top, or the one window
+// asked for (shown or not: a snapshot of a form before it is shown is still useful).
+std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, POINT origin) {
+    std::vector<std::uint32_t> pixels;
+    const HDC dc = gdi_.CreateCompatibleDC({});
+    const HBITMAP bitmap = gdi_.CreateDIBSection32(size.cx, size.cy);
+    if (dc && bitmap) {
+        ScopedSelect select(gdi_, dc, bitmap);
+        const HBRUSH desktop = gdi_.CreateSolidBrush(gdi_.GetSysColor(COLOR_BACKGROUND));
+        gdi_.FillRect(dc, {0, 0, size.cx, size.cy}, desktop);
+        gdi_.DeleteObject(desktop);
+        if (window == kDesktop) {
+            const std::vector<std::uint32_t> order = Find(kDesktop)->children;
+            for (auto it = order.rbegin(); it != order.rend(); ++it)
+                if (const Window* w = Find(*it); w && w->visible) ComposeInto(dc, *it, Origin(*it), {});
+        } else {
+            ComposeInto(dc, window, origin, {});
+        }
+        const PixelView view = gdi_.BitmapPixels(bitmap);
+        if (view.bits)
+            pixels.assign(view.bits, view.bits + static_cast<std::ptrdiff_t>(view.width) * view.height);
+    }
+    if (dc) gdi_.DeleteDC(dc);
+    if (bitmap) gdi_.DeleteObject(bitmap);
+    return pixels;
+}
+
+// The window paints into a bitmap of its own size (erased first with the window colour, as the
+// standard class brush would), which is copied through the clip: the parent's clip, the window
+// rectangle and its region. The children then compose inside that same clip, bottom to top.
+void SimWindows::ComposeInto(HDC target, std::uint32_t window, POINT origin, HRGN clip) {
+    const Window* w = Find(window);
+    if (!w) return;
+    const std::int32_t width = w->rect.Width(), height = w->rect.Height();
+    if (width <= 0 || height <= 0) return;
+
+    const HRGN own = gdi_.CreateRectRgn(origin.x, origin.y, origin.x + width, origin.y + height);
+    if (clip) gdi_.CombineRgn(own, own, clip, RGN_AND);
+    if (w->region) {
+        const HRGN shaped = gdi_.CreateRectRgn(0, 0, 0, 0);
+        gdi_.CombineRgn(shaped, w->region, {}, RGN_COPY);
+        gdi_.OffsetRgn(shaped, origin.x, origin.y);
+        gdi_.CombineRgn(own, own, shaped, RGN_AND);
+        gdi_.DeleteObject(shaped);
+    }
+    RECT box;
+    if (gdi_.GetRgnBox(own, &box) == NULLREGION) {
+        gdi_.DeleteObject(own);
+        return;
+    }
+
+    WindowHandler* handler = w->handler;
+    const HDC dc = gdi_.CreateCompatibleDC(target);
+    const HBITMAP bitmap = gdi_.CreateDIBSection32(width, height);
+    if (dc && bitmap) {
+        ScopedSelect select(gdi_, dc, bitmap);
+        const HBRUSH erase = gdi_.CreateSolidBrush(gdi_.GetSysColor(COLOR_WINDOW));
+        gdi_.FillRect(dc, {0, 0, width, height}, erase);
+        gdi_.DeleteObject(erase);
+        if (handler) handler->OnPaint(dc, RECT{0, 0, width, height});
+        gdi_.SelectClipRgn(target, own);
+        gdi_.BitBlt(target, origin.x, origin.y, width, height, dc, 0, 0, SRCCOPY);
+        gdi_.SelectClipRgn(target, {});
+    }
+    if (dc) gdi_.DeleteDC(dc);
+    if (bitmap) gdi_.DeleteObject(bitmap);
+
+    // OnPaint may have changed the tree; look the window up again.
+    if (const Window* again = Find(window)) {
+        const std::vector<std::uint32_t> children = again->children;
+        for (auto it = children.rbegin(); it != children.rend(); ++it)
+            if (const Window* c = Find(*it); c && c->visible)
+                ComposeInto(target, *it, {origin.x + c->rect.left, origin.y + c->rect.top}, own);
+    }
+    gdi_.DeleteObject(own);
+}
+
+}  // namespace korvex::platform::sim

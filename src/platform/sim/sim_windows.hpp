@@ -1,0 +1,170 @@
+#pragma once
+// SimWindows: the portable window manager. It keeps the window tree (parents, z-order, owned
+// top-level windows), the pointer and key state, focus and capture, routes the input that the
+// event loop's funnel hands it, and composes the screen through the drawing seam.
+//
+// Model, as the Win32 window manager has it:
+// - The desktop is a window of its own; top-level windows are its children. A top-level window
+//   created with a parent but without the child style is owned by that window: it stays above
+//   its owner, is destroyed with it, and is positioned in screen coordinates.
+// - A window has no non-client area here: its client area is its whole rectangle.
+// - Visibility and enabled state follow the chain of parents (not owners), so a modal form
+//   stays usable while its disabled owner does not.
+// - Mouse input goes to the capture window or to the window hit under the pointer. Hit-testing
+//   walks the z-order topmost first, respects window regions and stops at a disabled window;
+//   input that ends on a disabled window (or one below a disabled parent) is dropped.
+//
+// Sections: construction · Windows interface · input routing (for SimEventLoop) · internals
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/gdi.hpp"
+#include "platform/window.hpp"
+
+namespace korvex::platform::sim {
+
+class SimWindows final : public Windows {
+public:
+    // The platform's double-click defaults (GetDoubleClickTime, SM_CXDOUBLECLK/SM_CYDOUBLECLK):
+    // a second press of the same button on the same window less than 500 ms after the first,
+    // inside the 4 x 4 rectangle centred on it, is a double click.
+    static constexpr std::int64_t kDoubleClickTime = 500;
+    static constexpr std::int32_t kDoubleClickWidth = 4;
+    static constexpr std::int32_t kDoubleClickHeight = 4;
+
+    // Draws through gdi (whose regions SetWindowRgn takes over); gdi must outlive this object.
+    SimWindows(Gdi& gdi, SIZE screen = {1024, 768}, int twipsPerPixel = 15);
+    ~SimWindows() override;
+    SimWindows(const SimWindows&) = delete;
+    SimWindows& operator=(const SimWindows&) = delete;
+
+    HWND CreateWindow(HWND parent, const RECT& position, WindowStyle style,
+                      WindowHandler* handler, std::string_view title = {}) override;
+    bool DestroyWindow(HWND window) override;
+    bool IsWindow(HWND window) override;
+    HWND GetParent(HWND window) override;
+    HWND GetDesktopWindow() override { return HWND{kDesktop}; }
+    bool SetWindowText(HWND window, std::string_view text) override;
+    std::string GetWindowText(HWND window) override;
+
+    bool GetWindowRect(HWND window, RECT* screen) override;
+    bool GetClientRect(HWND window, RECT* client) override;
+    bool MoveWindow(HWND window, const RECT& position) override;
+    bool SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std::int32_t y,
+                      std::int32_t cx, std::int32_t cy, unsigned flags) override;
+    POINT ClientToScreen(HWND window, POINT client) override;
+    POINT ScreenToClient(HWND window, POINT screen) override;
+    bool SetWindowRgn(HWND window, HRGN region) override;
+    std::vector<HWND> ZOrder(HWND parent) override;
+    bool BringWindowToTop(HWND window) override;
+
+    bool ShowWindow(HWND window, bool visible) override;
+    bool IsWindowVisible(HWND window) override;
+    bool EnableWindow(HWND window, bool enabled) override;
+    bool IsWindowEnabled(HWND window) override;
+    void InvalidateWindow(HWND window) override;
+
+    HWND SetFocus(HWND window) override;
+    HWND GetFocus() override { return HWND{focus_}; }
+    HWND SetCapture(HWND window) override;
+    bool ReleaseCapture() override;
+    HWND GetCapture() override { return HWND{capture_}; }
+
+    bool GetCursorPos(POINT* screen) override;
+    bool SetCursorPos(std::int32_t x, std::int32_t y) override;
+    std::int16_t GetAsyncKeyState(int virtualKey) override;
+    void SetWindowCursor(HWND window, int shape,
+                         std::shared_ptr<const std::vector<std::uint32_t>> customPixels = {},
+                         SIZE customSize = {}) override;
+    int CurrentCursor() override;
+
+    HWND WindowFromPoint(POINT screen) override;
+
+    SIZE ScreenSize() override { return screen_; }
+    int TwipsPerPixelX() override { return twipsPerPixel_; }
+    int TwipsPerPixelY() override { return twipsPerPixel_; }
+    std::vector<std::uint32_t> ComposeScreen() override;
+    std::vector<std::uint32_t> ComposeWindow(HWND window) override;
+
+    // Input routing, fed by SimEventLoop with the virtual time of each event.
+    void RouteMouseMove(POINT screen, std::int64_t time);
+    void RouteMouseButton(bool down, int button, int shift, std::int64_t time);
+    void RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time);
+    // The shift mask (kShiftMask, kCtrlMask, kAltMask) from the keys held now.
+    [[nodiscard]] int ShiftState() const;
+
+private:
+    static constexpr std::uint32_t kDesktop = 0x00010010;
+
+    struct Window {
+        std::uint32_t parent = 0;  // the chain that positions and clips; kDesktop for top-level
+        std::uint32_t owner = 0;   // top-level windows only: the window this one stays above
+        bool child = false;
+        bool topmost = false;
+        bool visible = false;
+        bool enabled = true;
+        RECT rect;  // parent's client coordinates for children, screen for top-level windows
+        WindowHandler* handler = nullptr;
+        std::string title;
+        HRGN region;  // window coordinates, owned
+        int cursor = kCursorDefault;
+        std::shared_ptr<const std::vector<std::uint32_t>> cursorPixels;
+        SIZE cursorSize;
+        std::vector<std::uint32_t> children;  // topmost first
+    };
+
+    struct Click {
+        std::uint32_t window = 0;  // zero when no press can start a double click
+        int button = 0;
+        std::int64_t time = 0;
+        POINT screen;
+    };
+
+    Window* Find(std::uint32_t handle);
+    Window* Find(HWND window) { return Find(window.value); }
+    // Zero for the desktop, which CreateWindow and ZOrder also accept for "no parent".
+    std::uint32_t Normalize(HWND window) const { return window.value == kDesktop ? 0 : window.value; }
+    bool IsSelfOrDescendant(std::uint32_t ancestor, std::uint32_t window);
+    bool ChainVisible(std::uint32_t window);
+    bool ChainEnabled(std::uint32_t window);
+    POINT Origin(std::uint32_t window);  // top-left corner in screen coordinates
+
+    // Z-order among siblings; see SetWindowPos for the rules of each insertAfter value.
+    bool Restack(std::uint32_t window, HWND insertAfter);
+    void LiftOwned(std::uint32_t owner);
+
+    // Hit-testing: the deepest visible window containing the point, stopping at a disabled one.
+    bool Contains(std::uint32_t window, POINT screen);
+    std::uint32_t HitTest(POINT screen);
+    std::uint32_t MouseTarget();
+    void Deliver(std::uint32_t window, MouseEvent event);
+
+    // Focus and capture lost because their window went away (silently) or became unusable.
+    void DropFocus(bool notify);
+    void DropCapture(bool notify);
+
+    // Composition: paints window (at origin in target's coordinates) and its visible children,
+    // clipped by clip (target coordinates, zero for none), the window rectangle and its region.
+    void ComposeInto(HDC target, std::uint32_t window, POINT origin, HRGN clip);
+    std::vector<std::uint32_t> Render(SIZE size, std::uint32_t window, POINT origin);
+
+    Gdi& gdi_;
+    SIZE screen_;
+    int twipsPerPixel_;
+    std::map<std::uint32_t, Window> windows_;  // includes the desktop
+    std::uint32_t nextHandle_ = kDesktop + 4;
+    std::uint32_t focus_ = 0;
+    std::uint32_t capture_ = 0;
+    bool implicitCapture_ = false;  // taken by a press, ends with the last release
+    POINT cursor_;
+    int buttons_ = 0;  // kButton* held
+    std::array<bool, 256> keys_{};
+    Click lastClick_;
+};
+
+}  // namespace korvex::platform::sim

@@ -1,0 +1,71 @@
+#pragma once
+// A window handler that writes what it receives into a shared log, one line per call, so a
+// test can assert the exact order across windows: "A down 1 (10,20)", "B focus+".
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/sim/sim_platform.hpp"
+
+namespace korvex::test {
+
+using platform::HDC;
+using platform::HWND;
+using platform::KeyEvent;
+using platform::MouseEvent;
+using platform::POINT;
+using platform::RECT;
+
+class Recorder : public platform::WindowHandler {
+public:
+    Recorder(std::string name, std::vector<std::string>& log) : name_(std::move(name)), log_(log) {}
+
+    void OnMouse(const MouseEvent& e) override {
+        static constexpr const char* kKinds[] = {"move", "down", "up", "dbl"};
+        log_.push_back(name_ + " " + kKinds[static_cast<int>(e.kind)] + " " +
+                       std::to_string(e.button) + " (" + std::to_string(e.client.x) + "," +
+                       std::to_string(e.client.y) + ")");
+        last = e;
+        if (onMouse) onMouse(e);
+    }
+    void OnKey(const KeyEvent& e) override {
+        static constexpr const char* kKinds[] = {"keydown", "keyup", "press"};
+        log_.push_back(name_ + " " + kKinds[static_cast<int>(e.kind)] + " " + std::to_string(e.keyCode) +
+                       " shift " + std::to_string(e.shift));
+    }
+    void OnFocus(bool gained) override {
+        log_.push_back(name_ + (gained ? " focus+" : " focus-"));
+        if (onFocus) onFocus(gained);
+    }
+    void OnCaptureLost() override { log_.push_back(name_ + " capture-lost"); }
+
+    MouseEvent last;
+    std::function<void(const MouseEvent&)> onMouse;
+    std::function<void(bool)> onFocus;
+
+private:
+    std::string name_;
+    std::vector<std::string>& log_;
+};
+
+// Paints its whole client area in one colour.
+class Solid : public platform::WindowHandler {
+public:
+    Solid(platform::Gdi& gdi, platform::COLORREF color) : gdi_(gdi), color_(color) {}
+    void OnPaint(HDC dc, const RECT& client) override {
+        const platform::HBRUSH brush = gdi_.CreateSolidBrush(color_);
+        gdi_.FillRect(dc, client, brush);
+        gdi_.DeleteObject(brush);
+        ++paints;
+        lastClient = client;
+    }
+    int paints = 0;
+    RECT lastClient;
+
+private:
+    platform::Gdi& gdi_;
+    platform::COLORREF color_;
+};
+
+}  // namespace korvex::test

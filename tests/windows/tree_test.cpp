@@ -1,0 +1,173 @@
+// The window tree: z-order rules of SetWindowPos with the topmost band and owned windows,
+// geometry through parents, visibility and destruction; two platforms that never meet.
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "recorder.hpp"
+
+namespace korvex::test {
+namespace {
+
+using namespace platform;
+using Order = std::vector<HWND>;
+
+TEST(WindowTree, ZOrderBandsAndSetWindowPos) {
+    sim::SimPlatform platform;
+    Windows& win = platform.windows();
+    const unsigned keep = SWP_NOMOVE | SWP_NOSIZE;
+    const HWND a = win.CreateWindow({}, {}, {}, nullptr);
+    const HWND t = win.CreateWindow({}, {}, {.topmost = true}, nullptr);
+    const HWND b = win.CreateWindow({}, {}, {}, nullptr);  // new: top of the normal band
+    EXPECT_EQ(win.ZOrder({}), (Order{t, b, a}));
+    EXPECT_EQ(win.ZOrder(win.GetDesktopWindow()), win.ZOrder({}));
+
+    win.SetWindowPos(a, HWND_TOP, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder({}), (Order{t, a, b}));  // HWND_TOP stays below the topmost band
+    win.SetWindowPos(b, HWND_TOPMOST, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder({}), (Order{b, t, a}));
+    win.SetWindowPos(b, HWND_NOTOPMOST, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder({}), (Order{t, b, a}));
+    win.SetWindowPos(a, t, 0, 0, 0, 0, keep);  // below a topmost window, still in its own band
+    EXPECT_EQ(win.ZOrder({}), (Order{t, a, b}));
+    win.SetWindowPos(t, HWND_BOTTOM, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder({}), (Order{a, b, t}));
+    win.SetWindowPos(t, HWND_TOP, 0, 0, 0, 0, keep);
+    win.SetWindowPos(a, HWND_TOP, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder({}), (Order{a, t, b}));  // t left the topmost band at the bottom
+    win.SetWindowPos(b, HWND_TOP, 0, 0, 0, 0, keep | SWP_NOZORDER);
+    EXPECT_EQ(win.ZOrder({}), (Order{a, t, b}));
+    // A normal window put below a topmost one never rises into the topmost band.
+    const HWND t2 = win.CreateWindow({}, {}, {.topmost = true}, nullptr);
+    win.SetWindowPos(a, HWND_TOPMOST, 0, 0, 0, 0, keep);
+    win.SetWindowPos(b, a, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder({}), (Order{a, t2, b, t}));
+
+    // Children have their own list; topmost means nothing to them.
+    const HWND c1 = win.CreateWindow(a, {}, {.child = true}, nullptr);
+    const HWND c2 = win.CreateWindow(a, {}, {.child = true, .topmost = true}, nullptr);
+    EXPECT_EQ(win.ZOrder(a), (Order{c2, c1}));
+    win.SetWindowPos(c2, c1, 0, 0, 0, 0, keep);
+    EXPECT_EQ(win.ZOrder(a), (Order{c1, c2}));
+    win.BringWindowToTop(c2);
+    EXPECT_EQ(win.ZOrder(a), (Order{c2, c1}));
+}
+
+// An owned window (a modal form) stays above its owner when the owner comes to the top, lives
+// in screen coordinates, keeps working while the owner is disabled, and dies with it.
+TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
+    sim::SimPlatform platform;
+    Windows& win = platform.windows();
+    std::vector<std::string> log;
+    Recorder dialogHandler("dialog", log);
+    const HWND owner = win.CreateWindow({}, {0, 0, 300, 200}, {}, nullptr);
+    const HWND button = win.CreateWindow(owner, {10, 10, 50, 30}, {.child = true}, nullptr);
+    const HWND dialog = win.CreateWindow(button, {100, 50, 200, 150}, {}, &dialogHandler);
+    const HWND other = win.CreateWindow({}, {}, {}, nullptr);
+    EXPECT_EQ(win.GetParent(dialog), owner);  // the top-level window stands for the child
+    EXPECT_EQ(win.GetParent(button), owner);
+    EXPECT_EQ(win.GetParent(owner), HWND{});
+
+    win.BringWindowToTop(owner);
+    EXPECT_EQ(win.ZOrder({}), (Order{dialog, owner, other}));
+    RECT r;
+    win.GetWindowRect(dialog, &r);
+    EXPECT_EQ(r, (RECT{100, 50, 200, 150}));
+
+    win.ShowWindow(owner, true);
+    win.ShowWindow(dialog, true);
+    win.EnableWindow(owner, false);
+    EXPECT_TRUE(win.IsWindowVisible(dialog));
+    EXPECT_EQ(win.SetFocus(dialog), HWND{});
+    EXPECT_EQ(win.GetFocus(), dialog);
+    platform.loop().MouseMove({150, 100});
+    platform.loop().MouseMove({20, 20});  // the disabled owner: dropped
+    EXPECT_EQ(log, (std::vector<std::string>{"dialog focus+", "dialog move 0 (50,50)"}));
+
+    EXPECT_TRUE(win.DestroyWindow(owner));
+    EXPECT_FALSE(win.IsWindow(owner));
+    EXPECT_FALSE(win.IsWindow(button));
+    EXPECT_FALSE(win.IsWindow(dialog));
+    EXPECT_EQ(win.GetFocus(), HWND{});
+    EXPECT_EQ(win.ZOrder({}), (Order{other}));
+    EXPECT_EQ(log.size(), 2u);  // the dead dialog heard nothing
+    // Handles are not reused, so a stale one never names a new window.
+    const HWND fresh = win.CreateWindow({}, {}, {}, nullptr);
+    EXPECT_NE(fresh, owner);
+    EXPECT_NE(fresh, dialog);
+    EXPECT_FALSE(win.DestroyWindow(win.GetDesktopWindow()));
+}
+
+TEST(WindowTree, GeometryVisibilityAndRegionOwnership) {
+    sim::SimPlatform platform{{640, 480}, 12};
+    sim::SimWindows& win = platform.windows();
+    EXPECT_EQ(win.ScreenSize(), (SIZE{640, 480}));
+    EXPECT_EQ(win.TwipsPerPixelX(), 12);
+    RECT r;
+    ASSERT_TRUE(win.GetWindowRect(win.GetDesktopWindow(), &r));
+    EXPECT_EQ(r, (RECT{0, 0, 640, 480}));
+
+    const HWND top = win.CreateWindow({}, {100, 50, 300, 250}, {}, nullptr, "Form1");
+    const HWND child = win.CreateWindow(top, {10, 20, 60, 40}, {.child = true}, nullptr);
+    const HWND grandchild = win.CreateWindow(child, {-5, 5, 5, 10}, {.child = true}, nullptr);
+    EXPECT_EQ(win.CreateWindow({}, {}, {.child = true}, nullptr), HWND{});  // a child needs a parent
+    EXPECT_EQ(win.GetWindowText(top), "Form1");
+
+    ASSERT_TRUE(win.GetWindowRect(grandchild, &r));
+    EXPECT_EQ(r, (RECT{105, 75, 115, 80}));
+    ASSERT_TRUE(win.GetClientRect(child, &r));
+    EXPECT_EQ(r, (RECT{0, 0, 50, 20}));
+    EXPECT_EQ(win.ClientToScreen(child, {1, 2}), (POINT{111, 72}));
+    EXPECT_EQ(win.ScreenToClient(child, {100, 60}), (POINT{-10, -10}));
+
+    // SetWindowPos moves, sizes and shows as its flags say; children move with their parent.
+    win.SetWindowPos(top, HWND_TOP, 0, 0, 80, 90, SWP_NOMOVE | SWP_SHOWWINDOW);
+    ASSERT_TRUE(win.GetWindowRect(top, &r));
+    EXPECT_EQ(r, (RECT{100, 50, 180, 140}));
+    win.SetWindowPos(top, HWND_TOP, 0, 5, 999, 999, SWP_NOSIZE);
+    ASSERT_TRUE(win.GetWindowRect(child, &r));
+    EXPECT_EQ(r, (RECT{10, 25, 60, 45}));
+
+    // Visible means shown along the whole chain of parents.
+    EXPECT_TRUE(win.IsWindowVisible(top));
+    EXPECT_FALSE(win.IsWindowVisible(child));
+    win.ShowWindow(child, true);
+    win.ShowWindow(grandchild, true);
+    EXPECT_TRUE(win.IsWindowVisible(grandchild));
+    win.SetWindowPos(top, HWND_TOP, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_HIDEWINDOW);
+    EXPECT_FALSE(win.IsWindowVisible(grandchild));
+    EXPECT_FALSE(win.ShowWindow(top, true));  // returns the previous state: hidden
+    EXPECT_TRUE(win.IsWindowVisible(grandchild));
+
+    // The window owns its region: a replaced region is deleted, the last one goes with it.
+    sim::SimGdi& gdi = platform.gdi();
+    const HRGN first = gdi.CreateRectRgn(0, 0, 10, 10);
+    const HRGN second = gdi.CreateRectRgn(0, 0, 20, 20);
+    ASSERT_TRUE(win.SetWindowRgn(child, first));
+    ASSERT_TRUE(win.SetWindowRgn(child, second));
+    EXPECT_EQ(gdi.GetRgnBox(first, &r), RGN_ERROR);
+    EXPECT_NE(gdi.GetRgnBox(second, &r), RGN_ERROR);
+    win.DestroyWindow(top);
+    EXPECT_EQ(gdi.GetRgnBox(second, &r), RGN_ERROR);
+}
+
+// Two platforms in one process: windows, pointer, focus and clocks are each their own.
+TEST(WindowTree, TwoPlatformsAreIndependent) {
+    sim::SimPlatform one, two;
+    std::vector<std::string> log;
+    Recorder a("A", log);
+    const HWND w = one.windows().CreateWindow({}, {0, 0, 100, 100}, {}, &a);
+    one.windows().ShowWindow(w, true);
+    one.windows().SetFocus(w);
+    EXPECT_TRUE(two.windows().ZOrder({}).empty());
+    EXPECT_EQ(two.windows().GetFocus(), HWND{});
+    two.loop().MouseMove({10, 10});
+    two.loop().KeyDown('A', 0);
+    EXPECT_EQ(log, (std::vector<std::string>{"A focus+"}));
+    one.clock().Advance(100);
+    EXPECT_EQ(two.clock().Now(), 0);
+}
+
+}  // namespace
+}  // namespace korvex::test
