@@ -129,15 +129,7 @@ void Container::OnPaint(platform::HDC dc, const platform::RECT& client) {
 }
 
 void Container::PlaceWindow(Site& site) {
-    platform::Platform* p = context_.Platform();
-    const platform::HWND window = site.control_ ? site.control_->SurfaceWindow() : platform::HWND{};
-    if (!p || !window) return;
-    const Extender& e = site.extender_;
-    const std::int32_t x = TwipsToPixelsX(e.Left);
-    const std::int32_t y = TwipsToPixelsY(e.Top);
-    p->windows().MoveWindow(window, {x, y, x + TwipsToPixelsX(e.Width), y + TwipsToPixelsY(e.Height)});
-    p->windows().ShowWindow(window, e.Visible);
-    p->windows().EnableWindow(window, e.Enabled);
+    if (site.control_) site.control_->Place(site.Bounds(), site.extender_.Visible, site.extender_.Enabled);
 }
 
 void Container::TerminateAll() {

@@ -99,8 +99,15 @@ public:
     }
     [[nodiscard]] std::int32_t ExtentWidth() const { return extentWidth_; }
     [[nodiscard]] std::int32_t ExtentHeight() const { return extentHeight_; }
-    // The control's own window, which the host moves, shows and enables with the extender.
+    // The control's own window (zero for a control without one).
     [[nodiscard]] virtual platform::HWND SurfaceWindow() const { return {}; }
+    // The host placed the extender: bounds in twips within the container, shown or hidden,
+    // enabled or not. A control with a window moves it there.
+    virtual void Place(const platform::RECT& bounds, bool visible, bool enabled) {
+        (void)bounds;
+        (void)visible;
+        (void)enabled;
+    }
 
     // Raises event `id` with the values of `args` passed by reference: what the handler writes
     // into an argument comes back into the caller's variable (converted by the host's rules).

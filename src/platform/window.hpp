@@ -125,6 +125,9 @@ public:
     virtual bool DestroyWindow(HWND window) = 0;  // destroys its children too
     virtual bool IsWindow(HWND window) = 0;
     virtual HWND GetParent(HWND window) = 0;
+    // Makes the window a child of newParent (keeping its parent-relative position) and returns
+    // the old parent; refuses a parent inside the window itself.
+    virtual HWND SetParent(HWND window, HWND newParent) = 0;
     virtual HWND GetDesktopWindow() = 0;
     virtual bool SetWindowText(HWND window, std::string_view text) = 0;
     virtual std::string GetWindowText(HWND window) = 0;

@@ -119,6 +119,24 @@ HWND SimWindows::GetParent(HWND window) {
     return HWND{w->child ? w->parent : w->owner};
 }
 
+HWND SimWindows::SetParent(HWND window, HWND newParent) {
+    Window* w = Find(window);
+    const std::uint32_t parentHandle = newParent ? newParent.value : kDesktop;
+    if (!w || window.value == kDesktop || !Find(parentHandle) || IsSelfOrDescendant(window.value, parentHandle)) {
+        return {};
+    }
+    const HWND previous = GetParent(window);
+    auto& siblings = Find(w->parent)->children;
+    std::erase(siblings, window.value);
+    w->parent = parentHandle;
+    w->child = parentHandle != kDesktop;
+    w->owner = 0;
+    if (w->child) w->topmost = false;
+    Find(parentHandle)->children.push_back(window.value);
+    Restack(window.value, HWND_TOP);
+    return previous;
+}
+
 bool SimWindows::SetWindowText(HWND window, std::string_view text) {
     Window* w = Find(window);
     if (!w) return false;

@@ -48,6 +48,7 @@ public:
     bool DestroyWindow(HWND window) override;
     bool IsWindow(HWND window) override;
     HWND GetParent(HWND window) override;
+    HWND SetParent(HWND window, HWND newParent) override;
     HWND GetDesktopWindow() override { return HWND{kDesktop}; }
     bool SetWindowText(HWND window, std::string_view text) override;
     std::string GetWindowText(HWND window) override;

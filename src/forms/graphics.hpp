@@ -1,0 +1,105 @@
+#pragma once
+// Small drawing helpers every object of this layer shares: colour and font conversion, owned GDI
+// objects, pictures realised as device bitmaps, and the region of the pixels a paint touched.
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/font.hpp"
+#include "host/ole_types.hpp"
+#include "platform/gdi.hpp"
+
+namespace korvex::forms {
+
+// An OLE colour as RGB: the high bit names a system colour, read from the device now, so a
+// scheme change shows on the next paint.
+inline platform::COLORREF TranslateColor(platform::Gdi& gdi, host::OLE_COLOR color) {
+    return (color & host::kSystemColorFlag)
+               ? gdi.GetSysColor(static_cast<int>(color & ~host::kSystemColorFlag))
+               : color;
+}
+
+// The font request of a font object: lfHeight = -(points × logical pixels per inch / 72),
+// rounded half away from zero as MulDiv does.
+platform::LOGFONT ToLogFont(platform::Gdi& gdi, const host::StdFont& font);
+
+// A GDI object deleted with its owner. Move-only.
+class GdiObject {
+  public:
+    GdiObject() = default;
+    GdiObject(platform::Gdi& gdi, platform::HGDIOBJ object) : gdi_(&gdi), object_(object) {}
+    GdiObject(GdiObject&& other) noexcept : gdi_(other.gdi_), object_(other.object_) {
+        other.object_ = {};
+    }
+    GdiObject& operator=(GdiObject&& other) noexcept;
+    GdiObject(const GdiObject&) = delete;
+    GdiObject& operator=(const GdiObject&) = delete;
+    ~GdiObject() { Reset(); }
+
+    [[nodiscard]] platform::HGDIOBJ get() const { return object_; }
+    explicit operator bool() const { return static_cast<bool>(object_); }
+    void Reset();
+
+  private:
+    platform::Gdi* gdi_ = nullptr;
+    platform::HGDIOBJ object_;
+};
+
+GdiObject MakeFont(platform::Gdi& gdi, const host::StdFont& font);
+GdiObject MakeBrush(platform::Gdi& gdi, platform::COLORREF color);
+GdiObject MakePen(platform::Gdi& gdi, int style, int width, platform::COLORREF color);
+
+// A memory DC with a 32-bit bitmap of its own, deleted together.
+class MemoryBitmap {
+  public:
+    MemoryBitmap(platform::Gdi& gdi, platform::SIZE size);
+    ~MemoryBitmap();
+    MemoryBitmap(const MemoryBitmap&) = delete;
+    MemoryBitmap& operator=(const MemoryBitmap&) = delete;
+
+    [[nodiscard]] platform::HDC dc() const { return dc_; }
+    [[nodiscard]] platform::SIZE size() const { return size_; }
+    [[nodiscard]] platform::PixelView pixels() const { return gdi_.BitmapPixels(bitmap_); }
+
+  private:
+    platform::Gdi& gdi_;
+    platform::SIZE size_;
+    platform::HDC dc_;
+    platform::HBITMAP bitmap_;
+    platform::HGDIOBJ previous_;
+};
+
+// A picture realised on the device. Pixels with alpha 0 are transparent: such a picture is drawn
+// as icons are, the mask ANDed in and the colours XORed over it, so it keeps working with any
+// destination and any backend; a picture without them is a plain copy.
+class PictureBitmap {
+  public:
+    PictureBitmap(platform::Gdi& gdi, const host::StdPicture& picture);
+
+    [[nodiscard]] platform::SIZE size() const { return colour_.size(); }
+    [[nodiscard]] bool HasTransparency() const { return mask_ != nullptr; }
+    // Draws source rectangle (sx, sy, sw, sh) of the picture stretched to (x, y, w, h) of dst.
+    // rop applies to opaque pictures; transparent ones always draw through their mask.
+    void Draw(platform::HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+              std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
+              platform::DWORD rop = platform::SRCCOPY) const;
+    void Draw(platform::HDC dst, std::int32_t x, std::int32_t y) const {
+        Draw(dst, x, y, size().cx, size().cy, 0, 0, size().cx, size().cy);
+    }
+
+  private:
+    platform::Gdi& gdi_;
+    MemoryBitmap colour_;                 // black where transparent
+    std::unique_ptr<MemoryBitmap> mask_;  // white where transparent, black elsewhere
+};
+
+// Whether a picture has anything to draw.
+bool IsDrawable(const std::shared_ptr<host::StdPicture>& picture);
+
+// The region of the pixels set in `inside` (width × height, row-major), as one region handle
+// the caller owns; rows with equal runs are merged into bands.
+platform::HRGN RegionFromMask(platform::Gdi& gdi, const std::vector<bool>& inside,
+                              std::int32_t width, std::int32_t height);
+
+}  // namespace korvex::forms

@@ -1,0 +1,41 @@
+#include "forms/surface_control.hpp"
+
+#include <cmath>
+
+namespace korvex::forms {
+
+namespace {
+
+platform::Platform& RequirePlatform(host::HostContext& context) {
+    if (!context.Platform()) {
+        throw host::HostError(host::kErrInvalidCall, "This control needs a host with a platform to show it on",
+                              "Control");
+    }
+    return *context.Platform();
+}
+
+}  // namespace
+
+SurfaceControl::SurfaceControl(host::HostContext& context) : UserControl(RequirePlatform(context)) {
+    UserControl.events.Resize = [this] {
+        if (placing_ || !Site()) return;
+        Site()->RequestExtent(static_cast<std::int32_t>(std::lround(UserControl.Width())),
+                              static_cast<std::int32_t>(std::lround(UserControl.Height())));
+    };
+}
+
+void SurfaceControl::SiteAttached() {
+    UserControl.Platform().windows().SetParent(UserControl.hWnd(), Site()->ContainerWindow());
+}
+
+void SurfaceControl::Place(const platform::RECT& bounds, bool visible, bool enabled) {
+    placing_ = true;
+    UserControl.Move(static_cast<float>(bounds.left), static_cast<float>(bounds.top),
+                     static_cast<float>(bounds.Width()), static_cast<float>(bounds.Height()));
+    placing_ = false;
+    platform::Windows& windows = UserControl.Platform().windows();
+    windows.ShowWindow(UserControl.hWnd(), visible);
+    windows.EnableWindow(UserControl.hWnd(), enabled);
+}
+
+}  // namespace korvex::forms

@@ -1,0 +1,220 @@
+// The control surface's persistent drawing: Cls, Line in each scale (end point included, boxes,
+// draw modes), Print and the print position, the border, Resize, and a transparent surface that
+// shows (and passes input to) the form beneath everywhere but its objects.
+
+#include "form_fixture.hpp"
+
+namespace korvex::forms::testing {
+namespace {
+
+class SurfaceTest : public FormTest {
+  protected:
+    // A small surface so that whole maps fit in a test: 12 x 8 pixels.
+    void Shrink() { surface.Move(surface.Left(), surface.Top(), Tx(12), Ty(8)); }
+    std::vector<std::string> Map() {
+        const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
+        return Pixels{windows.ComposeWindow(surface.hWnd()), {12, 8}}.Map(
+            {0, 0, 12, 8},
+            {{face, '.'}, {kRed, 'r'}, {kBlue, 'b'}, {RGB(0, 0, 0), 'k'}, {kYellow, 'y'}});
+    }
+};
+
+TEST_F(SurfaceTest, ClsFillsTheBackColourAndResetsThePrintPosition) {
+    const Pixels before = Surface();
+    const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
+    EXPECT_EQ(before.Find(face, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
+              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+
+    surface.Print("text");
+    surface.Line(0, 0, Tx(50), Ty(30), kRed);
+    surface.BackColor(kYellow);  // a new back colour clears the drawing too
+    EXPECT_EQ(Surface().Find(kYellow, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
+              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    surface.Line(0, 0, Tx(50), Ty(30), kRed);
+    surface.CurrentX(Tx(3));
+    surface.Cls();
+    EXPECT_EQ(surface.CurrentX(), 0);
+    EXPECT_EQ(surface.CurrentY(), 0);
+    EXPECT_EQ(Surface().Find(kYellow, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
+              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    // A system colour is read when painting, so a scheme change shows at the next Cls.
+    surface.BackColor(0x80000000u | COLOR_BTNFACE);
+    const std::array<int, 1> index{COLOR_BTNFACE};
+    const std::array<COLORREF, 1> colour{kBlue};
+    gdi.SetSysColors(index, colour);
+    surface.Cls();
+    EXPECT_TRUE(Surface().is(5, 5, kBlue));
+}
+
+TEST_F(SurfaceTest, LineInTwipsPixelsAndUserScaleLandsOnTheSamePixels) {
+    Shrink();
+    const std::vector<std::string> want{
+        "............",
+        ".rrrrrrrrrr.",  // (15,15)-(150,15): both ends painted
+        "............",
+        "..bbbbb.....",  // box (30,45)-(90,90) with its corners at both points
+        "..b...b.....",
+        "..b...b...r.",  // a zero-length line is one pixel
+        "..b...b.....",
+        "..bbbbb.....",  // the box's bottom row is painted too
+    };
+    surface.Line(Tx(1), Ty(1), Tx(10), Ty(1), kRed);
+    surface.Line(Tx(2), Ty(3), Tx(6), Ty(7), kBlue, LineBox::B);
+    surface.Line(Tx(10), Ty(5), Tx(10), Ty(5), kRed);
+    EXPECT_TRUE(SameRows(Map(), want));
+    EXPECT_EQ(surface.CurrentX(), Tx(10));
+    EXPECT_EQ(surface.CurrentY(), Ty(5));
+
+    surface.Cls();
+    surface.ScaleMode(ScaleModeConstants::vbPixels);
+    EXPECT_EQ(surface.ScaleWidth(), 12);
+    surface.Line(1, 1, 10, 1, kRed);
+    surface.Line(2, 3, 6, 7, kBlue, LineBox::B);
+    surface.Line(10, 5, 10, 5, kRed);
+    EXPECT_TRUE(SameRows(Map(), want));
+
+    // A user scale of 10 units a pixel, with the origin moved by one pixel.
+    surface.Cls();
+    surface.ScaleWidth(120);
+    surface.ScaleHeight(80);
+    surface.ScaleLeft(-10);
+    surface.ScaleTop(-10);
+    EXPECT_EQ(surface.ScaleMode(), ScaleModeConstants::vbUser);
+    surface.Line(0, 0, 90, 0, kRed);
+    surface.Line(10, 20, 50, 60, kBlue, LineBox::B);
+    surface.Line(90, 40, 90, 40, kRed);
+    EXPECT_TRUE(SameRows(Map(), want));
+    EXPECT_THROW(surface.ScaleWidth(0), host::HostError);
+}
+
+TEST_F(SurfaceTest, FilledBoxesFillStylesAndDrawModes) {
+    Shrink();
+    surface.ScaleMode(ScaleModeConstants::vbPixels);
+    surface.Line(1, 1, 3, 2, kRed, LineBox::BF);
+    surface.FillStyle(0);
+    surface.FillColor(kYellow);
+    surface.Line(5, 1, 9, 3, kBlue, LineBox::B);
+    // Under XOR the same line twice gives the background back: the end point is painted
+    // exactly once each time.
+    surface.DrawMode(R2_XORPEN);
+    surface.Line(1, 5, 10, 6, kRed);
+    surface.Line(1, 5, 10, 6, kRed);
+    EXPECT_TRUE(SameRows(Map(), {
+                                    "............",
+                                    ".rrr.bbbbb..",
+                                    ".rrr.byyyb..",
+                                    ".....bbbbb..",
+                                    "............",
+                                    "............",
+                                    "............",
+                                    "............",
+                                }));
+    EXPECT_THROW(surface.DrawMode(17), host::HostError);
+    EXPECT_THROW(surface.DrawWidth(0), host::HostError);
+    EXPECT_EQ(surface.DrawMode(), R2_XORPEN);
+}
+
+TEST_F(SurfaceTest, PrintWritesLinesAndAdvancesByTheTextHeight) {
+    surface.ForeColor(kRed);
+    surface.CurrentX(Tx(4));
+    surface.CurrentY(Ty(2));
+    surface.Print("Ab", false);
+    EXPECT_EQ(surface.CurrentX(), Tx(4) + surface.TextWidth("Ab"));
+    EXPECT_EQ(surface.CurrentY(), Ty(2));
+    surface.Print("c\r\nd");
+    const float line = surface.TextHeight("x");
+    EXPECT_EQ(surface.TextHeight("x\ny"), 2 * line);
+    EXPECT_EQ(surface.CurrentX(), 0);
+    EXPECT_EQ(surface.CurrentY(), Ty(2) + 2 * line);
+
+    const std::vector<POINT> ink =
+        Surface().Find(kRed, {0, 0, kSurface.Width(), kSurface.Height()});
+    ASSERT_FALSE(ink.empty());
+    const int linePixels = static_cast<int>(line) / windows.TwipsPerPixelY();
+    bool secondLine = false;
+    for (const POINT p : ink) {
+        EXPECT_GE(p.y, 2);
+        EXPECT_LT(p.y, 2 + 2 * linePixels);
+        if (p.y >= 2 + linePixels) {
+            secondLine = true;
+            EXPECT_LT(p.x, static_cast<int>(surface.TextWidth("d")) / windows.TwipsPerPixelX() +
+                               1);  // "d" at the left edge
+        }
+    }
+    EXPECT_TRUE(secondLine);
+}
+
+TEST_F(SurfaceTest, BorderTakesAPixelOnEachSideOfTheClientArea) {
+    Shrink();
+    const float width = surface.ScaleWidth();
+    surface.BorderStyle(1);
+    EXPECT_EQ(surface.ScaleWidth(), width - Tx(2));
+    surface.ScaleMode(ScaleModeConstants::vbPixels);
+    surface.Line(0, 0, 0, 0, kRed);  // the client area's origin is inside the border
+    EXPECT_TRUE(SameRows(Map(), {
+                                    "kkkkkkkkkkkk",
+                                    "kr.........k",
+                                    "k..........k",
+                                    "k..........k",
+                                    "k..........k",
+                                    "k..........k",
+                                    "k..........k",
+                                    "kkkkkkkkkkkk",
+                                }));
+}
+
+TEST_F(SurfaceTest, ResizeIsRaisedForSizeChangesAndKeepsTheDrawing) {
+    int resizes = 0;
+    surface.events.Resize = [&] { ++resizes; };
+    surface.ScaleMode(ScaleModeConstants::vbPixels);
+    surface.Line(2, 2, 2, 2, kRed);
+    surface.Move(surface.Left() + Tx(5));  // moved, same size
+    EXPECT_EQ(resizes, 0);
+    surface.Width(Tx(100));
+    EXPECT_EQ(resizes, 1);
+    EXPECT_EQ(surface.Width(), Tx(100));
+    EXPECT_EQ(surface.ScaleWidth(), 100);
+    surface.Height(surface.Height());
+    EXPECT_EQ(resizes, 1);
+    EXPECT_TRUE(
+        (Pixels{windows.ComposeWindow(surface.hWnd()), {100, kSurface.Height()}}.is(2, 2, kRed)));
+}
+
+TEST_F(SurfaceTest, TransparentSurfaceShowsTheFormAndPassesItsInput) {
+    Label label{surface};
+    label.Move(Tx(10), Ty(10), Tx(60), Ty(20));
+    label.BackStyle(0);
+    label.ForeColor(kRed);
+    label.Caption("Hi");
+    Shape shape{surface};
+    shape.Move(Tx(80), Ty(10), Tx(10), Ty(10));
+    shape.BackStyle(1);
+    shape.BorderStyle(0);
+    shape.BackColor(kBlue);
+    surface.BackStyle(0);
+
+    const Pixels screen = Screen();
+    const RECT onScreen{kSurface.left, kSurface.top, kSurface.right, kSurface.bottom};
+    const std::vector<POINT> ink = screen.Find(kRed, onScreen);
+    ASSERT_FALSE(ink.empty());
+    for (int y = onScreen.top; y < onScreen.bottom; ++y)
+        for (int x = onScreen.left; x < onScreen.right; ++x) {
+            const bool inShape = x >= kSurface.left + 80 && x < kSurface.left + 90 &&
+                                 y >= kSurface.top + 10 && y < kSurface.top + 20;
+            if (inShape)
+                ASSERT_TRUE(screen.is(x, y, kBlue)) << x << "," << y;
+            else
+                ASSERT_TRUE(screen.is(x, y, kRed) || screen.is(x, y, kFormColour)) << x << "," << y;
+        }
+
+    // The form gets the click where the surface is see-through; the label's ink is the label's.
+    EXPECT_EQ(windows.WindowFromPoint({kSurface.left + 2, kSurface.top + 2}), form);
+    EXPECT_EQ(windows.WindowFromPoint(ink.front()), surface.hWnd());
+
+    surface.BackStyle(1);
+    EXPECT_TRUE(Screen().is(kSurface.left + 2, kSurface.top + 2, gdi.GetSysColor(COLOR_BTNFACE)));
+    EXPECT_EQ(windows.WindowFromPoint({kSurface.left + 2, kSurface.top + 2}), surface.hWnd());
+}
+
+}  // namespace
+}  // namespace korvex::forms::testing
