@@ -5,7 +5,7 @@
 #include <string>
 
 #include "commands.hpp"
-#include "controls/library.hpp"
+#include "library/library.hpp"
 #include "host/container.hpp"
 #include "host/json_codec.hpp"
 
@@ -17,7 +17,7 @@ int RunBag(Args args) {
         return 2;
     }
     host::HostContext context;
-    controls::RegisterLibrary(context.Classes());
+    RegisterLibrary(context);
     host::Container form(context);
     form.LoadFile(std::string(args[0]));
 

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "commands.hpp"
-#include "controls/library.hpp"
+#include "library/library.hpp"
 #include "host/container.hpp"
 #include "host/script_runner.hpp"
 #include "platform/png.hpp"
@@ -32,7 +32,7 @@ struct Session {
     host::Container form{context};
 
     explicit Session(const std::string& formPath) {
-        controls::RegisterLibrary(context.Classes());
+        RegisterLibrary(context);
         form.LoadFile(formPath);
         form.SwitchMode(true);
         form.Show();

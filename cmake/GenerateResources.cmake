@@ -1,0 +1,17 @@
+# Writes OUTPUT: one byte array per file of FILES (relative to RESOURCE_DIR) and the table that
+# base/resources.hpp reads.
+set(body "// Generated from resources/ at build time; do not edit.\n#include \"base/resources.hpp\"\n\nnamespace korvex::resources {\nnamespace {\n")
+set(table "")
+set(index 0)
+foreach(f IN LISTS FILES)
+  file(READ ${RESOURCE_DIR}/${f} hex HEX)
+  string(LENGTH "${hex}" hex_length)
+  math(EXPR size "${hex_length} / 2")
+  string(REGEX REPLACE "([0-9a-f][0-9a-f])" "0x\\1," bytes "${hex}")
+  string(APPEND body "const std::uint8_t kData${index}[] = {${bytes}0};\n")
+  string(APPEND table "    {\"${f}\", {kData${index}, ${size}}},\n")
+  math(EXPR index "${index} + 1")
+endforeach()
+string(APPEND body "}  // namespace\n\nstd::span<const Entry> All() {\n    static const Entry kEntries[] = {\n${table}        {\"\", {}}};\n    return {kEntries, ${index}};\n}\n\n}  // namespace korvex::resources\n")
+file(WRITE ${OUTPUT}.tmp "${body}")
+file(COPY_FILE ${OUTPUT}.tmp ${OUTPUT} ONLY_IF_DIFFERENT)
