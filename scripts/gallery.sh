@@ -9,3 +9,6 @@ cmake --preset default
 cmake --build --preset default -j "$(nproc)" --target korvex_cli
 korvex=build/default/bin/korvex
 "$korvex" --help
+mkdir -p gallery
+"$korvex" gdi tests/gdi/sampler.txt --png gallery/sampler.png
+echo "gallery written to $(pwd)/gallery"

@@ -21,5 +21,6 @@ std::span<const Command> AllCommands();
 int RunBag(Args args);
 int RunForm(Args args);
 int RenderForm(Args args);
+int RunGdi(Args args);
 
 }  // namespace korvex::cli
