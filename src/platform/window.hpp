@@ -240,6 +240,9 @@ public:
     virtual void SetInputSource(InputSource* source) = 0;
 };
 
+class Sound;
+class Shell;
+
 // Everything a host needs from the platform, owned per UI thread.
 class Platform {
 public:
@@ -248,6 +251,8 @@ public:
     virtual Windows& windows() = 0;
     virtual Clock& clock() = 0;
     virtual EventLoop& loop() = 0;
+    virtual Sound& sound() = 0;
+    virtual Shell& shell() = 0;
 };
 
 }  // namespace korvex::platform

@@ -6,6 +6,7 @@
 #include "platform/sim/sim_clock.hpp"
 #include "platform/sim/sim_gdi.hpp"
 #include "platform/sim/sim_loop.hpp"
+#include "platform/sim/sim_sound.hpp"
 #include "platform/sim/sim_windows.hpp"
 #include "platform/window.hpp"
 
@@ -22,6 +23,8 @@ public:
     SimWindows& windows() override { return windows_; }
     SimClock& clock() override { return clock_; }
     SimEventLoop& loop() override { return loop_; }
+    SimSound& sound() override { return sound_; }
+    SimShell& shell() override { return shell_; }
 
 private:
     // Declaration order is destruction order reversed: the windows give their regions back to
@@ -30,6 +33,8 @@ private:
     SimClock clock_;
     SimWindows windows_;
     SimEventLoop loop_;
+    SimSound sound_{clock_};
+    SimShell shell_{clock_};
 };
 
 }  // namespace korvex::platform::sim
