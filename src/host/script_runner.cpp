@@ -223,8 +223,10 @@ void ScriptRunner::Validate(const Line& line) const {
         }
     } else if (command == "type") {
         if (n < 1) fail("expected: type TEXT");
-    } else if (command == "focus" || command == "get" || command == "snapshot" || command == "save") {
+    } else if (command == "focus" || command == "get" || command == "save") {
         if (n != 1) fail("expected one argument");
+    } else if (command == "snapshot") {
+        if (n != 1 && n != 2) fail("expected: snapshot FILE.png [NAME|form|top]");
     } else if (command == "wait") {
         if (n != 1 || !IsInteger(w[1]) || std::stoll(w[1]) < 0) fail("expected: wait MS");
     } else if (command == "set") {
@@ -331,8 +333,35 @@ void ScriptRunner::Execute(const Line& line) {
     } else if (command == "design" || command == "runmode") {
         form_.SwitchMode(command == "runmode");
     } else if (command == "snapshot") {
-        std::vector<std::uint32_t> pixels = windows.ComposeScreen();
-        const platform::SIZE size = windows.ScreenSize();
+        std::vector<std::uint32_t> pixels;
+        platform::SIZE size = windows.ScreenSize();
+        if (w.size() == 3) {
+            // One window alone: a control, the form, or the topmost window (a modal box).
+            platform::HWND window;
+            const std::string which = Lower(w[2]);
+            if (which == "form") {
+                window = form_.FormWindow();
+            } else if (which == "top") {
+                for (platform::HWND candidate : windows.ZOrder({})) {
+                    if (windows.IsWindowVisible(candidate)) {
+                        window = candidate;
+                        break;
+                    }
+                }
+            } else {
+                Site* site = form_.Find(w[2]);
+                if (!site) throw NoControl(w[2]);
+                window = site->GetControl().SurfaceWindow();
+            }
+            platform::RECT r;
+            if (!window || !windows.GetWindowRect(window, &r)) {
+                throw HostError(kErrInvalidCall, "There is no window to take a snapshot of (" + w[2] + ")", "korvex");
+            }
+            pixels = windows.ComposeWindow(window);
+            size = {r.Width(), r.Height()};
+        } else {
+            pixels = windows.ComposeScreen();
+        }
         const std::string path = (outDir_ / w[1]).string();
         try {
             platform::WritePng(path, {pixels.data(), size.cx, size.cy});

@@ -9,7 +9,9 @@
 //   move X Y | move NAME [DX DY]        down [left|right|middle] [shift=N] | up [BUTTON]
 //   click [BUTTON] | dblclick           key down CODE [shift=N] | key up CODE | key press ASCII
 //   type TEXT | focus NAME | wait MS    set NAME.PROPERTY VALUE | get NAME.PROPERTY
-//   call NAME.METHOD [ARG ...]          design | runmode | snapshot FILE.png | save FILE.json
+//   call NAME.METHOD [ARG ...]          design | runmode | save FILE.json
+//   snapshot FILE.png [NAME|form|top]   the screen, or one window: a control, the form, or the
+//                                       topmost window (a modal box)
 //
 // Values: numbers (whole numbers are Long, others Double, &H hex), "quoted text" (a doubled quote
 // inside stands for one), True, False, Nothing. A host error inside a step is reported and the

@@ -164,6 +164,14 @@ TEST_F(SessionTest, SnapshotShowsTheScreen) {
     EXPECT_EQ(at(500, 500), 0x3A6EA5u); // the desktop
     EXPECT_EQ(at(319, 239), 0xD4D0C8u);
     EXPECT_EQ(at(320, 240), 0x3A6EA5u);
+
+    // One window alone, at its own size: P1 is partly covered by P2 on the screen, not here.
+    Run("snapshot p1.png P1\n");
+    const platform::Image one = platform::ReadPng((dir / "p1.png").string());
+    ASSERT_EQ(one.width, 100);
+    ASSERT_EQ(one.height, 50);
+    EXPECT_EQ(one.pixels[10 * 100 + 10], 0xFF0000u);
+    EXPECT_EQ(one.pixels[10 * 100 + 90], 0xFFFFFFu);
 }
 
 }  // namespace
