@@ -9,11 +9,10 @@
 #include <string>
 
 #include "commands.hpp"
-#include "library/library.hpp"
 #include "host/container.hpp"
 #include "host/script_runner.hpp"
 #include "platform/png.hpp"
-#include "platform/sim/sim_platform.hpp"
+#include "session.hpp"
 
 namespace korvex::cli {
 
@@ -25,19 +24,13 @@ std::string ReadAll(std::istream& in) {
     return text.str();
 }
 
-// The library on a fresh virtual screen, with the form loaded and switched to run mode.
-struct Session {
-    platform::sim::SimPlatform platform;
-    host::HostContext context{&platform};
-    host::Container form{context};
 
-    explicit Session(const std::string& formPath) {
-        RegisterLibrary(context);
-        form.LoadFile(formPath);
-        form.SwitchMode(true);
-        form.Show();
-    }
-};
+// The form file's text; the host's file-not-found error when it cannot be read.
+std::string ReadFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "korvex");
+    return ReadAll(in);
+}
 
 }  // namespace
 
@@ -68,7 +61,8 @@ int RunForm(Args args) {
         script = ReadAll(in);
     }
 
-    Session session(formPath);
+    Session session;
+    session.Open(ReadFile(formPath));
     host::ScriptRunner runner(session.form, std::cout, outDir);
     try {
         runner.Run(script);
@@ -90,7 +84,8 @@ int RenderForm(Args args) {
         std::fprintf(stderr, "usage: korvex render FORM.json -o FILE.png\n");
         return 2;
     }
-    Session session(formPath);
+    Session session;
+    session.Open(ReadFile(formPath));
     platform::Windows& windows = session.platform.windows();
     std::vector<std::uint32_t> pixels = windows.ComposeWindow(session.form.FormWindow());
     platform::RECT r;

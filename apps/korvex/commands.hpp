@@ -21,6 +21,7 @@ std::span<const Command> AllCommands();
 int RunBag(Args args);
 int RunForm(Args args);
 int RenderForm(Args args);
+int RunGallery(Args args);
 int RunGdi(Args args);
 
 }  // namespace korvex::cli

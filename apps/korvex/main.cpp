@@ -26,6 +26,8 @@ constexpr std::array kCommands = {
             "runs a form with a script of input, prints its events", RunForm},
     Command{"render", "korvex render FORM.json -o FILE.png", "renders a form as it looks at run time",
             RenderForm},
+    Command{"gallery", "korvex gallery --out DIR", "renders every control in its main looks, with index.html",
+            RunGallery},
     Command{"gdi", "korvex gdi SCRIPT [--png FILE] [--hex FILE]", "runs a drawing script and writes the canvas", RunGdi},
 };
 
