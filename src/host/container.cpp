@@ -84,12 +84,63 @@ Container::Container(HostContext& context) : context_(context), font_(context.De
     if (platform::Platform* p = context_.Platform()) {
         formWindow_ = p->windows().CreateWindow({}, {0, 0, TwipsToPixelsX(Width), TwipsToPixelsY(Height)}, {},
                                                 this, Caption);
+        keyFilter_ = p->loop().AddKeyFilter(
+            [this](const platform::KeyEvent& event, platform::HWND focus) { return FilterKey(event, focus); });
     }
 }
 
 Container::~Container() {
     TerminateAll();
-    if (platform::Platform* p = context_.Platform()) p->windows().DestroyWindow(formWindow_);
+    if (platform::Platform* p = context_.Platform()) {
+        p->loop().RemoveKeyFilter(keyFilter_);
+        p->windows().DestroyWindow(formWindow_);
+    }
+}
+
+Site* Container::FocusedSite(platform::HWND focus) const {
+    platform::Windows& windows = context_.Platform()->windows();
+    for (platform::HWND w = focus; w; w = windows.GetParent(w)) {
+        for (const auto& site : sites_) {
+            if (site->control_ && site->control_->SurfaceWindow() == w) return site.get();
+        }
+        if (w == formWindow_) return nullptr;
+    }
+    return nullptr;
+}
+
+bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus) {
+    const bool tab = (event.kind == platform::KeyEvent::Kind::Press) ? event.keyCode == '\t'
+                                                                      : event.keyCode == platform::VK_TAB;
+    if (!tab) return false;
+    platform::Windows& windows = context_.Platform()->windows();
+    // Only keys meant for this form: its own window or a window inside it has the focus.
+    bool ours = false;
+    for (platform::HWND w = focus; w && !ours; w = windows.GetParent(w)) ours = (w == formWindow_);
+    if (!ours) return false;
+    if (event.kind != platform::KeyEvent::Kind::Down) return true;
+
+    std::vector<Site*> stops;
+    for (const auto& site : sites_) {
+        const platform::HWND w = site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
+        if (w && site->extender_.TabStop && site->control_->CanGetFocus() && windows.IsWindowVisible(w) &&
+            windows.IsWindowEnabled(w)) {
+            stops.push_back(site.get());
+        }
+    }
+    if (stops.empty()) return true;
+    std::stable_sort(stops.begin(), stops.end(),
+                     [](const Site* a, const Site* b) { return a->extender_.TabIndex < b->extender_.TabIndex; });
+    const bool backwards = (event.shift & platform::kShiftMask) != 0;
+    auto current = std::find(stops.begin(), stops.end(), FocusedSite(focus));
+    std::size_t next = 0;
+    if (current == stops.end()) {
+        next = backwards ? stops.size() - 1 : 0;
+    } else {
+        const auto index = static_cast<std::size_t>(current - stops.begin());
+        next = backwards ? (index + stops.size() - 1) % stops.size() : (index + 1) % stops.size();
+    }
+    windows.SetFocus(stops[next]->control_->SurfaceWindow());
+    return true;
 }
 
 std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
@@ -250,6 +301,7 @@ Variant Container::GetProperty(Site& site, std::string_view name) {
     if (EqualsNoCase(name, "Visible")) return e.Visible;
     if (EqualsNoCase(name, "Enabled")) return e.Enabled;
     if (EqualsNoCase(name, "TabIndex")) return e.TabIndex;
+    if (EqualsNoCase(name, "TabStop")) return e.TabStop;
     if (EqualsNoCase(name, "Container")) return site.parent_ ? site.parent_->Name() : this->Name;
     return Invoke(site.GetControl(), name, InvokeKind::Get);
 }
@@ -273,6 +325,7 @@ void Container::LetProperty(Site& site, std::string_view name, const Variant& va
     else if (EqualsNoCase(name, "Visible")) e.Visible = value.ToBool(), PlaceWindow(site);
     else if (EqualsNoCase(name, "Enabled")) e.Enabled = value.ToBool(), PlaceWindow(site);
     else if (EqualsNoCase(name, "TabIndex")) e.TabIndex = value.ToInteger();
+    else if (EqualsNoCase(name, "TabStop")) e.TabStop = value.ToBool();
     else {
         Variant argument = value;
         Invoke(site.GetControl(), name, value.IsObject() ? InvokeKind::Set : InvokeKind::Let, {&argument, 1});
@@ -308,6 +361,7 @@ std::string Container::SaveJson() const {
                           {"Visible", e.Visible},
                           {"Enabled", e.Enabled},
                           {"TabIndex", e.TabIndex},
+                          {"TabStop", e.TabStop},
                           {"Properties", json::EncodeBag(SaveBag(*site))}};
             Json children = self(self, site);
             if (!children.empty()) entry["Controls"] = std::move(children);
@@ -369,6 +423,7 @@ void Container::LoadJson(std::string_view text) {
                 e.Visible = FormField<bool>(entry, "Visible", true, where);
                 e.Enabled = FormField<bool>(entry, "Enabled", true, where);
                 e.TabIndex = FormField<std::int16_t>(entry, "TabIndex", tabIndex, where);
+                e.TabStop = FormField<bool>(entry, "TabStop", true, where);
                 ++tabIndex;
                 PropertyBag bag;
                 if (auto props = entry.find("Properties"); props != entry.end()) bag = json::DecodeBag(*props);

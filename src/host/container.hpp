@@ -7,12 +7,12 @@
 //     "Form": {"Name": "Form1", "Caption": "Form1", "Width": 4800, "Height": 3600, ...},
 //     "Controls": [
 //       {"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1", "Left": 120, "Top": 120,
-//        "Width": 1500, "Height": 30, "Visible": true, "Enabled": true, "TabIndex": 0,
+//        "Width": 1500, "Height": 30, "Visible": true, "Enabled": true, "TabIndex": 0, "TabStop": true,
 //        "Properties": {<property bag>}, "Controls": [<contained controls>]}
 //     ]
 //   }
-// Positions and sizes are twips. "Visible", "Enabled", "TabIndex", "Properties" and "Controls"
-// may be left out.
+// Positions and sizes are twips. "Visible", "Enabled", "TabIndex", "TabStop", "Properties" and
+// "Controls" may be left out.
 
 #include <cstdint>
 #include <memory>
@@ -36,6 +36,7 @@ struct Extender {
     bool Visible = true;
     bool Enabled = true;
     std::int16_t TabIndex = 0;
+    bool TabStop = true;
 };
 
 // One sited control.
@@ -150,6 +151,10 @@ private:
     void Instantiate(Site& site, const PropertyBag* bag);
     void PlaceWindow(Site& site);
     void TerminateAll();
+    // Tab and Shift+Tab move the focus through the controls in TabIndex order, before the
+    // focused control sees the key, as the platform's dialog manager does.
+    bool FilterKey(const platform::KeyEvent& event, platform::HWND focus);
+    Site* FocusedSite(platform::HWND focus) const;
     void OnPaint(platform::HDC dc, const platform::RECT& client) override;
 
     HostContext& context_;
@@ -157,6 +162,7 @@ private:
     std::shared_ptr<StdFont> font_;
     bool userMode_ = false;
     platform::HWND formWindow_;
+    std::uint32_t keyFilter_ = 0;
     std::vector<std::unique_ptr<Site>> sites_;
 };
 

@@ -101,6 +101,8 @@ public:
     [[nodiscard]] std::int32_t ExtentHeight() const { return extentHeight_; }
     // The control's own window (zero for a control without one).
     [[nodiscard]] virtual platform::HWND SurfaceWindow() const { return {}; }
+    // Whether the control takes the focus (Tab stops on it); a separator line, say, does not.
+    [[nodiscard]] virtual bool CanGetFocus() const { return true; }
     // The host placed the extender: bounds in twips within the container, shown or hidden,
     // enabled or not. A control with a window moves it there.
     virtual void Place(const platform::RECT& bounds, bool visible, bool enabled) {

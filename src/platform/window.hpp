@@ -238,6 +238,12 @@ public:
     // host's error when nothing left could end the loop, instead of hanging.
     virtual void RunModal(const std::function<bool()>& stillOpen, std::string_view what) = 0;
     virtual void SetInputSource(InputSource* source) = 0;
+
+    // Keys pass the filters, newest first, before they reach the focused window, as a dialog
+    // manager sees Tab before the control does. A filter that returns true consumes the key.
+    using KeyFilter = std::function<bool(const KeyEvent& event, HWND focus)>;
+    virtual std::uint32_t AddKeyFilter(KeyFilter filter) = 0;
+    virtual void RemoveKeyFilter(std::uint32_t id) = 0;
 };
 
 class Sound;

@@ -137,6 +137,25 @@ TEST_F(SessionTest, FocusMovesBetweenControls) {
               "event P2.GotFocus()\n");
 }
 
+TEST_F(SessionTest, TabMovesTheFocusInTabIndexOrder) {
+    form.Add("Korvex_Tools.Pad", {"P3", 300, 1500, 600, 300, true, true, 1});  // between P1 and P2
+    form.LetProperty(form.Get("P2"), "TabIndex", 2);
+    // Tab is the form's: the focused control sees none of its key strokes.
+    EXPECT_EQ(Run("focus P1\nkey down tab\nkey press 9\nkey up tab\nkey down tab\nkey down tab\n"),
+              "event P1.GotFocus()\n"
+              "event P1.LostFocus()\n"
+              "event P3.GotFocus()\n"
+              "event P3.LostFocus()\n"
+              "event P2.GotFocus()\n"
+              "event P2.LostFocus()\n"
+              "event P1.GotFocus()\n");
+    EXPECT_EQ(Run("key down tab shift=1\nset P3.TabStop False\nkey down tab\n"),
+              "event P1.LostFocus()\n"
+              "event P2.GotFocus()\n"
+              "event P2.LostFocus()\n"
+              "event P1.GotFocus()\n");
+}
+
 TEST_F(SessionTest, TimersTickOnTheVirtualClock) {
     EXPECT_EQ(Run("set P1.TickInterval 50\nwait 49\nwait 71\n"),
               "event P1.Tick()\n"

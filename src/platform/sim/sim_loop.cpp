@@ -19,16 +19,38 @@ void SimEventLoop::MouseUp(int button, int shift) {
     windows_.RouteMouseButton(false, button, shift, clock_.Now());
 }
 
+void SimEventLoop::Key(KeyEvent::Kind kind, int keyCode, int shift) {
+    const KeyEvent event{kind, keyCode, shift, clock_.Now()};
+    // Walk a copy: a filter may add or remove filters (a form closing on Escape).
+    const auto filters = keyFilters_;
+    for (auto it = filters.rbegin(); it != filters.rend(); ++it) {
+        if (it->second(event, windows_.GetFocus())) {
+            windows_.TrackKey(kind, keyCode);
+            return;
+        }
+    }
+    windows_.RouteKey(kind, keyCode, shift, event.time);
+}
+
+std::uint32_t SimEventLoop::AddKeyFilter(KeyFilter filter) {
+    keyFilters_.emplace_back(nextKeyFilter_, std::move(filter));
+    return nextKeyFilter_++;
+}
+
+void SimEventLoop::RemoveKeyFilter(std::uint32_t id) {
+    std::erase_if(keyFilters_, [id](const auto& f) { return f.first == id; });
+}
+
 void SimEventLoop::KeyDown(int keyCode, int shift) {
-    windows_.RouteKey(KeyEvent::Kind::Down, keyCode, shift, clock_.Now());
+    Key(KeyEvent::Kind::Down, keyCode, shift);
 }
 
 void SimEventLoop::KeyUp(int keyCode, int shift) {
-    windows_.RouteKey(KeyEvent::Kind::Up, keyCode, shift, clock_.Now());
+    Key(KeyEvent::Kind::Up, keyCode, shift);
 }
 
 void SimEventLoop::KeyPress(int character) {
-    windows_.RouteKey(KeyEvent::Kind::Press, character, windows_.ShiftState(), clock_.Now());
+    Key(KeyEvent::Kind::Press, character, windows_.ShiftState());
 }
 
 void SimEventLoop::Post(std::function<void()> task) { posted_.push_back(std::move(task)); }

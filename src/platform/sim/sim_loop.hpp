@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <vector>
 #include <functional>
 #include <string_view>
 
@@ -34,9 +35,14 @@ public:
     int DoEvents() override;
     void Post(std::function<void()> task) override;
     void RunModal(const std::function<bool()>& stillOpen, std::string_view what) override;
+    std::uint32_t AddKeyFilter(KeyFilter filter) override;
+    void RemoveKeyFilter(std::uint32_t id) override;
     void SetInputSource(InputSource* source) override { source_ = source; }
 
 private:
+    void Key(KeyEvent::Kind kind, int keyCode, int shift);
+    std::vector<std::pair<std::uint32_t, KeyFilter>> keyFilters_;
+    std::uint32_t nextKeyFilter_ = 1;
     // Runs the tasks posted so far; tasks they post wait for the next round, so a task that
     // re-posts itself cannot starve the loop.
     void RunPosted();

@@ -578,9 +578,13 @@ void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t
     }
 }
 
-void SimWindows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time) {
+void SimWindows::TrackKey(KeyEvent::Kind kind, int keyCode) {
     if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
         keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+}
+
+void SimWindows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time) {
+    TrackKey(kind, keyCode);
     const Window* w = Find(focus_);
     if (!w || !w->handler) return;
     KeyEvent event;

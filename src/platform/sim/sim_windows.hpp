@@ -95,6 +95,8 @@ public:
     // Input routing, fed by SimEventLoop with the virtual time of each event.
     void RouteMouseMove(POINT screen, std::int64_t time);
     void RouteMouseButton(bool down, int button, int shift, std::int64_t time);
+    // Key state only (GetAsyncKeyState), for keys a filter consumed.
+    void TrackKey(KeyEvent::Kind kind, int keyCode);
     void RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time);
     // The shift mask (kShiftMask, kCtrlMask, kAltMask) from the keys held now.
     [[nodiscard]] int ShiftState() const;
