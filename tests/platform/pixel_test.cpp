@@ -1,10 +1,11 @@
 // Direct pixel checks of what the conformance digests do not cover and a naive rasteriser gets
 // wrong: DrawEdge rings, shape and region outlines, NULL_PEN rectangles, stretching, every ROP2,
-// styled pens over several calls, clipping, InvertRect and the text cell.
+// styled pens over several calls, wide pens, clipping, InvertRect and the text cell.
 
 #include <gtest/gtest.h>
 
 #include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -137,8 +138,21 @@ TEST(Rectangle, InsideFrameWidePenStaysInsideTheRect) {
     c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_INSIDEFRAME, 3, kPen));
     c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
     c.gdi.Rectangle(c.dc, 0, 0, 10, 8);
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"##########", "##########", "##########", "###oooo###",
-                                               "###oooo###", "##########", "##########", "##########"}));
+    // The corners are the pen's round joins, so the outer corner pixels stay untouched.
+    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {".########.", "##########", "##########", "###oooo###",
+                                               "###oooo###", "##########", "##########", ".########."}));
+}
+
+TEST(Rectangle, WideOutlineHasRoundCornersAndTheInteriorComesOutOfIt) {
+    SimCanvas c(16, 13);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 5, kPen));
+    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
+    c.gdi.Rectangle(c.dc, 3, 3, 13, 10);
+    EXPECT_TRUE(SameRows(c.Map(kShapeLegend),
+                         {"................", "..############..", ".##############.", ".##############.",
+                          ".##############.", ".##############.", ".#####oooo#####.", ".##############.",
+                          ".##############.", ".##############.", ".##############.", "..############..",
+                          "................"}));
 }
 
 TEST(RoundShapes, RoundRectAndEllipseCoverTheirBoxWithRoundedCorners) {
@@ -169,6 +183,32 @@ TEST(Regions, RoundAndEllipticRegionsLoseAPixelOnTheRightAndBottom) {
     EXPECT_TRUE(SameRows(RegionMap(10, 10, [](sim::SimGdi& g) { return g.CreateRoundRectRgn(0, 0, 10, 10, 1, 1); }),
                          {"#########.", "#########.", "#########.", "#########.", "#########.",
                           "#########.", "#########.", "#########.", "#########.", ".........."}));
+}
+
+TEST(Regions, ZeroWidthOrHeightRoundBoxesGiveTheColumnLeftOrTheRowAbove) {
+    // Right and bottom lose one first, so the rect region falling out is normalised: l == r gives
+    // the column l - 1, t == b the row t - 1 (each one shorter at the far end).
+    EXPECT_TRUE(SameRows(RegionMap(8, 8, [](sim::SimGdi& g) { return g.CreateEllipticRgn(5, 1, 5, 6); }),
+                         {"........", "....#...", "....#...", "....#...", "....#...", "........",
+                          "........", "........"}));
+    EXPECT_TRUE(SameRows(RegionMap(8, 5, [](sim::SimGdi& g) { return g.CreateRoundRectRgn(1, 3, 7, 3, 6, 6); }),
+                         {"........", "........", ".#####..", "........", "........"}));
+    sim::SimGdi gdi;
+    RECT box{};
+    EXPECT_EQ(gdi.GetRgnBox(gdi.CreateEllipticRgn(5, 5, 5, 25), &box), SIMPLEREGION);
+    EXPECT_EQ(box, (RECT{4, 5, 5, 24}));
+}
+
+TEST(Regions, ThinTallEllipseEndRowsNarrowToTheTip) {
+    // The ellipse stepper stops before it reaches the first and last rows of a 4 x 31 ellipse;
+    // those rows keep the two-pixel tip it got to last instead of the full width.
+    SimCanvas c(8, 34);
+    c.gdi.FillRgn(c.dc, c.gdi.CreateEllipticRgn(1, 1, 6, 33), c.gdi.CreateSolidBrush(kBrush));
+    const Rows rows = c.Map({{kBrush, '#'}});
+    EXPECT_EQ(rows[0], "........");
+    for (std::size_t y : {1u, 2u, 6u, 26u, 30u, 31u}) EXPECT_EQ(rows[y], "..##....") << y;
+    for (std::size_t y = 7; y <= 25; ++y) EXPECT_EQ(rows[y], ".####...") << y;
+    EXPECT_EQ(rows[32], "........");
 }
 
 TEST(Regions, PolygonFillModesAndTheirEdgeRule) {
@@ -286,6 +326,33 @@ TEST(StretchBlt, ShrinkingGroupsAndAndsInTheDefaultMode) {
     p.gdi.StretchBlt(p.dst, 0, 0, 2, 1, p.src, 0, 0, 5, 1, SRCCOPY);
     EXPECT_EQ(p.d.bits[0], px[2]) << "horizontally the last pixel of a group is kept";
     EXPECT_EQ(p.d.bits[1], px[4]);
+}
+
+TEST(StretchBlt, SourceRunningOffTheBitmapUsesOnlyThePixelsInsideIt) {
+    // Ten distinct pixels at x 30..39 shrunk by three from x 30 over 12: the runs are 30-32,
+    // 33-35, 36-38 and 39-41, and the last run keeps the one pixel inside the bitmap.
+    BlitPair p(40, 4, 6, 2);
+    for (std::uint32_t i = 0; i < 40 * 4; ++i) p.s.bits[i] = 0x00101010u + i;
+    auto at = [&](std::int32_t x, std::int32_t y) { return p.s.bits[y * 40 + x]; };
+    p.gdi.SetStretchBltMode(p.dst, COLORONCOLOR);
+    ASSERT_TRUE(p.gdi.StretchBlt(p.dst, 0, 0, 4, 1, p.src, 30, 0, 12, 1, SRCCOPY));
+    EXPECT_EQ(p.d.bits[0], at(32, 0));
+    EXPECT_EQ(p.d.bits[1], at(35, 0));
+    EXPECT_EQ(p.d.bits[2], at(38, 0));
+    EXPECT_EQ(p.d.bits[3], at(39, 0)) << "the last pixel inside, not nothing";
+    // Vertically the first row inside the bitmap stands for its group: rows -2..0 and 1..3.
+    ASSERT_TRUE(p.gdi.StretchBlt(p.dst, 5, 0, 1, 2, p.src, 0, -2, 1, 6, SRCCOPY));
+    EXPECT_EQ(p.d.bits[5], at(0, 0));
+    EXPECT_EQ(p.d.bits[6 + 5], at(0, 1));
+    // The folding modes combine just the pixels inside.
+    p.gdi.SetStretchBltMode(p.dst, BLACKONWHITE);
+    ASSERT_TRUE(p.gdi.StretchBlt(p.dst, 4, 0, 1, 2, p.src, 1, -2, 1, 6, SRCCOPY));
+    EXPECT_EQ(p.d.bits[4], at(1, 0));
+    EXPECT_EQ(p.d.bits[6 + 4], at(1, 1) & at(1, 2) & at(1, 3));
+    p.gdi.SetStretchBltMode(p.dst, WHITEONBLACK);
+    ASSERT_TRUE(p.gdi.StretchBlt(p.dst, 0, 1, 4, 1, p.src, 30, 1, 12, 1, SRCCOPY));
+    EXPECT_EQ(p.d.bits[6 + 0], at(30, 1) | at(31, 1) | at(32, 1));
+    EXPECT_EQ(p.d.bits[6 + 3], at(39, 1));
 }
 
 TEST(StretchBlt, SinglePixelDestinationTakesTheFirstSourcePixel) {
@@ -427,19 +494,64 @@ TEST(StyledPens, DashAndWideStyles) {
     EXPECT_EQ(rows[3].substr(1, 27), std::string(27, 'r'));
 }
 
-TEST(WidePens, AxisLinesCoverTheWidthAcrossTheLineAndBothEnds) {
-    constexpr COLORREF kRed = RGB(0xFF, 0, 0);
-    SimCanvas c(14, 16);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 3, kRed));
-    c.gdi.MoveToEx(c.dc, 2, 5, nullptr);
-    c.gdi.LineTo(c.dc, 10, 5);
-    c.gdi.MoveToEx(c.dc, 5, 9, nullptr);
-    c.gdi.LineTo(c.dc, 5, 13);
-    const Rows rows = c.Map({{kRed, 'r'}});
-    EXPECT_EQ(rows[3], std::string(14, '.'));
-    for (int y : {4, 5, 6}) EXPECT_EQ(rows[static_cast<std::size_t>(y)].substr(2, 9), std::string(9, 'r')) << y;
-    EXPECT_EQ(rows[7], std::string(14, '.'));
-    for (int y = 9; y <= 13; ++y) EXPECT_EQ(rows[static_cast<std::size_t>(y)].substr(3, 5), ".rrr.") << y;
+// Wide pens are a region: segment bodies plus CreatePen's round caps and joins, painted once.
+Rows WideStroke(std::int32_t w, std::int32_t h, std::int32_t width, std::span<const POINT> points,
+                int rop2 = R2_COPYPEN) {
+    SimCanvas c(w, h);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, width, kPen));
+    c.gdi.SetROP2(c.dc, rop2);
+    if (points.size() == 2) {
+        c.gdi.MoveToEx(c.dc, points[0].x, points[0].y, nullptr);
+        c.gdi.LineTo(c.dc, points[1].x, points[1].y);
+    } else {
+        c.gdi.Polyline(c.dc, points);
+    }
+    // Under XOR a pixel hit once shows as 'x'; one hit twice would be back to '.'.
+    return c.Map({{kPen, '#'}, {sim::ToColorRef(sim::ToPixel(kPen) ^ testing::kSentinelPixel), 'x'}});
+}
+
+TEST(WidePens, AxisLinesHaveRoundCapsReachingPastBothEnds) {
+    // Width 3: the body spans [3, 14) between the end points; each cap is a plus of 3 x 3
+    // centred on its end point, which adds x 14 and the middle row's ends.
+    const POINT h[2] = {{3, 3}, {14, 3}};
+    EXPECT_TRUE(SameRows(WideStroke(18, 7, 3, h),
+                         {"..................", "..................", "...############...", "..##############..",
+                          "...############...", "..................", ".................."}));
+    const POINT v[2] = {{2, 1}, {2, 5}};
+    EXPECT_TRUE(SameRows(WideStroke(5, 8, 3, v),
+                         {"..#..", ".###.", ".###.", ".###.", ".###.", ".###.", "..#..", "....."}));
+}
+
+TEST(WidePens, SlopedLinesAreAPolygonWithRoundedHalfWidths) {
+    const POINT line[2] = {{2, 2}, {12, 6}};
+    EXPECT_TRUE(SameRows(WideStroke(16, 9, 2, line),
+                         {"................", ".##.............", ".#####..........", "..######........",
+                          ".....######.....", ".......######...", "..........###...", "................",
+                          "................"}));
+}
+
+TEST(WidePens, ZeroLengthLineIsARoundDotAndJoinsAreRound) {
+    const POINT dot[2] = {{5, 5}, {5, 5}};
+    EXPECT_TRUE(SameRows(WideStroke(10, 10, 5, dot),
+                         {"..........", "..........", "..........", "....###...", "...#####..", "...#####..",
+                          "...#####..", "....###...", "..........", ".........."}));
+    const POINT vee[3] = {{2, 9}, {6, 3}, {10, 9}};
+    EXPECT_TRUE(SameRows(WideStroke(12, 12, 4, vee),
+                         {"............", ".....##.....", "....#####...", "....######..", "...#######..",
+                          "..#########.", "..##########", ".###########", "######.#####", "######..####",
+                          ".####....##.", "............"}));
+}
+
+TEST(WidePens, OverlappingPiecesAreHitOnceUnderXor) {
+    // The chain's bodies, caps and the join overlap; the region paints each pixel once, so XOR
+    // leaves no holes.
+    const POINT vee[3] = {{2, 9}, {6, 3}, {10, 9}};
+    const Rows copy = WideStroke(12, 12, 4, vee);
+    Rows xored = WideStroke(12, 12, 4, vee, R2_XORPEN);
+    for (std::string& row : xored)
+        for (char& ch : row)
+            if (ch == 'x') ch = '#';
+    EXPECT_TRUE(SameRows(xored, copy));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -484,6 +596,23 @@ TEST(FillRect, SystemColourBrushesSelectedBrushFallbackAndBlitExtents) {
     c.gdi.FillRect(c.dc, RECT{6, 1, 2, 3}, HBRUSH{});
     EXPECT_EQ(c.Map({{kBrush, '#'}})[2], "...####.");
     EXPECT_EQ(c.gdi.FrameRect(c.dc, RECT{3, 0, 3, 2}, HBRUSH{}), 0) << "empty rect";
+}
+
+TEST(FrameRect, TakesOnlyRealBrushesNeverSystemColourNumbers) {
+    // FrameRect selects its brush as given: COLOR_x + 1 and a null handle are no brushes, so
+    // nothing is painted and it returns 0 (FillRect would paint COLOR_BTNFACE here).
+    SimCanvas c(40, 20);
+    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
+    EXPECT_EQ(c.gdi.FrameRect(c.dc, RECT{2, 2, 30, 15}, HBRUSH{COLOR_BTNFACE + 1}), 0);
+    EXPECT_EQ(c.gdi.FrameRect(c.dc, RECT{4, 4, 20, 10}, HBRUSH{}), 0);
+    for (const std::string& row : c.Map({})) EXPECT_EQ(row, std::string(40, '.'));
+    // A real brush paints the one-pixel ring inside the rect.
+    EXPECT_EQ(c.gdi.FrameRect(c.dc, RECT{1, 1, 5, 4}, c.gdi.CreateSolidBrush(kPen)), 1);
+    const Rows rows = c.Map({{kPen, '#'}});
+    EXPECT_EQ(rows[1].substr(0, 6), ".####.");
+    EXPECT_EQ(rows[2].substr(0, 6), ".#..#.");
+    EXPECT_EQ(rows[3].substr(0, 6), ".####.");
+    EXPECT_EQ(rows[4].substr(0, 6), "......");
 }
 
 // ---------------------------------------------------------------------------------------------

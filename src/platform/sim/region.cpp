@@ -87,10 +87,13 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
     b -= 1;
     const std::int64_t w = std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew));
     const std::int64_t h = std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh));
-    if (w < 2 || h < 2) return FromRect({l, t, r, b});
+    // The fallback is CreateRectRgn, which normalises again: a box with l == r (t == b) has
+    // become r = l - 1 and gives the column left of it (the row above).
+    if (w < 2 || h < 2) return FromRect({std::min(l, r), std::min(t, b), std::max(l, r), std::max(t, b)});
 
     // Zingl's integer ellipse for the lower-right quadrant of a w x h box, run from the middle
-    // row outwards: inset[row] is how far that row's span starts inside the box.
+    // row outwards: inset[row] is how far that row's span starts inside the box
+    // (NtGdiCreateRoundRectRgn).
     const std::int64_t a = w - 1, bb = h - 1, p = bb % 2;
     std::int64_t sx = 4 * bb * bb * (1 - a), sy = 4 * a * a * (1 + p), e = sx + sy + a * a * p;
     std::vector<std::int32_t> inset(static_cast<std::size_t>(h), 0);
@@ -105,6 +108,10 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
             if (row < h) inset[static_cast<std::size_t>(row)] = static_cast<std::int32_t>(x);
         }
     }
+    // For thin, tall ellipses the stepper stops before the end rows, which Wine leaves
+    // unwritten; they keep the narrowest span it reached, the tip, instead of the full width.
+    for (std::int64_t k = row + 1; k < h; ++k)
+        inset[static_cast<std::size_t>(k)] = inset[static_cast<std::size_t>(row)];
 
     Region region;
     const auto half = static_cast<std::int32_t>(h / 2), hh = static_cast<std::int32_t>(h);
@@ -120,6 +127,10 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
 }
 
 Region Region::FromPolygon(std::span<const POINT> points, int fillMode) {
+    return FromPolygon(points, fillMode, RECT{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX});
+}
+
+Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RECT& within) {
     Region region;
     if (points.size() < 2) return region;
     struct Edge {
@@ -138,6 +149,11 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode) {
     }
     std::vector<std::pair<std::int32_t, int>> crossings;
     std::vector<std::pair<std::int32_t, std::int32_t>> spans;
+    ymin = std::max(ymin, within.top);
+    ymax = std::min(ymax, within.bottom);
+    auto addSpan = [&](std::int32_t x0, std::int32_t x1) {
+        spans.emplace_back(std::max(x0, within.left), std::min(x1, within.right));
+    };
     for (std::int32_t y = ymin; y < ymax; ++y) {
         crossings.clear();
         for (const Edge& e : edges) {
@@ -157,11 +173,11 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode) {
                 const int before = winding;
                 winding += dir;
                 if (before == 0 && winding != 0) start = cx;
-                else if (before != 0 && winding == 0) spans.emplace_back(start, cx);
+                else if (before != 0 && winding == 0) addSpan(start, cx);
             }
         } else {
             for (std::size_t i = 0; i + 1 < crossings.size(); i += 2)
-                spans.emplace_back(crossings[i].first, crossings[i + 1].first);
+                addSpan(crossings[i].first, crossings[i + 1].first);
         }
         region.AppendBand(y, y + 1, NormaliseSpans(spans));
     }

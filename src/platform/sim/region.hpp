@@ -28,6 +28,8 @@ public:
                                 std::int32_t ew, std::int32_t eh);
     // Integer points inside the polygon, top/left edges in, bottom/right out.
     static Region FromPolygon(std::span<const POINT> points, int fillMode);
+    // The same intersected with within; only the scanlines inside it are scanned.
+    static Region FromPolygon(std::span<const POINT> points, int fillMode, const RECT& within);
     // RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF (a minus b); RGN_COPY gives a.
     static Region Combine(const Region& a, const Region& b, int mode);
 

@@ -7,7 +7,8 @@
 //   D < S  source i lands on destination ceil((i + 1/2) D / S) - 1; BLACKONWHITE ANDs the pixels
 //          landing together, WHITEONBLACK ORs them, COLORONCOLOR keeps one
 //   D = S  one to one
-// and a destination extent of 1 drops the last of several source pixels first.
+// and a destination extent of 1 drops the last of several source pixels first. Source pixels
+// outside the bitmap never take part; a destination pixel with none inside is left alone.
 
 #include <algorithm>
 #include <cstring>
@@ -121,25 +122,25 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
             std::uint32_t* out = dc->surface.Row(py);
             for (std::int32_t px = r.left; px < r.right; ++px) {
                 const Run& rx = mapX[static_cast<std::size_t>((px - x) * dirX)];
-                // Gather the source pixels landing here; COLORONCOLOR keeps the first row and
-                // the last column of a group, the other modes fold them all.
-                std::int64_t y0 = 0, y1 = ry.count, x0 = 0, x1 = rx.count;
-                if (mode == COLORONCOLOR || mode == HALFTONE) {
-                    y1 = 1;
-                    x0 = rx.count - 1;
-                }
+                // Only source pixels inside the bitmap take part: Wine clips the stepping line
+                // to the source (calc_1d_stretch_params), so a run partly off the bitmap is made
+                // of the pixels left in it. COLORONCOLOR keeps the first of those rows and the
+                // last of those columns; the other modes fold them all.
+                const bool keepOne = mode == COLORONCOLOR || mode == HALFTONE;
                 bool any = false;
                 std::uint32_t value = mode == WHITEONBLACK ? 0u : ~0u;
-                for (std::int64_t j = y0; j < y1; ++j) {
+                for (std::int64_t j = 0; j < ry.count; ++j) {
                     const std::int64_t srcY = sy + sDirY * (ry.first + j);
                     if (srcY < 0 || srcY >= from.height) continue;
-                    for (std::int64_t i = x0; i < x1; ++i) {
+                    for (std::int64_t i = rx.count; i-- > 0;) {
                         const std::int64_t srcX = sx + sDirX * (rx.first + i);
                         if (srcX < 0 || srcX >= from.width) continue;
                         const std::uint32_t s = srcAt(srcX, srcY);
-                        value = mode == WHITEONBLACK ? (value | s) : (value & s);
+                        value = keepOne ? s : mode == WHITEONBLACK ? (value | s) : (value & s);
                         any = true;
+                        if (keepOne) break;
                     }
+                    if (keepOne && any) break;
                 }
                 if (!any) continue;  // nothing to read: the destination stays as it was
                 out[px] = rop == SRCCOPY ? value : Rop3Apply(index, pattern, value, out[px]);

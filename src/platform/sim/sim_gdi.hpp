@@ -183,8 +183,12 @@ private:
     void StrokeFigure(DcObj& dc, std::span<const POINT> points, bool closed);
     // Returns the segment's pixel count, by which the dash phase advances.
     std::int64_t StrokeSegment(DcObj& dc, POINT a, POINT b, std::int64_t phase);
+    // The pixels a wide pen covers along the figure, cut to the bitmap rect dib.
     Region WideStrokeRegion(const PenObj& pen, std::span<const POINT> points, bool closed,
-                            const RECT& limit);
+                            const RECT& dib);
+    // A closed figure with its interior: a one-pixel pen draws over the painted interior; a
+    // wide pen's outline is worked out first and the interior minus it painted before it.
+    void PaintFigure(DcObj& dc, std::span<const POINT> outline, const Region* interior);
 
     // sim_shapes.cpp / sim_regions.cpp: fills.
     void FillClipped(DcObj& dc, const RECT& rect, RopPair rop);

@@ -1,6 +1,9 @@
 // SimGdi: pen strokes (LineTo, Polyline, figure outlines, wide pens).
 
 #include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdlib>
 #include <map>
 
 #include "platform/sim/sim_gdi.hpp"
@@ -77,7 +80,7 @@ void SimGdi::StrokeFigure(DcObj& dc, std::span<const POINT> points, bool closed)
     if (dc.penData.IsNull() || points.empty()) return;
     if (dc.penData.IsWide()) {
         // Wide strokes are painted as one region so overlapping segments hit a pixel only once.
-        PaintRegion(dc, WideStrokeRegion(dc.penData, points, closed, dc.visible.Box()), dc.penRop);
+        PaintRegion(dc, WideStrokeRegion(dc.penData, points, closed, dc.surface.Bounds()), dc.penRop);
         return;
     }
     // The dash pattern runs on through every segment and corner of one figure.
@@ -120,32 +123,104 @@ std::int64_t SimGdi::StrokeSegment(DcObj& dc, POINT a, POINT b, std::int64_t pha
     return line.n;
 }
 
-// A geometric pen of width w covers [c - w/2, c - w/2 + w) across each centre pixel c. Axis
-// lines become one rect reaching w/2 past both ends; slanted ones stamp a w x w square on every
-// pixel. FIXME: GDI rounds the caps and joins of CreatePen's wide pens; this keeps them square,
-// which matches for widths up to 3 and for the rectangle outlines built separately.
-Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const POINT> points, bool closed,
-                                const RECT& limit) {
-    const std::int32_t w = pen.width, f = w / 2;
-    RowBuilder rows(limit);
-    const std::size_t segments = closed ? points.size() : points.size() - 1;
-    if (points.size() == 1) rows.Add({points[0].x - f, points[0].y - f, points[0].x - f + w, points[0].y - f + w});
-    for (std::size_t i = 0; i < segments; ++i) {
-        const POINT a = points[i], b = points[(i + 1) % points.size()];
-        if (a.x == b.x || a.y == b.y) {
-            rows.Add({std::min(a.x, b.x) - f, std::min(a.y, b.y) - f, std::max(a.x, b.x) - f + w,
-                      std::max(a.y, b.y) - f + w});
-            continue;
-        }
-        const LineGeom line(a.x, a.y, b.x, b.y);
-        // Only centre pixels within w of the limit can reach it.
-        const auto [k0, k1] = line.RangeIn({limit.left - w, limit.top - w, limit.right + w, limit.bottom + w});
-        for (std::int64_t k = k0; k < k1; ++k) {
-            const POINT p = line.PixelAt(k);
-            rows.Add({p.x - f, p.y - f, p.x - f + w, p.y - f + w});
-        }
-        rows.Add({b.x - f, b.y - f, b.x - f + w, b.y - f + w});
+// Wide pens, as Wine's region-based stroker (dibdrv/objects.c wide_pen_lines,
+// wide_line_segments, wide_line_segment, add_cap, add_join): every segment contributes its
+// own shape, axis lines a w-wide rect between the end points and sloped ones a four-point
+// polygon with rounded half widths, and CreatePen's default round caps and joins are a small
+// elliptic region placed on each end point and each inner vertex. Their union is painted once,
+// so pixels covered by several pieces are hit a single time.
+namespace {
+
+std::int32_t RoundHalfAway(double v) {  // Wine's round() macro, truncated into a LONG
+    return static_cast<std::int32_t>(v > 0 ? v + 0.5 : v - 0.5);
+}
+
+bool Touches(const RECT& r, const RECT& dib) { return !Intersect(r, dib).IsEmpty(); }
+
+// Coordinates near the int32 limits plus half a pen width saturate instead of wrapping.
+std::int32_t Sat(std::int64_t v) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, INT32_MIN, INT32_MAX));
+}
+
+// One segment's shape (wide_line_segment with flat ends; the caps come separately).
+void AddWideSegment(RowBuilder& rows, std::int32_t w, POINT p1, POINT p2, const RECT& dib) {
+    const std::int64_t dx = std::int64_t{p2.x} - p1.x, dy = std::int64_t{p2.y} - p1.y;
+    if (dx == 0 && dy == 0) return;
+    if (dy == 0) {
+        const std::int64_t top = std::int64_t{p1.y} - w / 2;
+        rows.Add({std::min(p1.x, p2.x), Sat(top), std::max(p1.x, p2.x), Sat(top + w)});
+        return;
     }
+    if (dx == 0) {
+        const std::int64_t left = std::int64_t{p1.x} - w / 2;
+        rows.Add({Sat(left), std::min(p1.y, p2.y), Sat(left + w), std::max(p1.y, p2.y)});
+        return;
+    }
+    const double len = std::hypot(static_cast<double>(dx), static_cast<double>(dy));
+    const double widthX = static_cast<double>(w) * static_cast<double>(std::llabs(dy)) / len;
+    const double widthY = static_cast<double>(w) * static_cast<double>(std::llabs(dx)) / len;
+    POINT narrow{RoundHalfAway(widthX / 2), RoundHalfAway(widthY / 2)};
+    POINT wide{RoundHalfAway((widthX + 1) / 2), RoundHalfAway((widthY + 1) / 2)};
+    if (dx < 0) {
+        wide.y = -wide.y;
+        narrow.y = -narrow.y;
+    }
+    if (dy < 0) {
+        std::swap(narrow, wide);
+        wide.x = -wide.x;
+        narrow.x = -narrow.x;
+    }
+    auto at = [](POINT p, std::int64_t ox, std::int64_t oy) { return POINT{Sat(p.x + ox), Sat(p.y + oy)}; };
+    const POINT pts[4] = {at(p1, -narrow.x, narrow.y), at(p1, wide.x, -wide.y), at(p2, wide.x, -wide.y),
+                          at(p2, -narrow.x, narrow.y)};
+    // Wine tests this corner-built box against the bitmap before it builds the polygon.
+    RECT box;
+    if (dx > 0 && dy > 0) box = {pts[0].x, pts[1].y, pts[2].x, pts[3].y};
+    else if (dx > 0) box = {pts[1].x, pts[2].y, pts[3].x, pts[0].y};
+    else if (dy > 0) box = {pts[3].x, pts[0].y, pts[1].x, pts[2].y};
+    else box = {pts[2].x, pts[3].y, pts[0].x, pts[1].y};
+    if (!Touches(box, dib)) return;
+    Region::FromPolygon(pts, ALTERNATE, dib).ForEachRect([&](const RECT& r) { rows.Add(r); });
+}
+
+}  // namespace
+
+Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const POINT> all, bool closed,
+                                const RECT& dib) {
+    const std::int32_t w = pen.width;
+    RowBuilder rows(dib);
+    if (all.size() < 2) return rows.Build();
+    // Leading and trailing empty segments are dropped first.
+    std::size_t first = 0, num = all.size();
+    auto same = [](POINT a, POINT b) { return a.x == b.x && a.y == b.y; };
+    while (num > 2 && same(all[first], all[first + 1])) { ++first; --num; }
+    while (num > 2 && same(all[first + num - 1], all[first + num - 2])) --num;
+    const std::span<const POINT> pts = all.subspan(first, num);
+
+    // The round cap: CreateEllipticRgn(-(w/2), -(w/2), (w+1)/2 + 1, (w+1)/2 + 1).
+    const std::int32_t c0 = -(w / 2), c1 = (w + 1) / 2 + 1;
+    const Region cap = Region::FromRoundRect(c0, c0, c1, c1, c1 - c0, c1 - c0);
+    auto addCap = [&](POINT p) {
+        cap.ForEachRect([&](const RECT& r) {
+            rows.Add({Sat(std::int64_t{r.left} + p.x), Sat(std::int64_t{r.top} + p.y),
+                      Sat(std::int64_t{r.right} + p.x), Sat(std::int64_t{r.bottom} + p.y)});
+        });
+    };
+
+    const std::size_t count = closed ? num : num - 1;  // segments
+    if (!closed) {
+        addCap(pts.front());
+        addCap(pts.back());
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const POINT a = pts[i], b = pts[(i + 1) % num];
+        AddWideSegment(rows, w, a, b, dib);
+        // A round join at every inner vertex where a segment starts; an empty inner segment
+        // adds none, the last one always does (wide_line_segments).
+        const bool inner = i > 0;
+        if (inner && (i == count - 1 || !same(a, b))) addCap(a);
+    }
+    if (closed) addCap(pts.front());
     return rows.Build();
 }
 

@@ -105,7 +105,11 @@ int SimGdi::FillRect(HDC hdc, const RECT& rect, HBRUSH brush) {
 int SimGdi::FrameRect(HDC hdc, const RECT& rect, HBRUSH brush) {
     DcObj* dc = Dc(hdc);
     if (!dc || rect.IsEmpty()) return 0;
-    const BrushObj b = ResolveBrush(*dc, brush);
+    // Unlike FillRect, FrameRect selects the handle as it is (user32 FrameRect): a system colour
+    // number (COLOR_x + 1) or any other non-brush makes the selection fail and nothing is drawn.
+    const BrushObj* found = Find<BrushObj>(brush.value);
+    if (!found) return 0;
+    const BrushObj b = *found;
     const std::int32_t w = rect.Width(), h = rect.Height();
     PatBltBrush(*dc, rect.left, rect.top, 1, h, PATCOPY, b);
     PatBltBrush(*dc, rect.right - 1, rect.top, 1, h, PATCOPY, b);
@@ -149,19 +153,23 @@ bool SimGdi::Rectangle(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, 
     const PenObj& pen = dc->penData;
     const std::int32_t w = pen.IsNull() ? 0 : std::max(pen.width, 1);
     if (pen.style == PS_INSIDEFRAME && w > 1) {
-        // Keep the wide outline inside the rect.
+        // Keep the wide outline inside the rect (get_pen_device_rect); Wine does not check the
+        // shrunk rect again.
         l += w / 2;
         t += w / 2;
         r -= (w - 1) / 2;
         b -= (w - 1) / 2;
-        if (l >= r || t >= b) return true;
     }
     if (pen.IsWide()) {
-        const std::int32_t f = w / 2;
-        const Region outer = Region::FromRect({l - f, t - f, r - 1 - f + w, b - 1 - f + w});
-        const Region inner = Region::FromRect({l - f + w, t - f + w, r - 1 - f, b - 1 - f});
-        PaintRegion(*dc, Region::Combine(outer, inner, RGN_DIFF), dc->penRop);
-    } else if (!pen.IsNull()) {
+        // Start at the top-right corner and go counter-clockwise (dibdrv_Rectangle); the
+        // interior is the rect one short on the right and bottom, minus the outline.
+        const POINT corners[4] = {{r - 1, t}, {l, t}, {l, b - 1}, {r - 1, b - 1}};
+        const Region interior = Region::FromRect(
+            {std::min(l, r - 1), std::min(t, b - 1), std::max(l, r - 1), std::max(t, b - 1)});
+        PaintFigure(*dc, corners, dc->brushData.null ? nullptr : &interior);
+        return true;
+    }
+    if (!pen.IsNull()) {
         // Start at the top-right corner and go counter-clockwise: the dash phase of a styled
         // pen depends on it. Each corner is hit once as the start of the next side.
         const POINT corners[4] = {{r - 1, t}, {l, t}, {l, b - 1}, {r - 1, b - 1}};
@@ -175,29 +183,44 @@ bool SimGdi::Rectangle(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, 
     return true;
 }
 
+void SimGdi::PaintFigure(DcObj& dc, std::span<const POINT> outline, const Region* interior) {
+    if (!dc.penData.IsWide()) {
+        if (interior) PaintRegion(dc, *interior, dc.brushRop);
+        StrokeFigure(dc, outline, true);
+        return;
+    }
+    const Region pen = WideStrokeRegion(dc.penData, outline, true, dc.surface.Bounds());
+    if (interior) PaintRegion(dc, Region::Combine(*interior, pen, RGN_DIFF), dc.brushRop);
+    PaintRegion(dc, pen, dc.penRop);
+}
+
 bool SimGdi::RoundRect(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
                        std::int32_t ew, std::int32_t eh) {
     DcObj* dc = Dc(hdc);
     if (!dc) return false;
     Normalise(l, t, r, b);
     if (l == r || t == b) return true;
-    ew = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew)));
-    eh = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh)));
-    if (ew <= 2 || eh <= 2) return Rectangle(hdc, l, t, r, b);
+    const std::int32_t l0 = l, t0 = t, r0 = r, b0 = b;
     const PenObj& pen = dc->penData;
     if (pen.style == PS_INSIDEFRAME && pen.width > 1) {
         l += pen.width / 2;
         t += pen.width / 2;
         r -= (pen.width - 1) / 2;
         b -= (pen.width - 1) / 2;
-        if (l >= r || t >= b) return true;
     }
-    // The interior comes first and covers the whole box; the outline then overdraws its rim.
-    // The region call loses a pixel on the right and bottom, hence r + 1, b + 1.
-    if (!dc->brushData.null)
-        PaintRegion(*dc, Region::FromRoundRect(l, t, r + 1, b + 1, ew, eh), dc->brushRop);
+    // The corner is limited by the rect after the inside-frame shrink (dibdrv_RoundRect).
+    ew = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew)));
+    eh = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh)));
+    if (ew <= 2 || eh <= 2) return Rectangle(hdc, l0, t0, r0, b0);
+    // The interior covers the whole box; the region call loses a pixel on the right and
+    // bottom, hence r + 1, b + 1.
     const std::vector<POINT> outline = RoundRectOutline(l, t, r, b, ew, eh);
-    StrokeFigure(*dc, outline, true);
+    if (dc->brushData.null) {
+        PaintFigure(*dc, outline, nullptr);
+    } else {
+        const Region interior = Region::FromRoundRect(l, t, r + 1, b + 1, ew, eh);
+        PaintFigure(*dc, outline, &interior);
+    }
     return true;
 }
 
@@ -209,9 +232,12 @@ bool SimGdi::Ellipse(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, st
 bool SimGdi::Polygon(HDC hdc, std::span<const POINT> points) {
     DcObj* dc = Dc(hdc);
     if (!dc || points.size() < 2) return false;
-    if (!dc->brushData.null)
-        PaintRegion(*dc, Region::FromPolygon(points, ALTERNATE), dc->brushRop);
-    StrokeFigure(*dc, points, true);
+    if (dc->brushData.null) {
+        PaintFigure(*dc, points, nullptr);
+    } else {
+        const Region interior = Region::FromPolygon(points, ALTERNATE, dc->surface.Bounds());
+        PaintFigure(*dc, points, &interior);
+    }
     return true;
 }
 
