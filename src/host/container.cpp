@@ -69,6 +69,7 @@ platform::RECT Site::Bounds() const {
 }
 
 void Site::RequestExtent(std::int32_t width, std::int32_t height) {
+    if (loading_) return;
     if (width == extender_.Width && height == extender_.Height) return;
     extender_.Width = width;
     extender_.Height = height;
@@ -219,17 +220,26 @@ Site& Container::Create(std::string_view progId, Extender extender, Site* parent
 }
 
 void Container::Instantiate(Site& site, const PropertyBag* bag) {
+    struct Loading {
+        Site& site;
+        explicit Loading(Site& s) : site(s) { site.loading_ = true; }
+        ~Loading() { site.loading_ = false; }
+    };
     site.control_ = site.info_->create(context_);
-    site.control_->UserControl_Initialize();
-    site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
-    site.control_->AttachSite(&site);
-    PlaceWindow(site);
-    if (bag) {
-        PropertyBag copy = *bag;
-        site.control_->UserControl_ReadProperties(copy);
-    } else {
-        site.control_->UserControl_InitProperties();
+    {
+        const Loading loading(site);
+        site.control_->UserControl_Initialize();
+        site.control_->SetExtent(site.extender_.Width, site.extender_.Height);
+        site.control_->AttachSite(&site);
+        PlaceWindow(site);
+        if (bag) {
+            PropertyBag copy = *bag;
+            site.control_->UserControl_ReadProperties(copy);
+        } else {
+            site.control_->UserControl_InitProperties();
+        }
     }
+    PlaceWindow(site);
     site.control_->UserControl_Resize();
 }
 

@@ -66,6 +66,9 @@ private:
     Extender extender_;
     Site* parent_;
     std::shared_ptr<Control> control_;
+    // While the control loads, sizes it gives itself are not the extender's: the saved size is
+    // applied after loading, as a container places its controls once they are read.
+    bool loading_ = false;
 };
 
 // Receives what the sited controls raise and report, in the order it happens.

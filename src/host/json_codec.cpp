@@ -137,7 +137,11 @@ Variant Decode(const Json& j) {
         }
         case Json::value_t::object: {
             if (j.size() != 1) Malformed(j.dump());
-            const auto& [tag, inner] = *j.items().begin();
+            // The entry's key and value, held by the object itself (an items() proxy would not outlive
+            // this statement).
+            const auto entry = j.begin();
+            const std::string tag = entry.key();
+            const Json& inner = entry.value();
             try {
                 if (tag == "Integer") {
                     const auto n = inner.get<std::int64_t>();

@@ -32,7 +32,8 @@ int DigitValue(char c, int radix) {
 }
 
 // "&H..." / "&O...": a value up to 0xFFFF is an Integer and one up to 0xFFFFFFFF a Long, so
-// "&HFFFF" is -1 as the host reads it. Returns the number of characters used (0 if none).
+// "&HFFFF" is -1 as the host reads it; a trailing "&" makes it a Long ("&HFFFF&" is 65535).
+// Returns the number of characters used (0 if none).
 std::size_t ParseRadix(std::string_view s, double& out) {
     if (s.size() < 2 || s[0] != '&') return 0;
     int radix = 0;
@@ -53,9 +54,10 @@ std::size_t ParseRadix(std::string_view s, double& out) {
         out = 0;
         return i;
     }
-    if (value <= 0xFFFF) out = static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
+    const bool longSuffix = i < s.size() && s[i] == '&';
+    if (value <= 0xFFFF && !longSuffix) out = static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
     else out = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
-    return i;
+    return longSuffix ? i + 1 : i;
 }
 
 // Decimal number at the start of s: sign, digits, point, digits, exponent (E or D). Returns
@@ -200,13 +202,10 @@ std::optional<double> ParseNumber(std::string_view text) {
     if (text.empty()) return std::nullopt;
     double value = 0;
     std::size_t used = ParseRadix(text, value);
-    if (used > 2) {
-        // A trailing type character marks a Long literal ("&H8000000F&").
-        if (used < text.size() && text[used] == '&') ++used;
+    if (used > 0 && used <= 2) {
+        return std::nullopt;  // "&H" without digits
     } else if (used == 0) {
         used = ParseDecimal(text, value);
-    } else {
-        return std::nullopt;
     }
     if (used == 0 || used != text.size()) return std::nullopt;
     return value;

@@ -254,20 +254,37 @@ std::pair<Site*, std::string> ScriptRunner::Member(const std::string& dotted) co
 platform::POINT ScriptRunner::PointOf(const Line& line) const {
     const auto& w = line.words;
     if (w.size() == 3 && IsInteger(w[1])) return {std::stoi(w[1]), std::stoi(w[2])};
-    Site* site = form_.Find(w[1]);
-    if (!site) throw NoControl(w[1]);
     platform::Windows& windows = platform_.windows();
     platform::RECT r;
-    if (platform::HWND window = site->GetControl().SurfaceWindow()) {
-        windows.GetWindowRect(window, &r);
+    if (Lower(w[1]) == "top") {
+        const platform::HWND top = TopWindow();
+        if (!top || !windows.GetWindowRect(top, &r)) throw HostError(kErrInvalidCall, "There is no window on the screen", "korvex");
     } else {
-        const platform::POINT origin = windows.ClientToScreen(form_.FormWindow(), {0, 0});
-        const platform::RECT b = site->Bounds();
-        r = {origin.x + form_.TwipsToPixelsX(b.left), origin.y + form_.TwipsToPixelsY(b.top),
-             origin.x + form_.TwipsToPixelsX(b.right), origin.y + form_.TwipsToPixelsY(b.bottom)};
+        Site* site = form_.Find(w[1]);
+        if (!site) throw NoControl(w[1]);
+        if (platform::HWND window = site->GetControl().SurfaceWindow()) {
+            windows.GetWindowRect(window, &r);
+        } else {
+            const platform::POINT origin = windows.ClientToScreen(form_.FormWindow(), {0, 0});
+            const platform::RECT b = site->Bounds();
+            r = {origin.x + form_.TwipsToPixelsX(b.left), origin.y + form_.TwipsToPixelsY(b.top),
+                 origin.x + form_.TwipsToPixelsX(b.right), origin.y + form_.TwipsToPixelsY(b.bottom)};
+        }
     }
-    if (w.size() == 4) return {r.left + std::stoi(w[2]), r.top + std::stoi(w[3])};
+    if (w.size() == 4) {
+        // Offsets count from the left and top edges, negative ones from the right and bottom.
+        const int dx = std::stoi(w[2]), dy = std::stoi(w[3]);
+        return {dx < 0 ? r.right + dx : r.left + dx, dy < 0 ? r.bottom + dy : r.top + dy};
+    }
     return {(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+}
+
+platform::HWND ScriptRunner::TopWindow() const {
+    platform::Windows& windows = platform_.windows();
+    for (platform::HWND candidate : windows.ZOrder({})) {
+        if (windows.IsWindowVisible(candidate)) return candidate;
+    }
+    return {};
 }
 
 void ScriptRunner::Execute(const Line& line) {
@@ -342,12 +359,7 @@ void ScriptRunner::Execute(const Line& line) {
             if (which == "form") {
                 window = form_.FormWindow();
             } else if (which == "top") {
-                for (platform::HWND candidate : windows.ZOrder({})) {
-                    if (windows.IsWindowVisible(candidate)) {
-                        window = candidate;
-                        break;
-                    }
-                }
+                window = TopWindow();
             } else {
                 Site* site = form_.Find(w[2]);
                 if (!site) throw NoControl(w[2]);

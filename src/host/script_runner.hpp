@@ -6,12 +6,14 @@
 //   NAME.METHOD = VALUE           error N: TEXT
 //
 // Script lines ('#' starts a comment; coordinates are screen pixels):
-//   move X Y | move NAME [DX DY]        down [left|right|middle] [shift=N] | up [BUTTON]
+//   move X Y | move NAME|top [DX DY]    down [left|right|middle] [shift=N] | up [BUTTON]
 //   click [BUTTON] | dblclick           key down CODE [shift=N] | key up CODE | key press ASCII
 //   type TEXT | focus NAME | wait MS    set NAME.PROPERTY VALUE | get NAME.PROPERTY
 //   call NAME.METHOD [ARG ...]          design | runmode | save FILE.json
 //   snapshot FILE.png [NAME|form|top]   the screen, or one window: a control, the form, or the
 //                                       topmost window (a modal box)
+// "move NAME" goes to the centre of a control, "move top" of the topmost window; with DX DY it
+// goes that far from the top-left corner, and negative offsets count from the right or bottom.
 //
 // Values: numbers (whole numbers are Long, others Double, &H hex), "quoted text" (a doubled quote
 // inside stands for one), True, False, Nothing. A host error inside a step is reported and the
@@ -68,6 +70,8 @@ private:
     void Execute(const Line& line);
     void Validate(const Line& line) const;
     platform::POINT PointOf(const Line& line) const;
+    // The topmost visible top-level window (a modal box), or zero.
+    platform::HWND TopWindow() const;
     std::pair<Site*, std::string> Member(const std::string& dotted) const;
 
     Container& form_;

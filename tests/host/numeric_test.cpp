@@ -78,6 +78,7 @@ TEST(HostNumbers, ValReadsTheLeadingNumber) {
     EXPECT_EQ(Val("1,5"), 1);  // only a point separates decimals
     EXPECT_EQ(Val("&HFF"), 255);
     EXPECT_EQ(Val("&HFFFF"), -1);
+    EXPECT_EQ(Val("&HFFFF&"), 65535);  // the type character makes it a Long
     EXPECT_EQ(Val("&H10000"), 65536);
     EXPECT_EQ(Val("&O17"), 15);
     EXPECT_EQ(Val("-"), 0);
@@ -87,6 +88,9 @@ TEST(HostNumbers, StrictParseNeedsTheWholeText) {
     EXPECT_EQ(ParseNumber(" 42 "), 42);
     EXPECT_EQ(ParseNumber("-1.5e2"), -150);
     EXPECT_EQ(ParseNumber("&H8000000F&"), -2147483633.0);
+    EXPECT_EQ(ParseNumber("&HFF00&"), 65280);
+    EXPECT_EQ(ParseNumber("&HFF00"), -256);
+    EXPECT_FALSE(ParseNumber("&H").has_value());
     EXPECT_FALSE(ParseNumber("12abc").has_value());
     EXPECT_FALSE(ParseNumber("").has_value());
     EXPECT_FALSE(ParseNumber("1 2").has_value());
