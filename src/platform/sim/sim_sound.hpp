@@ -3,9 +3,13 @@
 // or opened; every request is recorded with its virtual time, and the sound device keeps track
 // of what each of its two channels is playing (PlaySoundA's and sndPlaySoundA's are separate,
 // as on the platform), honouring stop, purge, replacement, looping and each sound's length.
+// What was heard can be rendered into a WAVE file, so a person can listen to a session.
 
+#include <cstdint>
+#include <filesystem>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,6 +32,16 @@ struct SoundRequest {
 // image is not a PCM wave the device understands.
 std::optional<std::int64_t> WaveDurationMs(std::span<const std::uint8_t> image);
 
+// The format and sample bytes of a PCM "WAVE" image (8 or 16 bits, any rate and channel count);
+// nullopt for anything else.
+struct WaveFormat {
+    std::uint16_t channels = 0;
+    std::uint32_t sampleRate = 0;
+    std::uint16_t bitsPerSample = 0;
+    std::span<const std::uint8_t> data;
+};
+std::optional<WaveFormat> ParseWave(std::span<const std::uint8_t> image);
+
 class SimSound final : public Sound {
 public:
     explicit SimSound(Clock& clock) : clock_(clock) {}
@@ -43,8 +57,19 @@ public:
     // The request a channel is playing at the current virtual time, if any.
     [[nodiscard]] const SoundRequest* Playing(SoundRequest::Channel channel) const;
 
+    // What both channels played from virtual time 0 to endTime, mixed: mono, 16-bit,
+    // kRenderRate samples a second. A sound is cut where a later request on its channel
+    // replaced or stopped it; a looping one repeats until then. Without endTime the timeline
+    // runs to the current virtual time or to the end of the last sound, whichever is later.
+    static constexpr std::uint32_t kRenderRate = 22050;
+    [[nodiscard]] std::vector<std::int16_t> RenderTimeline(std::optional<std::int64_t> endTime = {}) const;
+    // The same timeline as a WAVE file; false when the file cannot be written.
+    bool WriteWav(const std::filesystem::path& path, std::optional<std::int64_t> endTime = {}) const;
+
 private:
     bool Start(SoundRequest request, std::span<const std::uint8_t> image);
+    // The image a request played: its own copy, or the named sound's.
+    [[nodiscard]] std::span<const std::uint8_t> ImageOf(const SoundRequest& request) const;
 
     Clock& clock_;
     std::map<std::string, std::vector<std::uint8_t>, std::less<>> named_;
