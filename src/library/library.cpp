@@ -1,9 +1,20 @@
 #include "library/library.hpp"
 
+#include "controls/display/frames.hpp"
+#include "controls/display/hyperlink.hpp"
+#include "controls/display/label3d.hpp"
+#include "controls/display/line3d.hpp"
+#include "dialog/about_box.hpp"
+
 namespace korvex {
 
 void RegisterLibrary(host::HostContext& context) {
     // Each control adds its own table here as it joins the library.
+    context.Classes().Register(controls::Line3D::Class());
+    context.Classes().Register(controls::Label3D::Class());
+    context.Classes().Register(controls::Frames::Class());
+    context.Classes().Register(controls::Hyperlink::Class());
+    if (context.Platform()) context.SetAboutBox([&context] { dialog::ShowAboutBox(context); });
     (void)context;
 }
 
