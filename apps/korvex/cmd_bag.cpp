@@ -5,9 +5,8 @@
 #include <string>
 
 #include "commands.hpp"
-#include "library/library.hpp"
-#include "host/container.hpp"
 #include "host/json_codec.hpp"
+#include "session.hpp"
 
 namespace korvex::cli {
 
@@ -16,13 +15,13 @@ int RunBag(Args args) {
         std::fprintf(stderr, "usage: korvex bag FORM.json\n");
         return 2;
     }
-    host::HostContext context;
-    RegisterLibrary(context);
-    host::Container form(context);
-    form.LoadFile(std::string(args[0]));
+    Session session;
+    session.Open(ReadFormFile(std::string(args[0])));
 
     host::json::Json out = host::json::Json::object();
-    for (host::Site* site : form.Sites()) out[site->Name()] = host::json::EncodeBag(form.SaveBag(*site));
+    for (host::Site* site : session.form.Sites()) {
+        out[site->Name()] = host::json::EncodeBag(session.form.SaveBag(*site));
+    }
     std::printf("%s\n", out.dump(2).c_str());
     return 0;
 }

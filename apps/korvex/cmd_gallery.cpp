@@ -54,6 +54,15 @@ Json Font(const std::string& name, double size, bool bold) {
     return Json{{"Font", {{"Name", name}, {"Size", size}, {"Bold", bold}}}};
 }
 
+// A Label3D's font as a saved form holds it: the font and the single attributes that override it.
+Json Label3DFont(Json props, const std::string& name, std::int16_t size, bool bold) {
+    props["Font"] = Font(name, size, bold);
+    props["FontBold"] = Json{{"Integer", bold ? -1 : 0}};
+    props["FontName"] = name;
+    props["FontSize"] = Json{{"Integer", size}};
+    return props;
+}
+
 // ---------------------------------------------------------------------------------------------
 // The tiles
 
@@ -76,20 +85,21 @@ Section Label3DSection() {
     auto grid = [&](bool transparent) {
         Json controls = Json::array();
         for (int mode = 0; mode < 9; ++mode) {
-            Json props = {{"Font", Font("Arial", 12, true)}, {"Caption", kModes[mode]},
-                          {"TextMode", Json{{"Integer", mode}}}, {"xDist", Json{{"Integer", 30}}}};
-            if (transparent) props["BackStyle"] = 1;
-            else props["BackColorL"] = 0x00E1FFFF;
+            Json props = Label3DFont({{"Caption", kModes[mode]}, {"TextMode", Json{{"Integer", mode}}},
+                                      {"xDist", Json{{"Integer", 30}}}, {"BackStyle", transparent ? 1 : 0}},
+                                     "Arial", 12, true);
             controls.push_back(Control("Label3D", "L" + std::to_string(mode), 120 + (mode % 3) * 3720,
                                        120 + (mode / 3) * 600, 3600, 480, props));
         }
         return controls;
     };
     Json focused = Json::array({Control("Label3D", "L1", 120, 120, 3600, 480,
-                                        {{"Font", Font("Arial", 12, true)}, {"Caption", "Fokus: Enter klickt"},
-                                         {"FocusRect", true}, {"xDist", Json{{"Integer", 30}}}})});
+                                        Label3DFont({{"Caption", "Fokus: Enter klickt"}, {"FocusRect", true},
+                                                     {"xDist", Json{{"Integer", 30}}}},
+                                                    "Arial", 12, true))});
     return {"Label3D",
-            {{"label3d-opaque.png", "the nine text modes, opaque on a light background", Form(11400, 2040, grid(false))},
+            {{"label3d-opaque.png", "the nine text modes, opaque (the button face behind the text) on a white form",
+              Form(11400, 2040, grid(false), 0x00FFFFFF)},
              {"label3d-transparent.png", "the nine text modes, transparent on a white form",
               Form(11400, 2040, grid(true), 0x00FFFFFF)},
              {"label3d-focused.png", "FocusRect on, focused: the shadow takes the focus colour",
@@ -145,7 +155,7 @@ Section AboutSection() {
     Json controls = Json::array({Control("Hyperlink", "H1", 240, 240, 2880, 600)});
     return {"About box",
             {{"about.png", "frmAbout, opened by ShowAboutBox", Form(3360, 1080, controls),
-              "call H1.ShowAboutBox\nsnapshot about.png top\n", "top"}}};
+              "call H1.ShowAboutBox\nsnapshot about.png top\nmove top -11 11\nclick\n", "top"}}};
 }
 
 // ---------------------------------------------------------------------------------------------

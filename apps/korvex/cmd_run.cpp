@@ -25,12 +25,6 @@ std::string ReadAll(std::istream& in) {
 }
 
 
-// The form file's text; the host's file-not-found error when it cannot be read.
-std::string ReadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "korvex");
-    return ReadAll(in);
-}
 
 }  // namespace
 
@@ -62,7 +56,7 @@ int RunForm(Args args) {
     }
 
     Session session;
-    session.Open(ReadFile(formPath));
+    session.Open(ReadFormFile(formPath));
     host::ScriptRunner runner(session.form, std::cout, outDir);
     try {
         runner.Run(script);
@@ -85,7 +79,7 @@ int RenderForm(Args args) {
         return 2;
     }
     Session session;
-    session.Open(ReadFile(formPath));
+    session.Open(ReadFormFile(formPath));
     platform::Windows& windows = session.platform.windows();
     std::vector<std::uint32_t> pixels = windows.ComposeWindow(session.form.FormWindow());
     platform::RECT r;

@@ -2,6 +2,8 @@
 // A form on a fresh virtual screen with the whole library registered: what korvex run, render
 // and gallery show.
 
+#include <fstream>
+#include <sstream>
 #include <string>
 
 #include "host/container.hpp"
@@ -9,6 +11,15 @@
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::cli {
+
+// A form file's text; the host's file-not-found error when it cannot be read.
+inline std::string ReadFormFile(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    if (!in) throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "korvex");
+    std::stringstream text;
+    text << in.rdbuf();
+    return text.str();
+}
 
 struct Session {
     platform::sim::SimPlatform platform;
