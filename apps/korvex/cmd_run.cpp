@@ -29,18 +29,19 @@ std::string ReadAll(std::istream& in) {
 }  // namespace
 
 int RunForm(Args args) {
-    std::string formPath, scriptPath, outDir = ".";
+    std::string formPath, scriptPath, wavPath, outDir = ".";
     for (std::size_t i = 0; i < args.size(); ++i) {
         if (args[i] == "--script" && i + 1 < args.size()) scriptPath = args[++i];
+        else if (args[i] == "--wav" && i + 1 < args.size()) wavPath = args[++i];
         else if (args[i] == "--out" && i + 1 < args.size()) outDir = args[++i];
         else if (formPath.empty() && !args[i].starts_with("--")) formPath = args[i];
         else {
-            std::fprintf(stderr, "usage: korvex run FORM.json [--script FILE] [--out DIR]\n");
+            std::fprintf(stderr, "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
             return 2;
         }
     }
     if (formPath.empty()) {
-        std::fprintf(stderr, "usage: korvex run FORM.json [--script FILE] [--out DIR]\n");
+        std::fprintf(stderr, "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
         return 2;
     }
     std::string script;
@@ -63,6 +64,11 @@ int RunForm(Args args) {
     } catch (const host::ScriptError& e) {
         std::cout.flush();
         std::fprintf(stderr, "korvex run: %s\n", e.what());
+        return 1;
+    }
+    // What the controls played, along the virtual timeline, for a person to listen to.
+    if (!wavPath.empty() && !session.platform.sound().WriteWav(wavPath)) {
+        std::fprintf(stderr, "korvex run: cannot write %s\n", wavPath.c_str());
         return 1;
     }
     return 0;

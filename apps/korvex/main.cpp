@@ -22,7 +22,7 @@ constexpr std::array kCommands = {
     Command{"help", "korvex help", "shows this text", Help},
     Command{"version", "korvex version", "prints the version", Version},
     Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
-    Command{"run", "korvex run FORM.json [--script FILE] [--out DIR]",
+    Command{"run", "korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]",
             "runs a form with a script of input, prints its events", RunForm},
     Command{"render", "korvex render FORM.json -o FILE.png", "renders a form as it looks at run time",
             RenderForm},
