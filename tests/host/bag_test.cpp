@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/error_of.hpp"
+
 #include "base/error.hpp"
 #include "host/font.hpp"
 #include "host/property_bag.hpp"
@@ -7,17 +9,9 @@
 
 using namespace korvex::host;
 
-namespace {
+using korvex::test::ErrorOf;
 
-template <class Fn>
-int ErrorOf(Fn fn) {
-    try {
-        fn();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+namespace {
 
 TEST(PropertyBag, ValueEqualToWriteDefaultIsNotStored) {
     PropertyBag bag;

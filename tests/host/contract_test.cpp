@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/error_of.hpp"
+
 #include <filesystem>
 
 #include "host/container.hpp"
@@ -10,17 +12,9 @@ using namespace korvex::host;
 using korvex::test::pMode;
 using korvex::test::Probe;
 
-namespace {
+using korvex::test::ErrorOf;
 
-template <class Fn>
-int ErrorOf(Fn fn) {
-    try {
-        fn();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+namespace {
 
 // Records what the container's controls raise and report, as a script runner prints it.
 class Recorder final : public EventSink {

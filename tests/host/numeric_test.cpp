@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "support/error_of.hpp"
+
 #include <cmath>
 #include <limits>
 
@@ -8,18 +10,9 @@
 
 using namespace korvex::host;
 
-namespace {
+using korvex::test::ErrorOf;
 
-// Runs fn and returns the host error number it raised, or 0.
-template <class Fn>
-int ErrorOf(Fn fn) {
-    try {
-        fn();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+namespace {
 
 TEST(HostNumbers, ConversionRoundsHalfToEven) {
     EXPECT_EQ(ToInteger(2.5), 2);

@@ -1,22 +1,16 @@
 #include <gtest/gtest.h>
 
+#include "support/error_of.hpp"
+
 #include "base/error.hpp"
 #include "host/font.hpp"
 #include "host/variant.hpp"
 
 using namespace korvex::host;
 
-namespace {
+using korvex::test::ErrorOf;
 
-template <class Fn>
-int ErrorOf(Fn fn) {
-    try {
-        fn();
-    } catch (const HostError& e) {
-        return e.Number();
-    }
-    return 0;
-}
+namespace {
 
 TEST(HostVariant, ConversionFollowsTheHostRules) {
     EXPECT_EQ(Variant(true).ToInteger(), -1);

@@ -5,6 +5,7 @@
 //
 // Sections: pixels and colours · ROP2 pairs · ROP3 · surfaces and spans · cosmetic lines
 
+#include <algorithm>
 #include <cassert>
 #include <cstdint>
 #include <utility>
@@ -159,6 +160,19 @@ struct DashPattern {
         return period == 0 || ((onBits >> static_cast<unsigned>(k % period)) & 1u) != 0;
     }
 };
+
+inline RECT Intersect(const RECT& a, const RECT& b) {
+    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
+            std::min(a.bottom, b.bottom)};
+}
+
+// Blit-family extents: a negative width at x covers [x+w+1, x+1), the anchor pixel included.
+inline RECT BlitRect(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
+    RECT r{x, y, x + w, y + h};
+    if (w < 0) r = {x + w + 1, r.top, x + 1, r.bottom};
+    if (h < 0) r = {r.left, y + h + 1, r.right, y + 1};
+    return r;
+}
 
 // Draws pixels [i0, i1) of the line, all of which lie inside the surface. Pixel i uses pattern
 // position phase + i; gaps use gapRop when drawGaps is set and are skipped otherwise.

@@ -20,18 +20,6 @@ namespace korvex::platform::sim {
 
 namespace {
 
-RECT Intersect(const RECT& a, const RECT& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
-RECT BlitRect(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
-    RECT r{x, y, x + w, y + h};
-    if (w < 0) r = {x + w + 1, r.top, x + 1, r.bottom};
-    if (h < 0) r = {r.left, y + h + 1, r.right, y + 1};
-    return r;
-}
-
 struct Run {
     std::int64_t first = 0;  // source offset from the anchor
     std::int64_t count = 1;

@@ -10,19 +10,6 @@ namespace korvex::platform::sim {
 
 namespace {
 
-RECT Intersect(const RECT& a, const RECT& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
-// Blit-family extents: a negative width at x covers [x+w+1, x+1), the anchor pixel included.
-RECT BlitRect(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
-    RECT r{x, y, x + w, y + h};
-    if (w < 0) r = {x + w + 1, r.top, x + 1, r.bottom};
-    if (h < 0) r = {r.left, y + h + 1, r.right, y + 1};
-    return r;
-}
-
 void Normalise(std::int32_t& l, std::int32_t& t, std::int32_t& r, std::int32_t& b) {
     if (l > r) std::swap(l, r);
     if (t > b) std::swap(t, b);

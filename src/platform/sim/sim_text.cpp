@@ -12,11 +12,6 @@ namespace {
 
 constexpr unsigned kUpdateCp = 1;  // TA_UPDATECP
 
-RECT Intersect(const RECT& a, const RECT& b) {
-    return {std::max(a.left, b.left), std::max(a.top, b.top), std::min(a.right, b.right),
-            std::min(a.bottom, b.bottom)};
-}
-
 }  // namespace
 
 const LOGFONT& SimGdi::SelectedFont(const DcObj& dc) {
