@@ -97,7 +97,7 @@ constexpr std::array kConstants = {
 class Runner;
 using Handler = void (*)(Runner&, const GdiScriptCall&);
 
-struct CallSpec {
+struct CallDef {
     std::string_view name;
     std::string_view signature;
     std::string_view usage;
@@ -163,19 +163,19 @@ std::vector<POINT> Points(const GdiScriptCall& c, std::size_t first) {
 }
 
 constexpr std::array kCalls = {
-    CallSpec{"CreatePen", "niii", "NAME STYLE WIDTH COLOR",
+    CallDef{"CreatePen", "niii", "NAME STYLE WIDTH COLOR",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().CreatePen(I(c, 0), I(c, 1), C(c, 2)));
              }},
-    CallSpec{"CreateSolidBrush", "ni", "NAME COLOR",
+    CallDef{"CreateSolidBrush", "ni", "NAME COLOR",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().CreateSolidBrush(C(c, 0)));
              }},
-    CallSpec{"GetStockObject", "ni", "NAME INDEX",
+    CallDef{"GetStockObject", "ni", "NAME INDEX",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().GetStockObject(I(c, 0)));
              }},
-    CallSpec{"CreateFont", "niit", "NAME HEIGHT WEIGHT FACE",
+    CallDef{"CreateFont", "niit", "NAME HEIGHT WEIGHT FACE",
              [](Runner& r, const GdiScriptCall& c) {
                  LOGFONT font;
                  font.lfHeight = I(c, 0);
@@ -183,133 +183,133 @@ constexpr std::array kCalls = {
                  font.lfFaceName = c.words.at(1);
                  r.Define(c, r.gdi().CreateFontIndirect(font));
              }},
-    CallSpec{"CreateRectRgn", "niiii", "NAME L T R B",
+    CallDef{"CreateRectRgn", "niiii", "NAME L T R B",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().CreateRectRgn(I(c, 0), I(c, 1), I(c, 2), I(c, 3)));
              }},
-    CallSpec{"CreateRoundRectRgn", "niiiiii", "NAME L T R B W H",
+    CallDef{"CreateRoundRectRgn", "niiiiii", "NAME L T R B W H",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().CreateRoundRectRgn(I(c, 0), I(c, 1), I(c, 2), I(c, 3), I(c, 4),
                                                         I(c, 5)));
              }},
-    CallSpec{"CreateEllipticRgn", "niiii", "NAME L T R B",
+    CallDef{"CreateEllipticRgn", "niiii", "NAME L T R B",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().CreateEllipticRgn(I(c, 0), I(c, 1), I(c, 2), I(c, 3)));
              }},
-    CallSpec{"CreatePolygonRgn", "nip", "NAME MODE X1 Y1 X2 Y2 ...",
+    CallDef{"CreatePolygonRgn", "nip", "NAME MODE X1 Y1 X2 Y2 ...",
              [](Runner& r, const GdiScriptCall& c) {
                  const std::vector<POINT> points = Points(c, 1);
                  r.Define(c, r.gdi().CreatePolygonRgn(points, I(c, 0)));
              }},
-    CallSpec{"CombineRgn", "oooi", "DEST SRC1 SRC2 MODE",
+    CallDef{"CombineRgn", "oooi", "DEST SRC1 SRC2 MODE",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().CombineRgn(r.Object(c, 0), r.Object(c, 1), r.Object(c, 2), I(c, 0));
              }},
-    CallSpec{"OffsetRgn", "oii", "RGN DX DY",
+    CallDef{"OffsetRgn", "oii", "RGN DX DY",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().OffsetRgn(r.Object(c, 0), I(c, 0), I(c, 1));
              }},
-    CallSpec{"SelectObject", "o", "NAME",
+    CallDef{"SelectObject", "o", "NAME",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().SelectObject(r.dc(), r.Object(c, 0));
              }},
-    CallSpec{"DeleteObject", "o", "NAME",
+    CallDef{"DeleteObject", "o", "NAME",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().DeleteObject(r.Object(c, 0));
                  r.Forget(c, 0);
              }},
-    CallSpec{"MoveToEx", "ii", "X Y",
+    CallDef{"MoveToEx", "ii", "X Y",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().MoveToEx(r.dc(), I(c, 0), I(c, 1), nullptr);
              }},
-    CallSpec{"LineTo", "ii", "X Y",
+    CallDef{"LineTo", "ii", "X Y",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().LineTo(r.dc(), I(c, 0), I(c, 1)); }},
-    CallSpec{"Polyline", "p", "X1 Y1 X2 Y2 ...",
+    CallDef{"Polyline", "p", "X1 Y1 X2 Y2 ...",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().Polyline(r.dc(), Points(c, 0)); }},
-    CallSpec{"Polygon", "p", "X1 Y1 X2 Y2 ...",
+    CallDef{"Polygon", "p", "X1 Y1 X2 Y2 ...",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().Polygon(r.dc(), Points(c, 0)); }},
-    CallSpec{"Rectangle", "iiii", "L T R B",
+    CallDef{"Rectangle", "iiii", "L T R B",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().Rectangle(r.dc(), I(c, 0), I(c, 1), I(c, 2), I(c, 3));
              }},
-    CallSpec{"RoundRect", "iiiiii", "L T R B W H",
+    CallDef{"RoundRect", "iiiiii", "L T R B W H",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().RoundRect(r.dc(), I(c, 0), I(c, 1), I(c, 2), I(c, 3), I(c, 4), I(c, 5));
              }},
-    CallSpec{"Ellipse", "iiii", "L T R B",
+    CallDef{"Ellipse", "iiii", "L T R B",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().Ellipse(r.dc(), I(c, 0), I(c, 1), I(c, 2), I(c, 3));
              }},
-    CallSpec{"FillRect", "iiiio", "L T R B BRUSH",
+    CallDef{"FillRect", "iiiio", "L T R B BRUSH",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().FillRect(r.dc(), R(c, 0), r.Object(c, 0));
              }},
-    CallSpec{"FrameRect", "iiiio", "L T R B BRUSH",
+    CallDef{"FrameRect", "iiiio", "L T R B BRUSH",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().FrameRect(r.dc(), R(c, 0), r.Object(c, 0));
              }},
-    CallSpec{"InvertRect", "iiii", "L T R B",
+    CallDef{"InvertRect", "iiii", "L T R B",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().InvertRect(r.dc(), R(c, 0)); }},
-    CallSpec{"PatBlt", "iiiii", "X Y W H ROP",
+    CallDef{"PatBlt", "iiiii", "X Y W H ROP",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().PatBlt(r.dc(), I(c, 0), I(c, 1), I(c, 2), I(c, 3), C(c, 4));
              }},
-    CallSpec{"FillRgn", "oo", "RGN BRUSH",
+    CallDef{"FillRgn", "oo", "RGN BRUSH",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().FillRgn(r.dc(), r.Object(c, 0), r.Object(c, 1));
              }},
-    CallSpec{"FrameRgn", "ooii", "RGN BRUSH W H",
+    CallDef{"FrameRgn", "ooii", "RGN BRUSH W H",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().FrameRgn(r.dc(), r.Object(c, 0), r.Object(c, 1), I(c, 0), I(c, 1));
              }},
-    CallSpec{"PaintRgn", "o", "RGN",
+    CallDef{"PaintRgn", "o", "RGN",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().PaintRgn(r.dc(), r.Object(c, 0)); }},
-    CallSpec{"SelectClipRgn", "o", "RGN|none",
+    CallDef{"SelectClipRgn", "o", "RGN|none",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().SelectClipRgn(r.dc(), r.Object(c, 0));
              }},
-    CallSpec{"DrawEdge", "iiiiii", "L T R B EDGE FLAGS",
+    CallDef{"DrawEdge", "iiiiii", "L T R B EDGE FLAGS",
              [](Runner& r, const GdiScriptCall& c) {
                  RECT rect = R(c, 0);
                  r.gdi().DrawEdge(r.dc(), &rect, static_cast<unsigned>(C(c, 4)),
                                   static_cast<unsigned>(C(c, 5)));
              }},
-    CallSpec{"SetROP2", "i", "MODE",
+    CallDef{"SetROP2", "i", "MODE",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().SetROP2(r.dc(), I(c, 0)); }},
-    CallSpec{"SetPixel", "iii", "X Y COLOR",
+    CallDef{"SetPixel", "iii", "X Y COLOR",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().SetPixel(r.dc(), I(c, 0), I(c, 1), C(c, 2));
              }},
-    CallSpec{"SetBkMode", "i", "MODE",
+    CallDef{"SetBkMode", "i", "MODE",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().SetBkMode(r.dc(), I(c, 0)); }},
-    CallSpec{"SetBkColor", "i", "COLOR",
+    CallDef{"SetBkColor", "i", "COLOR",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().SetBkColor(r.dc(), C(c, 0)); }},
-    CallSpec{"SetTextColor", "i", "COLOR",
+    CallDef{"SetTextColor", "i", "COLOR",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().SetTextColor(r.dc(), C(c, 0)); }},
-    CallSpec{"SetTextAlign", "i", "ALIGN",
+    CallDef{"SetTextAlign", "i", "ALIGN",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().SetTextAlign(r.dc(), static_cast<unsigned>(C(c, 0)));
              }},
-    CallSpec{"SetStretchBltMode", "i", "MODE",
+    CallDef{"SetStretchBltMode", "i", "MODE",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().SetStretchBltMode(r.dc(), I(c, 0)); }},
-    CallSpec{"BitBlt", "iiiiiii", "DX DY W H SX SY ROP",
+    CallDef{"BitBlt", "iiiiiii", "DX DY W H SX SY ROP",
              [](Runner& r, const GdiScriptCall& c) {
                  const HDC dc = r.dc();  // the canvas is its own source
                  r.gdi().BitBlt(dc, I(c, 0), I(c, 1), I(c, 2), I(c, 3), dc, I(c, 4), I(c, 5), C(c, 6));
              }},
-    CallSpec{"StretchBlt", "iiiiiiiii", "DX DY DW DH SX SY SW SH ROP",
+    CallDef{"StretchBlt", "iiiiiiiii", "DX DY DW DH SX SY SW SH ROP",
              [](Runner& r, const GdiScriptCall& c) {
                  const HDC dc = r.dc();
                  r.gdi().StretchBlt(dc, I(c, 0), I(c, 1), I(c, 2), I(c, 3), dc, I(c, 4), I(c, 5),
                                     I(c, 6), I(c, 7), C(c, 8));
              }},
-    CallSpec{"SetSysColor", "ii", "INDEX COLOR",
+    CallDef{"SetSysColor", "ii", "INDEX COLOR",
              [](Runner& r, const GdiScriptCall& c) {
                  const int index = I(c, 0);
                  const COLORREF color = C(c, 1);
                  r.gdi().SetSysColors(std::span(&index, 1), std::span(&color, 1));
              }},
-    CallSpec{"TextOut", "iit", "X Y TEXT",
+    CallDef{"TextOut", "iit", "X Y TEXT",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().TextOut(r.dc(), I(c, 0), I(c, 1), c.words.at(0));
              }},
@@ -394,22 +394,22 @@ std::string WrongCount(std::string_view name, std::string_view usage, std::size_
            (got == 1 ? " argument" : " arguments");
 }
 
-// Fills `call` from the tokens after the call name according to `spec`.
-void ParseArguments(const CallSpec& spec, std::string_view line, const std::vector<Token>& tokens,
+// Fills `call` from the tokens after the call name according to `def`.
+void ParseArguments(const CallDef& def, std::string_view line, const std::vector<Token>& tokens,
                     GdiScriptCall& call) {
     const std::size_t given = tokens.size() - 1;
     std::size_t next = 1;
-    for (const char kind : spec.signature) {
+    for (const char kind : def.signature) {
         if (kind == 'p') {
             const std::size_t rest = tokens.size() - next;
             if (rest == 0 || rest % 2 != 0)
-                throw GdiScriptError(call.line, WrongCount(spec.name, spec.usage, given));
+                throw GdiScriptError(call.line, WrongCount(def.name, def.usage, given));
             for (; next < tokens.size(); ++next)
                 call.numbers.push_back(ParseNumber(tokens[next].text, call.line));
             continue;
         }
         if (next >= tokens.size())
-            throw GdiScriptError(call.line, WrongCount(spec.name, spec.usage, given));
+            throw GdiScriptError(call.line, WrongCount(def.name, def.usage, given));
         const Token& token = tokens[next];
         switch (kind) {
             case 'i':
@@ -439,11 +439,11 @@ void ParseArguments(const CallSpec& spec, std::string_view line, const std::vect
                 next = tokens.size();
                 break;
             default:
-                throw std::logic_error("bad signature for " + std::string(spec.name));
+                throw std::logic_error("bad signature for " + std::string(def.name));
         }
     }
     if (next != tokens.size())
-        throw GdiScriptError(call.line, WrongCount(spec.name, spec.usage, given));
+        throw GdiScriptError(call.line, WrongCount(def.name, def.usage, given));
 }
 
 std::string_view StripLine(std::string_view line) {
@@ -490,18 +490,18 @@ GdiScript ParseGdiScript(std::string_view text) {
             haveCanvas = true;
             continue;
         }
-        const auto spec =
+        const auto def =
             std::find_if(kCalls.begin(), kCalls.end(),
-                         [&](const CallSpec& candidate) { return candidate.name == name; });
-        if (spec == kCalls.end())
+                         [&](const CallDef& candidate) { return candidate.name == name; });
+        if (def == kCalls.end())
             throw GdiScriptError(lineNumber, "unknown call '" + std::string(name) + "'");
         if (!haveCanvas)
             throw GdiScriptError(lineNumber,
                                  "the first call must be '" + std::string(kCanvasUsage) + "'");
         GdiScriptCall call;
         call.line = lineNumber;
-        call.op = static_cast<int>(spec - kCalls.begin());
-        ParseArguments(*spec, line, tokens, call);
+        call.op = static_cast<int>(def - kCalls.begin());
+        ParseArguments(*def, line, tokens, call);
         script.calls.push_back(std::move(call));
     }
     if (!haveCanvas)
