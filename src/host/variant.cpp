@@ -32,18 +32,12 @@ std::string_view KindName(VarKind kind) {
     return "?";
 }
 
-Variant::Variant(std::shared_ptr<StdFont> font)
-    : value_(ObjectRef{std::move(font), VarKind::Font}) {
-    if (!std::get<ObjectRef>(value_).object) std::get<ObjectRef>(value_).kind = VarKind::Object;
-}
+Variant::Variant(std::shared_ptr<StdFont> font) : Variant(std::shared_ptr<Object>(std::move(font))) {}
 
-Variant::Variant(std::shared_ptr<StdPicture> picture)
-    : value_(ObjectRef{std::move(picture), VarKind::Picture}) {
-    if (!std::get<ObjectRef>(value_).object) std::get<ObjectRef>(value_).kind = VarKind::Object;
-}
+Variant::Variant(std::shared_ptr<StdPicture> picture) : Variant(std::shared_ptr<Object>(std::move(picture))) {}
 
 Variant::Variant(std::shared_ptr<Object> object) {
-    // Fonts and pictures keep their own kind however they were passed.
+    // Fonts and pictures keep their own kind however they were passed; a null one is Nothing.
     VarKind kind = VarKind::Object;
     if (dynamic_cast<StdFont*>(object.get())) kind = VarKind::Font;
     else if (dynamic_cast<StdPicture*>(object.get())) kind = VarKind::Picture;
