@@ -151,6 +151,11 @@ Section HyperlinkSection() {
                   "move H1\nclick\nmove H1 185 35\nclick\nwait 100\n")}};
 }
 
+Section IconsSection() {
+    Json controls = Json::array({Control("Icons", "I1", 240, 240, 570, 570)});
+    return {"Icons", {{"icons.png", "the Icons control on a form: a 38-pixel raised square", Form(1080, 1080, controls)}}};
+}
+
 Section AboutSection() {
     Json controls = Json::array({Control("Hyperlink", "H1", 240, 240, 2880, 600)});
     return {"About box",
@@ -218,7 +223,7 @@ int RunGallery(Args args) {
     std::filesystem::create_directories(out);
 
     std::vector<Section> sections = {Line3DSection(), Label3DSection(), FramesSection(), HyperlinkSection(),
-                                     AboutSection()};
+                                     IconsSection(), AboutSection()};
     RenderSampler(out);
 
     std::ostringstream html;

@@ -2,6 +2,7 @@
 
 #include "controls/display/frames.hpp"
 #include "controls/display/hyperlink.hpp"
+#include "controls/display/icons.hpp"
 #include "controls/display/label3d.hpp"
 #include "controls/display/line3d.hpp"
 #include "dialog/about_box.hpp"
@@ -14,6 +15,7 @@ void RegisterLibrary(host::HostContext& context) {
     context.Classes().Register(controls::Label3D::Class());
     context.Classes().Register(controls::Frames::Class());
     context.Classes().Register(controls::Hyperlink::Class());
+    context.Classes().Register(controls::Icons::Class());
     if (context.Platform()) context.SetAboutBox([&context] { dialog::ShowAboutBox(context); });
     (void)context;
 }
