@@ -23,47 +23,29 @@ Lightweight::~Lightweight() {
 }
 
 // Without a container (it has gone) positions read as plain pixels.
-float Lightweight::Left() const {
-    return static_cast<float>(container_ ? container_->Scale().FromPixelX(left_) : left_);
-}
-float Lightweight::Top() const {
-    return static_cast<float>(container_ ? container_->Scale().FromPixelY(top_) : top_);
-}
-float Lightweight::Width() const {
-    return static_cast<float>(container_ ? container_->Scale().SizeFromPixelsX(width_) : width_);
-}
-float Lightweight::Height() const {
-    return static_cast<float>(container_ ? container_->Scale().SizeFromPixelsY(height_) : height_);
-}
+float Lightweight::Left() const { return bounds_.Left(container_ ? &container_->Scale() : nullptr); }
+float Lightweight::Top() const { return bounds_.Top(container_ ? &container_->Scale() : nullptr); }
+float Lightweight::Width() const { return bounds_.Width(container_ ? &container_->Scale() : nullptr); }
+float Lightweight::Height() const { return bounds_.Height(container_ ? &container_->Scale() : nullptr); }
 
 void Lightweight::SetBounds(std::optional<float> left, std::optional<float> top,
                             std::optional<float> width, std::optional<float> height) {
-    if ((width && *width < 0) || (height && *height < 0))
-        throw host::HostError(host::kErrInvalidPropertyValue,
-                              width && *width < 0 ? "Width" : "Height");
+    CheckSizes(width, height);
     if (!container_) return;
-    const ScaleSystem& scale = container_->Scale();
-    const double l = left ? scale.ToPixelX(*left) : left_;
-    const double t = top ? scale.ToPixelY(*top) : top_;
-    const double w = width ? scale.SizeToPixelsX(*width) : width_;
-    const double h = height ? scale.SizeToPixelsY(*height) : height_;
-    if (l == left_ && t == top_ && w == width_ && h == height_) return;
-    left_ = l;
-    top_ = t;
-    width_ = w;
-    height_ = h;
+    const PixelBounds moved = bounds_.With(container_->Scale(), left, top, width, height);
+    if (moved == bounds_) return;
+    bounds_ = moved;
     OnBoundsChanged();
     Invalidate();
 }
 
 void Lightweight::SizePixels(double width, double height) {
-    width_ = width;
-    height_ = height;
+    bounds_.width = width;
+    bounds_.height = height;
 }
 
 RECT Lightweight::PixelRect() const {
-    const std::int32_t l = ToDevice(left_), t = ToDevice(top_);
-    return {l, t, l + ToDevice(width_), t + ToDevice(height_)};
+    return bounds_.Device();
 }
 
 void Lightweight::Visible(bool value) {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "forms/events.hpp"
+#include "forms/scale.hpp"
 #include "host/font.hpp"
 #include "platform/window.hpp"
 
@@ -74,7 +75,7 @@ class Lightweight {
 
     DrawingSurface* container_;
     // Container client pixels, unrounded, so that a position set in twips reads back the same.
-    double left_ = 0, top_ = 0, width_ = 0, height_ = 0;
+    PixelBounds bounds_;
     bool visible_ = true;
 };
 

@@ -21,38 +21,22 @@ PictureBox::~PictureBox() {
     if (container_) container_->DetachWindow(this);
 }
 
-float PictureBox::Left() const {
-    return static_cast<float>(container_ ? container_->Scale().FromPixelX(left_) : left_);
-}
-float PictureBox::Top() const {
-    return static_cast<float>(container_ ? container_->Scale().FromPixelY(top_) : top_);
-}
-float PictureBox::Width() const {
-    return static_cast<float>(container_ ? container_->Scale().SizeFromPixelsX(width_) : width_);
-}
-float PictureBox::Height() const {
-    return static_cast<float>(container_ ? container_->Scale().SizeFromPixelsY(height_) : height_);
-}
+float PictureBox::Left() const { return bounds_.Left(container_ ? &container_->Scale() : nullptr); }
+float PictureBox::Top() const { return bounds_.Top(container_ ? &container_->Scale() : nullptr); }
+float PictureBox::Width() const { return bounds_.Width(container_ ? &container_->Scale() : nullptr); }
+float PictureBox::Height() const { return bounds_.Height(container_ ? &container_->Scale() : nullptr); }
 
 void PictureBox::SetBounds(std::optional<float> left, std::optional<float> top,
                            std::optional<float> width, std::optional<float> height) {
-    if ((width && *width < 0) || (height && *height < 0))
-        throw host::HostError(host::kErrInvalidPropertyValue,
-                              width && *width < 0 ? "Width" : "Height");
+    CheckSizes(width, height);
     if (!container_) return;
-    const ScaleSystem& scale = container_->Scale();
-    if (left) left_ = scale.ToPixelX(*left);
-    if (top) top_ = scale.ToPixelY(*top);
-    if (width) width_ = scale.SizeToPixelsX(*width);
-    if (height) height_ = scale.SizeToPixelsY(*height);
+    bounds_ = bounds_.With(container_->Scale(), left, top, width, height);
     Place();
 }
 
 void PictureBox::Place() {
     if (!container_) return;
-    const std::int32_t inset = container_->Inset();
-    const std::int32_t l = inset + ToDevice(left_), t = inset + ToDevice(top_);
-    PlaceWindow(RECT{l, t, l + ToDevice(width_), t + ToDevice(height_)});
+    PlaceWindow(bounds_.Device(container_->Inset()));
     if (container_->IsTransparent()) container_->Invalidate();
 }
 
@@ -98,8 +82,8 @@ void PictureBox::Picture(std::shared_ptr<host::StdPicture> value) {
 void PictureBox::FitToPicture() {
     const auto& picture = DrawingSurface::Picture();
     if (!autoSize_ || !IsDrawable(picture)) return;
-    width_ = picture->PixelWidth() + 2 * Inset();
-    height_ = picture->PixelHeight() + 2 * Inset();
+    bounds_.width = picture->PixelWidth() + 2 * Inset();
+    bounds_.height = picture->PixelHeight() + 2 * Inset();
     Place();
 }
 

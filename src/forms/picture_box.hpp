@@ -63,7 +63,7 @@ class PictureBox final : public DrawingSurface {
     void FitToPicture();
 
     DrawingSurface* container_;
-    double left_ = 0, top_ = 0, width_ = 0, height_ = 0;  // container client pixels
+    PixelBounds bounds_;
     bool visible_ = true;
     std::int16_t borderStyle_ = 1;
     std::int16_t appearance_ = 1;

@@ -119,4 +119,34 @@ double ScaleSystem::SizeFromPixelsY(double py) const {
     return ppu == 0 ? 0 : py / ppu;
 }
 
+float PixelBounds::Left(const ScaleSystem* scale) const {
+    return static_cast<float>(scale ? scale->FromPixelX(left) : left);
+}
+float PixelBounds::Top(const ScaleSystem* scale) const {
+    return static_cast<float>(scale ? scale->FromPixelY(top) : top);
+}
+float PixelBounds::Width(const ScaleSystem* scale) const {
+    return static_cast<float>(scale ? scale->SizeFromPixelsX(width) : width);
+}
+float PixelBounds::Height(const ScaleSystem* scale) const {
+    return static_cast<float>(scale ? scale->SizeFromPixelsY(height) : height);
+}
+
+PixelBounds PixelBounds::With(const ScaleSystem& scale, std::optional<float> newLeft, std::optional<float> newTop,
+                              std::optional<float> newWidth, std::optional<float> newHeight) const {
+    return {newLeft ? scale.ToPixelX(*newLeft) : left, newTop ? scale.ToPixelY(*newTop) : top,
+            newWidth ? scale.SizeToPixelsX(*newWidth) : width, newHeight ? scale.SizeToPixelsY(*newHeight) : height};
+}
+
+platform::RECT PixelBounds::Device(std::int32_t inset) const {
+    const std::int32_t l = inset + ToDevice(left), t = inset + ToDevice(top);
+    return {l, t, l + ToDevice(width), t + ToDevice(height)};
+}
+
+void CheckSizes(std::optional<float> width, std::optional<float> height) {
+    if ((width && *width < 0) || (height && *height < 0)) {
+        throw host::HostError(host::kErrInvalidPropertyValue, width && *width < 0 ? "Width" : "Height");
+    }
+}
+
 }  // namespace korvex::forms

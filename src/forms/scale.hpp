@@ -5,6 +5,7 @@
 // no object ever assumes 15 twips per pixel: the factor comes from the platform's screen.
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/gdi.hpp"
 
@@ -76,5 +77,29 @@ class ScaleSystem {
     double userHeight_ = 1;
     platform::SIZE client_{};
 };
+
+// A rectangle kept in unrounded container pixels and read back through the container's scale, so
+// a value set in twips reads back unchanged and a later ScaleMode change moves nothing. Windowless
+// objects and picture boxes both place themselves with it.
+struct PixelBounds {
+    double left = 0, top = 0, width = 0, height = 0;
+
+    // In the scale's units; plain pixels without a scale (the container has gone).
+    [[nodiscard]] float Left(const ScaleSystem* scale) const;
+    [[nodiscard]] float Top(const ScaleSystem* scale) const;
+    [[nodiscard]] float Width(const ScaleSystem* scale) const;
+    [[nodiscard]] float Height(const ScaleSystem* scale) const;
+    // These bounds with the values given (in the scale's units) put in; the others kept exactly.
+    [[nodiscard]] PixelBounds With(const ScaleSystem& scale, std::optional<float> newLeft,
+                                   std::optional<float> newTop, std::optional<float> newWidth,
+                                   std::optional<float> newHeight) const;
+    // Rounded to device pixels, moved by inset.
+    [[nodiscard]] platform::RECT Device(std::int32_t inset = 0) const;
+
+    friend bool operator==(const PixelBounds&, const PixelBounds&) = default;
+};
+
+// Error 380 naming the size that is negative.
+void CheckSizes(std::optional<float> width, std::optional<float> height);
 
 }  // namespace korvex::forms
