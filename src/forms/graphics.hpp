@@ -12,13 +12,7 @@
 
 namespace korvex::forms {
 
-// An OLE colour as RGB: the high bit names a system colour, read from the device now, so a
-// scheme change shows on the next paint.
-inline platform::COLORREF TranslateColor(platform::Gdi& gdi, host::OLE_COLOR color) {
-    return (color & host::kSystemColorFlag)
-               ? gdi.GetSysColor(static_cast<int>(color & ~host::kSystemColorFlag))
-               : color;
-}
+using host::TranslateColor;
 
 // The font request of a font object: lfHeight = -(points × logical pixels per inch / 72),
 // rounded half away from zero as MulDiv does.

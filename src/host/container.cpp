@@ -173,9 +173,7 @@ void Container::Hide() {
 
 void Container::OnPaint(platform::HDC dc, const platform::RECT& client) {
     platform::Gdi& gdi = context_.Platform()->gdi();
-    const platform::COLORREF color =
-        (BackColor & kSystemColorFlag) ? gdi.GetSysColor(static_cast<int>(BackColor & 0xFF)) : BackColor;
-    const platform::HBRUSH brush = gdi.CreateSolidBrush(color);
+    const platform::HBRUSH brush = gdi.CreateSolidBrush(TranslateColor(gdi, BackColor));
     gdi.FillRect(dc, client, brush);
     gdi.DeleteObject(brush);
 }
