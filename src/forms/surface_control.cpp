@@ -28,6 +28,16 @@ void SurfaceControl::SiteAttached() {
     UserControl.Platform().windows().SetParent(UserControl.hWnd(), Site()->ContainerWindow());
 }
 
+void SurfaceControl::ForwardMouse(MouseEvents& source, std::int32_t mouseDown, std::int32_t mouseMove,
+                                  std::int32_t mouseUp) {
+    const auto forward = [this](std::int32_t id) {
+        return [this, id](std::int16_t Button, std::int16_t Shift, float x, float y) { RaiseEvent(id, Button, Shift, x, y); };
+    };
+    source.MouseDown = forward(mouseDown);
+    source.MouseMove = forward(mouseMove);
+    source.MouseUp = forward(mouseUp);
+}
+
 void SurfaceControl::Place(const platform::RECT& bounds, bool visible, bool enabled) {
     placing_ = true;
     UserControl.Move(static_cast<float>(bounds.left), static_cast<float>(bounds.top),

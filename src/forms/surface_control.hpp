@@ -20,6 +20,9 @@ public:
 
 protected:
     void SiteAttached() override;
+    // Raises MouseDown, MouseMove and MouseUp of the control (their event numbers given) for the
+    // same input on a constituent object, with its arguments.
+    void ForwardMouse(MouseEvents& source, std::int32_t mouseDown, std::int32_t mouseMove, std::int32_t mouseUp);
 
     UserControlSurface UserControl;
 

@@ -73,9 +73,7 @@ public:
 
 private:
     void Forward(forms::MouseEvents& e) {
-        e.MouseDown = [this](std::int16_t b, std::int16_t s, float x, float y) { RaiseEvent(kMouseDown, b, s, x, y); };
-        e.MouseMove = [this](std::int16_t b, std::int16_t s, float x, float y) { RaiseEvent(kMouseMove, b, s, x, y); };
-        e.MouseUp = [this](std::int16_t b, std::int16_t s, float x, float y) { RaiseEvent(kMouseUp, b, s, x, y); };
+        ForwardMouse(e, kMouseDown, kMouseMove, kMouseUp);
         e.Click = [this] { RaiseEvent(kClick); };
     }
 

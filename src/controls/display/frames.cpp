@@ -94,15 +94,7 @@ void Frames::ForwardInput() {
     forms::SurfaceEvents& e = UserControl.events;
     e.Click = [this] { RaiseEvent(kClick); };
     e.DblClick = [this] { RaiseEvent(kDblClick); };
-    e.MouseDown = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kMouseDown, Button, Shift, x, y);
-    };
-    e.MouseMove = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kMouseMove, Button, Shift, x, y);
-    };
-    e.MouseUp = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kMouseUp, Button, Shift, x, y);
-    };
+    ForwardMouse(e, kMouseDown, kMouseMove, kMouseUp);
     e.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(kKeyDown, KeyCode, Shift); };
     e.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(kKeyPress, KeyAscii); };
     e.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(kKeyUp, KeyCode, Shift); };

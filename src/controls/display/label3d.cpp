@@ -129,15 +129,7 @@ void Label3D::Forward(forms::MouseEvents& events) {
         }
     };
     events.DblClick = [this] { RaiseEvent(kDblClick); };
-    events.MouseDown = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kMouseDown, Button, Shift, x, y);
-    };
-    events.MouseMove = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kMouseMove, Button, Shift, x, y);
-    };
-    events.MouseUp = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kMouseUp, Button, Shift, x, y);
-    };
+    ForwardMouse(events, kMouseDown, kMouseMove, kMouseUp);
 }
 
 // ---------------------------------------------------------------------------------------------
