@@ -1,5 +1,6 @@
 #include "library/library.hpp"
 
+#include "controls/button/button.hpp"
 #include "controls/display/frames.hpp"
 #include "controls/display/hyperlink.hpp"
 #include "controls/display/icons.hpp"
@@ -16,6 +17,7 @@ void RegisterLibrary(host::HostContext& context) {
     context.Classes().Register(controls::Frames::Class());
     context.Classes().Register(controls::Hyperlink::Class());
     context.Classes().Register(controls::Icons::Class());
+    context.Classes().Register(controls::Button::Class());
     if (context.Platform()) context.SetAboutBox([&context] { dialog::ShowAboutBox(context); });
     (void)context;
 }

@@ -628,6 +628,8 @@ std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, P
         const PixelView view = gdi_.BitmapPixels(bitmap);
         if (view.bits)
             pixels.assign(view.bits, view.bits + static_cast<std::ptrdiff_t>(view.width) * view.height);
+        // Raster operations that invert write the unused top byte too; a screen has none.
+        for (std::uint32_t& pixel : pixels) pixel &= 0x00FFFFFFu;
     }
     if (dc) gdi_.DeleteDC(dc);
     if (bitmap) gdi_.DeleteObject(bitmap);
