@@ -1,6 +1,7 @@
 #include "library/library.hpp"
 
 #include "controls/button/button.hpp"
+#include "controls/button/flat_button.hpp"
 #include "controls/display/frames.hpp"
 #include "controls/display/hyperlink.hpp"
 #include "controls/display/icons.hpp"
@@ -19,7 +20,10 @@ void RegisterLibrary(host::HostContext& context) {
     context.Classes().Register(controls::Icons::Class());
     context.Classes().Register(controls::Button::Class());
     if (context.Platform()) context.SetAboutBox([&context] { dialog::ShowAboutBox(context); });
-    (void)context;
+}
+
+void RegisterPrivateControls(host::HostContext& context) {
+    context.Classes().Register(controls::FlatButton::Class());
 }
 
 }  // namespace korvex

@@ -14,4 +14,8 @@ inline constexpr std::string_view kLibraryName = "Korvex_Tools";
 // which the controls' ShowAboutBox opens.
 void RegisterLibrary(host::HostContext& context);
 
+// Registers the controls the library uses on its own forms and does not offer to hosts
+// (FlatButton), for tools and tests that show them on a form of their own.
+void RegisterPrivateControls(host::HostContext& context);
+
 }  // namespace korvex

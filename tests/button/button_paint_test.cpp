@@ -256,3 +256,40 @@ TEST_F(ButtonPaintTest, LayoutKeepsTheMinimumSizeAndCentresTheRow) {
 
 }  // namespace
 }  // namespace korvex::test
+
+namespace korvex::test {
+namespace {
+
+std::shared_ptr<host::StdPicture> Solid(int width, int height, std::uint32_t rgb) {
+    return std::make_shared<host::StdPicture>(host::PictureType::Bitmap, width, height,
+                                              std::vector<std::uint32_t>(static_cast<std::size_t>(width * height),
+                                                                         0xFF000000u | rgb));
+}
+
+// The designer's own pictures: small ones show as the image of each state, a large one becomes
+// the face and the control fits round it.
+TEST_F(ButtonTest, DesignerPicturesSmallAndLarge) {
+    Button& b = Add();
+    Let("B", "ButtonShow", 0);
+    Let("B", "PictureOver", Solid(16, 16, 0x00FF00));
+    Let("B", "PictureUp", Solid(16, 16, 0xFF0000));
+    EXPECT_EQ(b.FaceImage().Picture(), b.PictureUp());
+    Run("move B\nwait 100\n");
+    EXPECT_EQ(b.FaceImage().Picture(), b.PictureOver());
+    Run("move 5 5\nwait 100\n");
+
+    Let("B", "PictureUp", Solid(48, 40, 0x0000FF));
+    EXPECT_FALSE(b.FaceImage().Visible());
+    EXPECT_EQ(Read("B", "Width").ToLong(), 50 * 15);
+    EXPECT_EQ(Read("B", "Height").ToLong(), 42 * 15);
+    const Shot shot = Pixels();
+    EXPECT_EQ(shot.at(1, 1), 0x0000FFu);
+    EXPECT_EQ(shot.at(48, 40), 0x0000FFu);
+    // A built-in image ends the big-picture look.
+    Let("B", "ButtonShow", 21);
+    EXPECT_TRUE(b.FaceImage().Visible());
+    EXPECT_NE(Pixels().at(1, 1), 0x0000FFu);
+}
+
+}  // namespace
+}  // namespace korvex::test
