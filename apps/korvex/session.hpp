@@ -26,7 +26,11 @@ struct Session {
     host::HostContext context{&platform};
     host::Container form{context};
 
-    Session() { RegisterLibrary(context); }
+    // The tool shows the library's private controls too, so their looks can be rendered.
+    Session() {
+        RegisterLibrary(context);
+        RegisterPrivateControls(context);
+    }
 
     // Loads a form file's text, switches to run mode as a running application does, shows it.
     void Open(const std::string& formJson) {
