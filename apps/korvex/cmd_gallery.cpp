@@ -1,50 +1,38 @@
 // korvex gallery --out DIR: every control of the library in its main looks, each tile a small
-// form run on a fresh virtual screen (with a script for hover, pressed or focused looks), plus
-// an index.html that shows them in a labelled grid.
+// form run on a fresh virtual screen (with a script for hover, pressed or focused looks) or a
+// sheet of such captures (gallery.hpp), plus an index.html that shows them in a labelled grid.
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
 #include "commands.hpp"
+#include "gallery.hpp"
 #include "host/json_codec.hpp"
 #include "host/script_runner.hpp"
 #include "platform/gdi_script.hpp"
 #include "platform/png.hpp"
+#include "platform/sim/sim_gdi.hpp"
 #include "sampler_script.hpp"
 #include "session.hpp"
 
 namespace korvex::cli {
 
-namespace {
+namespace gallery {
 
-using host::json::Json;
-
-struct Tile {
-    std::string file;   // PNG name
-    std::string title;  // caption under the picture
-    Json form;          // the form file
-    std::string script = {};  // run before the picture is taken
-    // "form" for the form's window, "top" for the topmost window (a modal box the script opened).
-    std::string capture = "form";
-};
-
-struct Section {
-    std::string title;
-    std::vector<Tile> tiles;
-};
-
-Json Form(std::int32_t width, std::int32_t height, Json controls, std::uint32_t backColor = 0x8000000F) {
+Json Form(std::int32_t width, std::int32_t height, Json controls, std::uint32_t backColor) {
     return Json{{"Form", {{"Name", "Gallery"}, {"Caption", "Gallery"}, {"Width", width}, {"Height", height},
                           {"BackColor", backColor}}},
                 {"Controls", std::move(controls)}};
 }
 
 Json Control(const std::string& progId, const std::string& name, std::int32_t left, std::int32_t top,
-             std::int32_t width, std::int32_t height, Json properties = Json::object()) {
+             std::int32_t width, std::int32_t height, Json properties) {
     return Json{{"ProgID", "Korvex_Tools." + progId}, {"Name", name},  {"Left", left},
                 {"Top", top},                          {"Width", width}, {"Height", height},
                 {"Properties", std::move(properties)}};
@@ -53,6 +41,12 @@ Json Control(const std::string& progId, const std::string& name, std::int32_t le
 Json Font(const std::string& name, double size, bool bold) {
     return Json{{"Font", {{"Name", name}, {"Size", size}, {"Bold", bold}}}};
 }
+
+}  // namespace gallery
+
+namespace {
+
+using namespace gallery;
 
 // A Label3D's font as a saved form holds it: the font and the single attributes that override it.
 Json Label3DFont(Json props, const std::string& name, std::int16_t size, bool bold) {
@@ -166,29 +160,171 @@ Section AboutSection() {
 // ---------------------------------------------------------------------------------------------
 // Rendering
 
-// Renders one tile; false (with a note) when the library lacks a control the tile needs.
-bool RenderTile(const Tile& tile, const std::filesystem::path& out) {
-    Session session;
-    for (const Json& control : tile.form["Controls"]) {
+// False (with a note) when the library lacks a class the form needs.
+bool HasClasses(const Session& session, const Json& form, const std::string& file) {
+    for (const Json& control : form["Controls"]) {
         const std::string progId = control["ProgID"].get<std::string>();
         if (!session.context.Classes().Find(progId)) {
-            std::fprintf(stderr, "korvex gallery: %s skipped: %s is not in the library\n", tile.file.c_str(),
+            std::fprintf(stderr, "korvex gallery: %s skipped: %s is not in the library\n", file.c_str(),
                          progId.c_str());
             return false;
         }
     }
+    return true;
+}
+
+// A tile whose script raised a host error shows something other than its title says.
+void ReportErrors(const std::string& file, const std::string& log) {
+    std::istringstream lines(log);
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("error ", 0) == 0) std::fprintf(stderr, "korvex gallery: %s: %s\n", file.c_str(), line.c_str());
+    }
+}
+
+bool RenderSnapshot(const Tile& tile, const std::filesystem::path& out) {
+    Session session;
+    if (!HasClasses(session, tile.form, tile.file)) return false;
     session.Open(tile.form.dump());
     std::ostringstream log;
     host::ScriptRunner runner(session.form, log, out);
     std::string script = tile.script;
     if (tile.capture == "form") script += "snapshot " + tile.file + " form\n";
     runner.Run(script);
-    // A tile whose script raised a host error shows something other than its title says.
-    std::istringstream lines(log.str());
-    for (std::string line; std::getline(lines, line);) {
-        if (line.rfind("error ", 0) == 0) std::fprintf(stderr, "korvex gallery: %s: %s\n", tile.file.c_str(), line.c_str());
-    }
+    ReportErrors(tile.file, log.str());
     return std::filesystem::exists(out / tile.file);
+}
+
+// ---- sheets
+
+struct Picture {
+    std::int32_t width = 0, height = 0;
+    std::vector<std::uint32_t> pixels;  // 0x00RRGGBB
+    std::string label;
+};
+
+using Grid = std::map<std::pair<int, int>, Picture>;
+
+// Runs one form and captures its cells into `grid`; false when the form cannot run here.
+bool CaptureRun(const Run& run, const std::string& file, const std::filesystem::path& out, Grid& grid) {
+    Session session;
+    if (!HasClasses(session, run.form, file)) return false;
+    session.Open(run.form.dump());
+    std::ostringstream log;
+    host::ScriptRunner runner(session.form, log, out);
+    platform::Windows& windows = session.platform.windows();
+    for (const Capture& capture : run.captures) {
+        runner.Run(capture.steps);
+        host::Site* site = session.form.Find(capture.control);
+        platform::RECT r;
+        const platform::HWND window = site ? site->GetControl().SurfaceWindow() : platform::HWND{};
+        if (!window || !windows.GetWindowRect(window, &r)) {
+            std::fprintf(stderr, "korvex gallery: %s: no window for %s\n", file.c_str(), capture.control.c_str());
+            return false;
+        }
+        grid[{capture.row, capture.column}] = {r.Width(), r.Height(), windows.ComposeWindow(window), capture.label};
+        runner.Run(capture.after);
+    }
+    ReportErrors(file, log.str());
+    return true;
+}
+
+// Lays the grid out under its heads, row heads at the left, each picture centred in its column
+// with its label below, and writes it as one PNG.
+void WriteSheet(const Sheet& sheet, const Grid& grid, const std::filesystem::path& path) {
+    constexpr std::int32_t kMargin = 10, kGap = 10, kLabelGap = 3;
+    platform::sim::SimGdi gdi;
+    const platform::HDC measure = gdi.CreateCompatibleDC(platform::HDC{});
+    platform::LOGFONT logFont;
+    logFont.lfHeight = -11;  // 8 points at 96 pixels per inch
+    logFont.lfFaceName = "Arial";
+    const platform::HFONT font = gdi.CreateFontIndirect(logFont);
+    gdi.SelectObject(measure, font);
+    auto extent = [&](const std::string& text) {
+        platform::SIZE size{0, 0};
+        if (!text.empty()) gdi.GetTextExtentPoint32(measure, text, &size);
+        return size;
+    };
+    const std::int32_t line = extent("Ag").cy;
+
+    int rows = static_cast<int>(sheet.rowHeads.size()), columns = static_cast<int>(sheet.columnHeads.size());
+    for (const auto& [at, picture] : grid) {
+        rows = std::max(rows, at.first + 1);
+        columns = std::max(columns, at.second + 1);
+    }
+    std::vector<std::int32_t> widths(static_cast<std::size_t>(columns), 0), heights(static_cast<std::size_t>(rows), 0);
+    std::int32_t headWidth = 0;
+    for (const std::string& head : sheet.rowHeads) headWidth = std::max(headWidth, extent(head).cx + kGap);
+    for (int c = 0; c < static_cast<int>(sheet.columnHeads.size()); ++c)
+        widths[static_cast<std::size_t>(c)] = extent(sheet.columnHeads[static_cast<std::size_t>(c)]).cx;
+    for (const auto& [at, picture] : grid) {
+        auto& width = widths[static_cast<std::size_t>(at.second)];
+        width = std::max({width, picture.width, extent(picture.label).cx});
+        auto& height = heights[static_cast<std::size_t>(at.first)];
+        height = std::max(height, picture.height + (picture.label.empty() ? 0 : kLabelGap + line));
+    }
+    std::vector<std::int32_t> lefts, tops;
+    std::int32_t x = kMargin + headWidth, y = kMargin + (sheet.columnHeads.empty() ? 0 : line + kLabelGap);
+    for (std::int32_t width : widths) {
+        lefts.push_back(x);
+        x += width + kGap;
+    }
+    for (std::int32_t height : heights) {
+        tops.push_back(y);
+        y += height + kGap;
+    }
+    const std::int32_t sheetWidth = x - kGap + kMargin, sheetHeight = y - kGap + kMargin;
+
+    const platform::HDC dc = gdi.CreateCompatibleDC(platform::HDC{});
+    const platform::HBITMAP bitmap = gdi.CreateDIBSection32(sheetWidth, sheetHeight);
+    gdi.SelectObject(dc, bitmap);
+    gdi.SelectObject(dc, font);
+    const platform::COLORREF background =
+        sheet.background == 0xFFFFFFFF ? gdi.GetSysColor(platform::COLOR_BTNFACE) : sheet.background;
+    const platform::HBRUSH brush = gdi.CreateSolidBrush(background);
+    gdi.FillRect(dc, {0, 0, sheetWidth, sheetHeight}, brush);
+    gdi.DeleteObject(brush);
+    gdi.SetBkMode(dc, platform::TRANSPARENT);
+    gdi.SetTextColor(dc, 0);
+    for (std::size_t c = 0; c < sheet.columnHeads.size(); ++c) {
+        const std::int32_t w = extent(sheet.columnHeads[c]).cx;
+        gdi.TextOut(dc, lefts[c] + (widths[c] - w) / 2, kMargin, sheet.columnHeads[c]);
+    }
+    for (std::size_t r = 0; r < sheet.rowHeads.size(); ++r) {
+        // Beside the middle of the row's pictures, leaving their labels out.
+        std::int32_t pictureHeight = 0;
+        for (const auto& [at, picture] : grid)
+            if (at.first == static_cast<int>(r)) pictureHeight = std::max(pictureHeight, picture.height);
+        gdi.TextOut(dc, kMargin, tops[r] + (pictureHeight - line) / 2, sheet.rowHeads[r]);
+    }
+    const platform::PixelView pixels = gdi.BitmapPixels(bitmap);
+    for (const auto& [at, picture] : grid) {
+        const auto r = static_cast<std::size_t>(at.first), c = static_cast<std::size_t>(at.second);
+        const std::int32_t left = lefts[c] + (widths[c] - picture.width) / 2, top = tops[r];
+        for (std::int32_t py = 0; py < picture.height; ++py) {
+            std::copy_n(picture.pixels.begin() + static_cast<std::ptrdiff_t>(py) * picture.width, picture.width,
+                        pixels.bits + static_cast<std::ptrdiff_t>(top + py) * sheetWidth + left);
+        }
+        if (!picture.label.empty()) {
+            const std::int32_t w = extent(picture.label).cx;
+            gdi.TextOut(dc, lefts[c] + (widths[c] - w) / 2, top + picture.height + kLabelGap, picture.label);
+        }
+    }
+    platform::WritePng(path.string(), gdi.BitmapPixels(bitmap));
+    gdi.DeleteDC(dc);
+    gdi.DeleteDC(measure);
+    gdi.DeleteObject(bitmap);
+    gdi.DeleteObject(font);
+}
+
+bool RenderSheet(const Tile& tile, const std::filesystem::path& out) {
+    Grid grid;
+    for (const Run& run : tile.sheet.runs) {
+        if (!CaptureRun(run, tile.file, out, grid)) return false;
+    }
+    for (const DrawnCell& cell : tile.sheet.drawn) grid[{cell.row, cell.column}] = {cell.width, cell.height, cell.pixels, cell.label};
+    if (grid.empty()) return false;
+    WriteSheet(tile.sheet, grid, out / tile.file);
+    return true;
 }
 
 void RenderSampler(const std::filesystem::path& out) {
@@ -210,6 +346,11 @@ std::string Escape(const std::string& text) {
 
 }  // namespace
 
+bool gallery::RenderTile(const Tile& tile, const std::filesystem::path& out) {
+    if (!tile.sheet.runs.empty() || !tile.sheet.drawn.empty()) return RenderSheet(tile, out);
+    return RenderSnapshot(tile, out);
+}
+
 int RunGallery(Args args) {
     std::filesystem::path out = "gallery";
     for (std::size_t i = 0; i < args.size(); ++i) {
@@ -223,7 +364,9 @@ int RunGallery(Args args) {
     std::filesystem::create_directories(out);
 
     std::vector<Section> sections = {Line3DSection(), Label3DSection(), FramesSection(), HyperlinkSection(),
-                                     IconsSection(), AboutSection()};
+                                     IconsSection()};
+    for (Section& section : ButtonSections()) sections.push_back(std::move(section));
+    sections.push_back(AboutSection());
     RenderSampler(out);
 
     std::ostringstream html;

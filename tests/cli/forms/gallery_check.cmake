@@ -20,3 +20,14 @@ foreach(image IN LISTS images)
     message(FATAL_ERROR "index.html links ${name}, which was not written")
   endif()
 endforeach()
+# The Button sheets and the icon collection, which a lost registration or a failing run would
+# drop from the index without an error.
+foreach(name buttons-styles-gradient.png buttons-styles-plain.png buttons-text.png buttons-focus.png
+             buttons-bigpicture.png buttons-images16-normal.png buttons-images16-hover.png
+             buttons-images16-down.png buttons-images32-normal.png buttons-images32-hover.png
+             buttons-images32-down.png icons-sheet.png)
+  string(FIND "${html}" "src=\"${name}\"" at)
+  if(at EQUAL -1)
+    message(FATAL_ERROR "index.html lacks ${name}")
+  endif()
+endforeach()
