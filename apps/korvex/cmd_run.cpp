@@ -3,6 +3,7 @@
 // korvex render FORM.json -o FILE.png: the form as it looks at run time.
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -55,6 +56,10 @@ int RunForm(Args args) {
         }
         script = ReadAll(in);
     }
+
+    // Snapshots land in the output folder, which a user should not have to make first.
+    std::error_code made;
+    std::filesystem::create_directories(outDir, made);
 
     Session session;
     session.Open(ReadFormFile(formPath));
