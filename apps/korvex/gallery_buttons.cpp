@@ -314,13 +314,41 @@ Tile IconSheetTile() {
 
 }  // namespace
 
+// ---------------------------------------------------------------------------------------------
+// FlatButton, the message boxes' button
+
+Tile FlatButtonTile() {
+    Sheet sheet;
+    sheet.columnHeads = {"normal", "hover", "pressed", "focused"};
+    Run run;
+    Json controls = Json::array();
+    for (int column = 0; column < 4; ++column) {
+        const std::string name = "F" + std::to_string(column);
+        controls.push_back(Control("FlatButton", name, (8 + column * 96) * kTwips, 8 * kTwips, 80 * kTwips,
+                                   24 * kTwips,
+                                   {{"Caption", column == 3 ? "Abbre&chen" : "&Ja"},
+                                    {"HoverColor", 0x00C00000},
+                                    {"FocusRect", column == 3}}));
+    }
+    run.captures.push_back({0, 0, "F0", ""});
+    run.captures.push_back({0, 1, "F1", "move F1\nwait 20\n"});
+    run.captures.push_back({0, 2, "F2", "move F2\nwait 20\ndown\n", "up\n"});
+    run.captures.push_back({0, 3, "F3", "move 0 0\nwait 20\nfocus F3\nwait 20\n"});
+    run.form = Form(400 * kTwips, 40 * kTwips, controls);
+    sheet.runs.push_back(std::move(run));
+    return {"flatbutton.png",
+            "FlatButton: the flat ring, raised with the hover colour, sunken with the caption moved, and the focus",
+            {}, "", "form", std::move(sheet)};
+}
+
 std::vector<Section> ButtonSections() {
     Section button{"Button", {StylesTile(true), StylesTile(false), TextTile(), FocusTile(), BigPictureTile()}};
     Section images{"Button images", {}};
     for (bool iconSize : {false, true})
         for (Look look : {Look::normal, Look::hover, Look::down}) images.tiles.push_back(ImagesTile(iconSize, look));
     Section icons{"Icon collection", {IconSheetTile()}};
-    return {std::move(button), std::move(images), std::move(icons)};
+    Section flat{"FlatButton (the message boxes' button)", {FlatButtonTile()}};
+    return {std::move(button), std::move(images), std::move(icons), std::move(flat)};
 }
 
 }  // namespace korvex::cli::gallery

@@ -443,7 +443,9 @@ TEST_F(FlatButtonTest, CaptionTakesTheHoverColourWhileThePointerIsOver) {
     const Shot hover = Pixels("F");
     EXPECT_GT(hover.Count(kRed), 0);
     EXPECT_EQ(hover.Box(kBlack)[0], -1) << "no caption pixel keeps the text colour";
-    Run("move 400 300\nwait 20\n");
+    Run("down\n");
+    EXPECT_EQ(Pixels("F").Count(kRed), hover.Count(kRed)) << "pressed under the pointer: still the hover colour";
+    Run("up\nmove 400 300\nwait 20\n");
     EXPECT_EQ(Pixels("F").Count(kRed), 0);
     EXPECT_GE(Pixels("F").Box(kBlack)[0], 0);
 }

@@ -544,8 +544,9 @@ void FlatButton::Paint() {
     }
 
     const CaptionParts parts = SplitCaption(Caption_, UseMnemonic_);
-    const platform::COLORREF textColor =
-        foundation::OleColorToRGB(gdi, look == Look::Hover ? HoverColor_ : TextColor_);
+    // The pointer over the button colours the caption, pressed or not.
+    const bool hovered = fHover && Ambient().UserMode;
+    const platform::COLORREF textColor = foundation::OleColorToRGB(gdi, hovered ? HoverColor_ : TextColor_);
     platform::SIZE extent;
     gdi.GetTextExtentPoint32(dc, parts.text, &extent);
     textX_ = (width - extent.cx) / 2;

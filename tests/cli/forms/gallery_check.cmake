@@ -25,7 +25,7 @@ endforeach()
 foreach(name buttons-styles-gradient.png buttons-styles-plain.png buttons-text.png buttons-focus.png
              buttons-bigpicture.png buttons-images16-normal.png buttons-images16-hover.png
              buttons-images16-down.png buttons-images32-normal.png buttons-images32-hover.png
-             buttons-images32-down.png icons-sheet.png)
+             buttons-images32-down.png icons-sheet.png flatbutton.png)
   string(FIND "${html}" "src=\"${name}\"" at)
   if(at EQUAL -1)
     message(FATAL_ERROR "index.html lacks ${name}")
