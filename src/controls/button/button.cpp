@@ -425,7 +425,7 @@ void Button::BackColorB(OLE_COLOR New_BackColorB) {
 void Button::ButtonColor(OLE_COLOR New_ButtonColor) {
     ButtonColor_ = New_ButtonColor;
     SetFaceBack(New_ButtonColor);
-    if (BorderStyle_ == EnumStyle::XPflat) SetFaceBack(0x00F1FCFE);
+    if (BorderStyle_ == EnumStyle::XPflat) SetFaceBack(kXPflatFace);
     ComputeColours();
     FrameState(mFrameState);
     if (mLatched && IsXP()) {

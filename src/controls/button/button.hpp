@@ -169,6 +169,11 @@ class Button final : public forms::SurfaceControl {
     [[nodiscard]] const forms::Label& CaptionCopy() const { return lbl1; }
 
   private:
+    // The face of an XPflat button, whatever ButtonColor says.
+    static constexpr host::OLE_COLOR kXPflatFace = 0x00F1FCFE;
+    // The host's units per pixel for the sizes the button sets itself.
+    static constexpr float kTwipsPerPixel = 15;
+
     // ---- state machine (button.cpp)
     void Press(std::int16_t MouseButton, std::int16_t Shift, float x, float y);
     void Release(std::int16_t MouseButton, std::int16_t Shift, float x, float y);
@@ -191,6 +196,10 @@ class Button final : public forms::SurfaceControl {
     void CaptionColours();
     void DrawFocusRect();
     void SetFaceBack(host::OLE_COLOR colour);
+    // The face colour of the normal look without a gradient.
+    [[nodiscard]] host::OLE_COLOR PlainFace() const {
+        return BorderStyle_ == EnumStyle::XPflat ? kXPflatFace : colours_.clrFace;
+    }
 
     // ---- images (button_images.cpp)
     void ImageState(std::int16_t s);

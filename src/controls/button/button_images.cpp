@@ -14,9 +14,7 @@ using host::OLE_COLOR;
 
 namespace {
 
-constexpr OLE_COLOR kXPflatFace = 0x00F1FCFE;
 constexpr OLE_COLOR kXPStyleEmbossBase = 0x00EDF1F1;
-constexpr float kTwipsPerPixel = 15;
 // Groups: the hover image of ButtonShow n is n + 100, the down image n + 200.
 constexpr std::int32_t kHoverGroups = 100;
 constexpr std::int32_t kDownGroups = 200;

@@ -15,7 +15,6 @@ using host::OLE_COLOR;
 
 namespace {
 
-constexpr OLE_COLOR kXPflatFace = 0x00F1FCFE;
 constexpr OLE_COLOR kXPStyleOuter = 0x00914B00;
 constexpr OLE_COLOR kXPcoolOuter = 0x009BA2A4;
 constexpr OLE_COLOR kHotOrange = 0x0030B2F8;
@@ -25,8 +24,6 @@ constexpr OLE_COLOR kDisabledInner = 0x00EDF1F1;
 constexpr OLE_COLOR kStandardInner = 0x00E2EFF1;
 constexpr OLE_COLOR kFocusBlue = 0x00F4B306;
 constexpr OLE_COLOR kDisabledCaption = 0x00808080;
-// The host's units per pixel for the sizes the layout sets.
-constexpr float kTwipsPerPixel = 15;
 
 // Each channel of rgb moved by offset and clamped to 0..255.
 OLE_COLOR Offset(platform::COLORREF rgb, int offset) {
@@ -249,7 +246,7 @@ void Button::FrameState(std::int16_t s) {
     const Colours& c = colours_;
     FrameSpec frame;
     if (s == 0) {
-        SetFaceBack(BorderStyle_ == EnumStyle::XPflat ? kXPflatFace : c.clrFace);
+        SetFaceBack(PlainFace());
     } else if (s == 1 || s == 2) {
         switch (BorderStyle_) {
             case EnumStyle::Flat: frame = {1, {c.clrDark, c.clrLight, 0, 0, 0, 0}}; break;
@@ -308,7 +305,7 @@ void Button::GradientState(std::int16_t s) {
     if (mBigPicture) return;
     const bool xp = BorderStyle_ == EnumStyle::XPStyle || BorderStyle_ == EnumStyle::XPcool;
     if (!Gradient_ && !xp) {
-        SetFaceBack(BorderStyle_ == EnumStyle::XPflat ? kXPflatFace : colours_.clrFace);
+        SetFaceBack(PlainFace());
         return;
     }
     const auto w = static_cast<std::int32_t>(std::lround(PicBild1.ScaleWidth()));
