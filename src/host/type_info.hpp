@@ -48,6 +48,15 @@ inline ParamInfo Arg(std::string name, TypeCode code = TypeCode::Variant) {
 inline ParamInfo Optional(std::string name, TypeCode code = TypeCode::Variant) {
     return {std::move(name), {code, {}}, true};
 }
+// The arguments every control's mouse events carry (Button, Shift, x, y) and its key events
+// (KeyCode, Shift).
+inline std::vector<ParamInfo> MouseEventArgs() {
+    return {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer), Arg("x", TypeCode::Single),
+            Arg("y", TypeCode::Single)};
+}
+inline std::vector<ParamInfo> KeyEventArgs() {
+    return {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)};
+}
 
 struct MemberInfo {
     enum class Kind { Property, Method };

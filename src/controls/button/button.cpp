@@ -28,15 +28,6 @@ constexpr std::int16_t kRightButton = 2;
 constexpr std::uint32_t kFocusDelayMs = 10;
 constexpr OLE_COLOR kButtonFace = 0x8000000F;
 
-std::vector<host::ParamInfo> MouseArgs() {
-    return {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer), Arg("x", TypeCode::Single),
-            Arg("y", TypeCode::Single)};
-}
-
-std::vector<host::ParamInfo> KeyArgs() {
-    return {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)};
-}
-
 template <class E>
 std::int32_t AsLong(E value) {
     return static_cast<std::int32_t>(value);
@@ -106,12 +97,12 @@ const ClassInfo& Button::Class() {
             .ReadOnly(KORVEX_READONLY(hwnd))
             .ReadOnly(KORVEX_READONLY(HasDC))
             .Event("Click")
-            .Event("MouseDown", MouseArgs())
-            .Event("MouseMove", MouseArgs())
-            .Event("MouseUp", MouseArgs())
-            .Event("KeyDown", KeyArgs())
+            .Event("MouseDown", host::MouseEventArgs())
+            .Event("MouseMove", host::MouseEventArgs())
+            .Event("MouseUp", host::MouseEventArgs())
+            .Event("KeyDown", host::KeyEventArgs())
             .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", KeyArgs())
+            .Event("KeyUp", host::KeyEventArgs())
             .Event("Group")
             .Enum("EnumMode", {{"optButton", 0}, {"optSwitch", 1}, {"optGroup", 2}})
             .Enum("EnumSwitched", {{"bFalse", 0}, {"bLeft", 1}, {"bRight", 2}})

@@ -38,15 +38,6 @@ constexpr OLE_COLOR kWhite = 0x00FFFFFF;
 // with one pixel of face between them.
 constexpr std::int32_t kFocusInset = 3;
 
-std::vector<host::ParamInfo> MouseArgs() {
-    return {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer), Arg("x", TypeCode::Single),
-            Arg("y", TypeCode::Single)};
-}
-
-std::vector<host::ParamInfo> KeyArgs() {
-    return {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)};
-}
-
 std::size_t Utf8Length(unsigned char lead) {
     if (lead >= 0xF0) return 4;
     if (lead >= 0xE0) return 3;
@@ -211,12 +202,12 @@ const ClassInfo& FlatButton::Class() {
             .ReadOnly(KORVEX_READONLY(BackFocus))
             .Method("sFocus", {}, [](FlatButton& c, std::span<Variant>) { c.sFocus(); })
             .Event("Click")
-            .Event("MouseDown", MouseArgs())
-            .Event("MouseUp", MouseArgs())
-            .Event("MouseMove", MouseArgs())
-            .Event("KeyDown", KeyArgs())
+            .Event("MouseDown", host::MouseEventArgs())
+            .Event("MouseUp", host::MouseEventArgs())
+            .Event("MouseMove", host::MouseEventArgs())
+            .Event("KeyDown", host::KeyEventArgs())
             .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", KeyArgs())
+            .Event("KeyUp", host::KeyEventArgs())
             .Build();
     return info;
 }

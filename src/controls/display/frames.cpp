@@ -60,15 +60,12 @@ const ClassInfo& Frames::Class() {
             .Property(KORVEX_PROPERTY(Caption))
             .Event("Click")
             .Event("DblClick")
-            .Event("MouseDown", {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
-                                 Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)})
-            .Event("MouseMove", {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
-                                 Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)})
-            .Event("MouseUp", {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
-                               Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)})
-            .Event("KeyDown", {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)})
+            .Event("MouseDown", MouseEventArgs())
+            .Event("MouseMove", MouseEventArgs())
+            .Event("MouseUp", MouseEventArgs())
+            .Event("KeyDown", KeyEventArgs())
             .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)})
+            .Event("KeyUp", KeyEventArgs())
             .Event("Focus", {Arg("bFocus", TypeCode::Boolean)})
             .Enum("BoStyle", {{"Off_Frame", 0},
                               {"Standard_Down", 1},

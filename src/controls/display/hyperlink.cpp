@@ -92,8 +92,7 @@ const ClassInfo& Hyperlink::Class() {
             .Method("PlaySound", {Arg("ResourceId", TypeCode::Integer)},
                     [](Hyperlink& h, std::span<Variant> a) { h.PlaySound(a[0].ToInteger()); })
             .Method("EndPlaySound", {}, [](Hyperlink& h, std::span<Variant>) { h.EndPlaySound(); })
-            .Event("Hover", {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
-                             Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)})
+            .Event("Hover", MouseEventArgs())
             .Event("Click")
             .Enum("MouSymbol", {{"lOff", 0}, {"lHand_IE", 1}, {"lHand_NC", 2}})
             .Enum("hMousePointerConst", MousePointerMembers("hMouseIcon"))

@@ -21,15 +21,6 @@ constexpr host::OLE_COLOR kDefaultFocusColor = 0x0000FF00;
 constexpr std::int16_t kDefaultDistance = 15;
 constexpr std::int16_t kKeyReturn = 13;
 
-std::vector<host::ParamInfo> MouseArgs() {
-    return {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer), Arg("x", TypeCode::Single),
-            Arg("y", TypeCode::Single)};
-}
-
-std::vector<host::ParamInfo> KeyArgs() {
-    return {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)};
-}
-
 // The font flags travel through the bag as 16-bit integers, True as -1.
 std::int16_t FlagValue(bool value) {
     return value ? host::kTrue : host::kFalse;
@@ -65,12 +56,12 @@ const ClassInfo& Label3D::Class() {
             .Property(KORVEX_PROPERTY(xDist))
             .Event("Click")
             .Event("DblClick")
-            .Event("MouseDown", MouseArgs())
-            .Event("MouseMove", MouseArgs())
-            .Event("MouseUp", MouseArgs())
-            .Event("KeyDown", KeyArgs())
+            .Event("MouseDown", host::MouseEventArgs())
+            .Event("MouseMove", host::MouseEventArgs())
+            .Event("MouseUp", host::MouseEventArgs())
+            .Event("KeyDown", host::KeyEventArgs())
             .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", KeyArgs())
+            .Event("KeyUp", host::KeyEventArgs())
             .Enum("EnumBack", {{"BgColor", 0}, {"cTRANSPARENT", 1}})
             .Build();
     return info;
