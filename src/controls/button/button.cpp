@@ -209,12 +209,7 @@ Button::Button(host::HostContext& context)
 
 Button::~Button() {
     // A sound playing from this control's buffers must not outlive them.
-    for (const auto& wave : mWave) {
-        if (!wave.empty()) {
-            EndPlaySound();
-            break;
-        }
-    }
+    if (soundStarted_) EndPlaySound();
 }
 
 void Button::ForwardInput(forms::MouseEvents& events) {
@@ -651,11 +646,13 @@ void Button::PlaySound(std::int16_t ResourceId) {
     if (ResourceId < foundation::kFirstWaveResource || ResourceId > foundation::kLastWaveResource) return;
     const auto& wave = mWave[static_cast<std::size_t>(ResourceId - foundation::kFirstWaveResource)];
     if (wave.empty()) return;
-    (void)Platform().sound().sndPlaySoundA(std::span<const std::uint8_t>(wave), foundation::kResourceSoundFlags);
+    soundStarted_ = Platform().sound().sndPlaySoundA(std::span<const std::uint8_t>(wave),
+                                                     foundation::kResourceSoundFlags) || soundStarted_;
 }
 
 void Button::EndPlaySound() {
     (void)Platform().sound().sndPlaySoundA(std::optional<std::string_view>{}, 0);
+    soundStarted_ = false;
 }
 
 }  // namespace korvex::controls

@@ -254,6 +254,8 @@ class Button final : public forms::SurfaceControl {
     bool mBigPicture = false;
     platform::POINT mLastCursor{0, 0};
     std::array<std::vector<std::uint8_t>, 6> mWave;
+    // The platform may still be reading one of mWave.
+    bool soundStarted_ = false;
 
     Colours colours_;
     // The face shows no focus rectangle since it was last repainted for that.
