@@ -237,6 +237,15 @@ TEST_F(ButtonTest, SoundsPlayFromMemoryAndUnknownNumbersAreSilent) {
     EXPECT_FALSE(requests[1].name.has_value());
     EXPECT_TRUE(requests[1].image.empty());
     EXPECT_EQ(requests[1].flags, 0u);
+
+    // Going away, a button stops only a sound of its own, which may still be read from its buffers.
+    Add("Quiet", 300, 1200);
+    form.Remove("Quiet");
+    EXPECT_EQ(requests.size(), 2u);
+    b.PlaySound(101);
+    form.Remove("B");
+    ASSERT_EQ(requests.size(), 4u);
+    EXPECT_TRUE(requests[3].image.empty() && !requests[3].name && requests[3].flags == 0) << "stopped";
 }
 
 TEST_F(ButtonTest, BadPointerIsRejectedAndKeepsTheOldOne) {
