@@ -5,6 +5,8 @@
 // surface (UserControl.Height = ...) goes back to the host, which then resizes the extender and
 // calls UserControl_Resize again.
 
+#include <cstdint>
+
 #include "forms/user_control.hpp"
 #include "host/control.hpp"
 
@@ -16,6 +18,12 @@ public:
     explicit SurfaceControl(host::HostContext& context);
 
     [[nodiscard]] platform::HWND SurfaceWindow() const override { return UserControl.hWnd(); }
+
+    // The handles a control publishes as its read-only HDC, hwnd and HasDC: its surface's, as
+    // host Longs.
+    [[nodiscard]] std::int32_t HDC() const { return static_cast<std::int32_t>(UserControl.hDC().value); }
+    [[nodiscard]] std::int32_t hwnd() const { return static_cast<std::int32_t>(UserControl.hWnd().value); }
+    [[nodiscard]] bool HasDC() const { return UserControl.HasDC(); }
     void Place(const platform::RECT& bounds, bool visible, bool enabled) override;
 
 protected:

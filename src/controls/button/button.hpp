@@ -141,11 +141,8 @@ class Button final : public forms::SurfaceControl {
     }
     void MousePointer(MousePointerConst New_MousePointer);
 
-    // Not persisted.
+    // Not persisted; HDC, hwnd and HasDC are the surface's (SurfaceControl).
     [[nodiscard]] EnumSwitched Switched() const { return Switched_; }
-    [[nodiscard]] std::int32_t HDC() const { return static_cast<std::int32_t>(UserControl.hDC().value); }
-    [[nodiscard]] std::int32_t hwnd() const { return static_cast<std::int32_t>(UserControl.hWnd().value); }
-    [[nodiscard]] bool HasDC() const { return UserControl.HasDC(); }
 
     // ---- methods, in the interface's order
     void ShowAboutBox() { OpenAboutBox(); }

@@ -480,14 +480,6 @@ void FlatButton::FocusRect(bool New_FocusRect) {
     PropertyChanged("FocusRect");
 }
 
-std::int32_t FlatButton::hwnd() const {
-    return static_cast<std::int32_t>(UserControl.hWnd().value);
-}
-
-std::int32_t FlatButton::HDC() const {
-    return static_cast<std::int32_t>(UserControl.hDC().value);
-}
-
 void FlatButton::sFocus() {
     fHasFocus = true;
     Paint();

@@ -88,8 +88,6 @@ class FlatButton final : public forms::SurfaceControl {
     void Cancel(bool New_Cancel);
     [[nodiscard]] bool FocusRect() const { return FocusRect_; }
     void FocusRect(bool New_FocusRect);
-    [[nodiscard]] std::int32_t hwnd() const;
-    [[nodiscard]] std::int32_t HDC() const;
     // Whether the button shows the focus now.
     [[nodiscard]] bool BackFocus() const { return fHasFocus; }
     // The control's own enabled state, persisted as "Enabled". It has no member of its own in

@@ -105,9 +105,6 @@ class Frames final : public forms::SurfaceControl {
     void AlignmentTop(BoAl New_AlignmentTop);
     [[nodiscard]] bool EnabledF() const { return UserControl.Enabled(); }
     void EnabledF(bool New_EnabledF);
-    [[nodiscard]] bool HasDC() const { return UserControl.HasDC(); }
-    [[nodiscard]] std::int32_t HDC() const { return static_cast<std::int32_t>(UserControl.hDC().value); }
-    [[nodiscard]] std::int32_t hwnd() const { return static_cast<std::int32_t>(UserControl.hWnd().value); }
     [[nodiscard]] std::string Caption() const { return T.Caption(); }
     void Caption(std::string New_Caption);
 

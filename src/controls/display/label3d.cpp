@@ -331,14 +331,6 @@ void Label3D::FontStrikethru(bool New_FontStrikethru) {
     PropertyChanged("FontStrikethru");
 }
 
-std::int32_t Label3D::HDC() const {
-    return static_cast<std::int32_t>(UserControl.hDC().value);
-}
-
-std::int32_t Label3D::hwnd() const {
-    return static_cast<std::int32_t>(UserControl.hWnd().value);
-}
-
 void Label3D::ToolTipText(std::string New_ToolTipText) {
     ToolTipText_ = New_ToolTipText;
     lbFont.ToolTipText(std::move(New_ToolTipText));

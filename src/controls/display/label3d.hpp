@@ -82,9 +82,6 @@ class Label3D final : public forms::SurfaceControl {
     void FontSize(float New_FontSize);
     [[nodiscard]] bool FontStrikethru() const { return lbFont.Font()->Strikethrough(); }
     void FontStrikethru(bool New_FontStrikethru);
-    [[nodiscard]] std::int32_t HDC() const;
-    [[nodiscard]] std::int32_t hwnd() const;
-    [[nodiscard]] bool HasDC() const { return UserControl.HasDC(); }
     [[nodiscard]] std::string ToolTipText() const { return ToolTipText_; }
     void ToolTipText(std::string New_ToolTipText);
     [[nodiscard]] std::string Caption() const { return lbFont.Caption(); }
