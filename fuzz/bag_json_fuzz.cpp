@@ -10,9 +10,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     try {
-        const auto bag = korvex::host::PropertyBag::FromJson(text);
+        const auto bag = korvex::host::JsonPropertyBag::FromJson(text);
         // What was read must write back and read again to the same bag.
-        if (!(korvex::host::PropertyBag::FromJson(bag.ToJson()) == bag)) __builtin_trap();
+        if (!(korvex::host::JsonPropertyBag::FromJson(bag.ToJson()) == bag)) __builtin_trap();
     } catch (const korvex::host::HostError&) {
     }
     try {

@@ -192,7 +192,7 @@ void Container::TerminateAll() {
     }
 }
 
-Site& Container::Create(std::string_view progId, Extender extender, Site* parent, const PropertyBag* bag) {
+Site& Container::Create(std::string_view progId, Extender extender, Site* parent, const JsonPropertyBag* bag) {
     const ClassInfo* info = context_.Classes().Find(progId);
     if (!info || !info->create) {
         throw HostError(kErrCannotCreateObject,
@@ -217,7 +217,7 @@ Site& Container::Create(std::string_view progId, Extender extender, Site* parent
     return site;
 }
 
-void Container::Instantiate(Site& site, const PropertyBag* bag) {
+void Container::Instantiate(Site& site, const JsonPropertyBag* bag) {
     struct Loading {
         Site& site;
         explicit Loading(Site& s) : site(s) { site.loading_ = true; }
@@ -231,7 +231,7 @@ void Container::Instantiate(Site& site, const PropertyBag* bag) {
         site.control_->AttachSite(&site);
         PlaceWindow(site);
         if (bag) {
-            PropertyBag copy = *bag;
+            JsonPropertyBag copy = *bag;
             site.control_->UserControl_ReadProperties(copy);
         } else {
             site.control_->UserControl_InitProperties();
@@ -245,7 +245,7 @@ Site& Container::Add(std::string_view progId, Extender extender, Site* parent) {
     return Create(progId, std::move(extender), parent, nullptr);
 }
 
-Site& Container::Restore(std::string_view progId, Extender extender, const PropertyBag& bag, Site* parent) {
+Site& Container::Restore(std::string_view progId, Extender extender, const JsonPropertyBag& bag, Site* parent) {
     return Create(progId, std::move(extender), parent, &bag);
 }
 
@@ -285,7 +285,7 @@ std::vector<Site*> Container::Children(const Site* parent) const {
 }
 
 void Container::SwitchMode(bool userMode) {
-    std::vector<PropertyBag> bags;
+    std::vector<JsonPropertyBag> bags;
     bags.reserve(sites_.size());
     for (const auto& site : sites_) bags.push_back(SaveBag(*site));
     TerminateAll();
@@ -293,8 +293,8 @@ void Container::SwitchMode(bool userMode) {
     for (std::size_t i = 0; i < sites_.size(); ++i) Instantiate(*sites_[i], &bags[i]);
 }
 
-PropertyBag Container::SaveBag(const Site& site) const {
-    PropertyBag bag;
+JsonPropertyBag Container::SaveBag(const Site& site) const {
+    JsonPropertyBag bag;
     site.GetControl().UserControl_WriteProperties(bag);
     return bag;
 }
@@ -433,7 +433,7 @@ void Container::LoadJson(std::string_view text) {
                 e.TabIndex = FormField<std::int16_t>(entry, "TabIndex", tabIndex, where);
                 e.TabStop = FormField<bool>(entry, "TabStop", true, where);
                 ++tabIndex;
-                PropertyBag bag;
+                JsonPropertyBag bag;
                 if (auto props = entry.find("Properties"); props != entry.end()) bag = json::DecodeBag(*props);
                 Site& site = Restore(progId, std::move(e), bag, parent);
                 if (auto children = entry.find("Controls"); children != entry.end()) self(self, *children, &site);

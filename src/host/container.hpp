@@ -121,7 +121,7 @@ public:
     // a name already in use.
     Site& Add(std::string_view progId, Extender extender, Site* parent = nullptr);
     // A control restored from a bag (ReadProperties).
-    Site& Restore(std::string_view progId, Extender extender, const PropertyBag& bag,
+    Site& Restore(std::string_view progId, Extender extender, const JsonPropertyBag& bag,
                   Site* parent = nullptr);
     void Remove(std::string_view name);
 
@@ -137,7 +137,7 @@ public:
     Variant CallMethod(Site& site, std::string_view name, std::span<Variant> args);
 
     // The bag each control writes now, in form order.
-    [[nodiscard]] PropertyBag SaveBag(const Site& site) const;
+    [[nodiscard]] JsonPropertyBag SaveBag(const Site& site) const;
 
     // Form file text. Loading replaces every control; a malformed file raises HostError and
     // leaves the form as it was.
@@ -148,10 +148,10 @@ public:
 
 private:
     friend class Site;
-    Site& Create(std::string_view progId, Extender extender, Site* parent, const PropertyBag* bag);
+    Site& Create(std::string_view progId, Extender extender, Site* parent, const JsonPropertyBag* bag);
     // Creates the site's control and brings it up: Initialize, siting, InitProperties or
     // ReadProperties, Resize, its window placed by the extender.
-    void Instantiate(Site& site, const PropertyBag* bag);
+    void Instantiate(Site& site, const JsonPropertyBag* bag);
     void PlaceWindow(Site& site);
     void TerminateAll();
     // Tab and Shift+Tab move the focus through the controls in TabIndex order, before the

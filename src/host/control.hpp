@@ -12,6 +12,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "base/error.hpp"
 #include "platform/window.hpp"
@@ -122,11 +123,20 @@ public:
     }
     void RaiseEventArgs(std::int32_t id, std::span<Variant> args);
 
+    // Raises a declared event (KORVEX_EVENTS) by its number.
+    template <class E, class... A>
+        requires std::is_enum_v<E>
+    void RaiseEvent(E id, A&... args) {
+        RaiseEvent(static_cast<std::int32_t>(id), args...);
+    }
+
+    // Ambient properties of the site; defaults when the control is not sited. Public because
+    // property declarations take their font defaults from it.
+    [[nodiscard]] AmbientProperties Ambient() const;
+
 protected:
     // The site is known: its container window and bounds can be read.
     virtual void SiteAttached() {}
-    // Ambient properties of the site; defaults when the control is not sited.
-    [[nodiscard]] AmbientProperties Ambient() const;
     // Tells the host that a persisted property changed, by its public name.
     void PropertyChanged(std::string_view name);
     // Loads the library's about box, shows it modally and unloads it.

@@ -168,15 +168,15 @@ Variant Decode(const Json& j) {
     }
 }
 
-Json EncodeBag(const PropertyBag& bag) {
+Json EncodeBag(const JsonPropertyBag& bag) {
     Json out = Json::object();
     for (const auto& [key, value] : bag.Entries()) out[key] = Encode(value);
     return out;
 }
 
-PropertyBag DecodeBag(const Json& j) {
+JsonPropertyBag DecodeBag(const Json& j) {
     if (!j.is_object()) Malformed("a property bag must be a JSON object");
-    PropertyBag bag;
+    JsonPropertyBag bag;
     for (const auto& [key, value] : j.items()) bag.WriteProperty(key, Decode(value));
     return bag;
 }

@@ -24,7 +24,7 @@ using Json = nlohmann::ordered_json;
 Json Encode(const Variant& value);
 Variant Decode(const Json& json);
 
-Json EncodeBag(const PropertyBag& bag);
-PropertyBag DecodeBag(const Json& json);
+Json EncodeBag(const JsonPropertyBag& bag);
+JsonPropertyBag DecodeBag(const Json& json);
 
 }  // namespace korvex::host::json

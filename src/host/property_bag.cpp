@@ -9,23 +9,16 @@
 
 namespace korvex::host {
 
-std::vector<PropertyBag::Entry>::const_iterator PropertyBag::Find(std::string_view name) const {
-    return std::find_if(entries_.begin(), entries_.end(),
-                        [&](const Entry& e) { return EqualsNoCase(e.first, name); });
-}
-
 Variant PropertyBag::ReadProperty(std::string_view name, const Variant& defaultValue) const {
-    auto it = Find(name);
-    if (it == entries_.end()) return defaultValue.IsMissing() ? Variant() : defaultValue;
-    if (defaultValue.IsMissing()) return it->second;
-    return it->second.ConvertedLike(defaultValue);
+    std::optional<Variant> stored = Lookup(name);
+    if (!stored) return defaultValue.IsMissing() ? Variant() : defaultValue;
+    if (defaultValue.IsMissing()) return *stored;
+    return stored->ConvertedLike(defaultValue);
 }
 
-void PropertyBag::WriteProperty(std::string_view name, const Variant& value,
-                                const Variant& defaultValue) {
-    auto it = entries_.begin() + (Find(name) - entries_.cbegin());
+void PropertyBag::WriteProperty(std::string_view name, const Variant& value, const Variant& defaultValue) {
     if (ValueEquals(value, defaultValue)) {
-        if (it != entries_.end()) entries_.erase(it);
+        Erase(name);
         return;
     }
     Variant stored = value;
@@ -35,15 +28,33 @@ void PropertyBag::WriteProperty(std::string_view name, const Variant& value,
         throw HostError(330, "Illegal parameter. Can't write object because it does not support persistence",
                         std::string(name));
     }
-    if (it != entries_.end()) it->second = std::move(stored);
-    else entries_.emplace_back(std::string(name), std::move(stored));
+    Store(name, std::move(stored));
 }
 
-bool PropertyBag::Contains(std::string_view name) const { return Find(name) != entries_.end(); }
+std::vector<JsonPropertyBag::Entry>::const_iterator JsonPropertyBag::Find(std::string_view name) const {
+    return std::find_if(entries_.begin(), entries_.end(), [&](const Entry& e) { return EqualsNoCase(e.first, name); });
+}
 
-std::string PropertyBag::ToJson(int indent) const { return json::EncodeBag(*this).dump(indent); }
+std::optional<Variant> JsonPropertyBag::Lookup(std::string_view name) const {
+    auto it = Find(name);
+    if (it == entries_.end()) return std::nullopt;
+    return it->second;
+}
 
-PropertyBag PropertyBag::FromJson(std::string_view text) {
+void JsonPropertyBag::Store(std::string_view name, Variant value) {
+    auto it = entries_.begin() + (Find(name) - entries_.cbegin());
+    if (it != entries_.end()) it->second = std::move(value);
+    else entries_.emplace_back(std::string(name), std::move(value));
+}
+
+void JsonPropertyBag::Erase(std::string_view name) {
+    auto it = entries_.begin() + (Find(name) - entries_.cbegin());
+    if (it != entries_.end()) entries_.erase(it);
+}
+
+std::string JsonPropertyBag::ToJson(int indent) const { return json::EncodeBag(*this).dump(indent); }
+
+JsonPropertyBag JsonPropertyBag::FromJson(std::string_view text) {
     json::Json parsed = json::Json::parse(text, nullptr, false);
     if (parsed.is_discarded()) {
         throw HostError(kErrInvalidPropertyValue, "Invalid property bag text (not JSON)", "PropertyBag");
@@ -51,9 +62,9 @@ PropertyBag PropertyBag::FromJson(std::string_view text) {
     return json::DecodeBag(parsed);
 }
 
-bool operator==(const PropertyBag& a, const PropertyBag& b) {
+bool operator==(const JsonPropertyBag& a, const JsonPropertyBag& b) {
     return std::equal(a.entries_.begin(), a.entries_.end(), b.entries_.begin(), b.entries_.end(),
-                      [](const PropertyBag::Entry& x, const PropertyBag::Entry& y) {
+                      [](const JsonPropertyBag::Entry& x, const JsonPropertyBag::Entry& y) {
                           return x.first == y.first && SameValue(x.second, y.second);
                       });
 }

@@ -4,9 +4,11 @@
 // from 1, and its public enumerations. One table per class, written once with ClassBuilder; the
 // form loader, the CLI, property pages and later COM dispatch all read it.
 
+#include <cassert>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <memory>
 #include <span>
 #include <string>
@@ -15,6 +17,7 @@
 #include <utility>
 #include <vector>
 
+#include "host/declare.hpp"
 #include "host/object.hpp"
 #include "host/variant.hpp"
 
@@ -58,6 +61,14 @@ inline std::vector<ParamInfo> KeyEventArgs() {
     return {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)};
 }
 
+// What the reference and the type library say about a persisted property: its bag key, the
+// kind it is stored as, and its three defaults as the host prints them.
+struct PersistInfo {
+    std::string key;
+    VarKind kind = VarKind::Empty;
+    std::string init, read, write;
+};
+
 struct MemberInfo {
     enum class Kind { Property, Method };
     std::string name;
@@ -68,6 +79,7 @@ struct MemberInfo {
     std::function<Variant(Object&)> get;                      // properties
     std::function<void(Object&, const Variant&)> put;         // let/set; empty when read-only
     std::function<Variant(Object&, std::span<Variant>)> call;  // methods
+    std::optional<PersistInfo> persisted;                      // properties kept in the bag
 
     [[nodiscard]] bool ReadOnly() const { return kind == Kind::Property && !put; }
 };
@@ -148,6 +160,24 @@ public:
         return *this;
     }
 
+    // A declared property (host/declare.hpp): its type, accessors, key and defaults come from
+    // the declaration; a declared enumeration names itself.
+    template <class V>
+    ClassBuilder& Property(const host::Property<T, V>& declared) {
+        std::string enumName;
+        if constexpr (DeclaredEnum<V>) enumName = EnumOf<V>().Name();
+        MemberInfo& m = AddMember(std::string(declared.name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
+        const auto get = declared.get;
+        const auto set = declared.set;
+        m.get = [get](Object& o) { return Variant((static_cast<T&>(o).*get)()); };
+        if (set) m.put = [set](Object& o, const Variant& v) { (static_cast<T&>(o).*set)(FromVariant<V>(v)); };
+        if (declared.persist) {
+            m.persisted = PersistInfo{std::string(declared.Key()), declared.StoredKind(), declared.Describe(declared.init),
+                                      declared.Describe(declared.read), declared.Describe(declared.write)};
+        }
+        return *this;
+    }
+
     template <class Getter>
     ClassBuilder& ReadOnly(std::string name, Getter getter, std::string enumName = {}) {
         using V = std::remove_cvref_t<std::invoke_result_t<Getter, T&>>;
@@ -184,6 +214,25 @@ public:
         const auto id = static_cast<std::int32_t>(info_.events.size()) + 1;
         info_.events.push_back({std::move(name), id, std::move(params)});
         return *this;
+    }
+
+    // The control's events, numbered by their declaration (KORVEX_EVENTS); `params` gives the
+    // arguments of those that have any.
+    template <DeclaredEnum E>
+    ClassBuilder& Events(std::vector<std::pair<E, std::vector<ParamInfo>>> params = {}) {
+        for (const auto& [eventName, id] : EnumOf<E>().List()) {
+            std::vector<ParamInfo> args;
+            for (auto& [event, list] : params)
+                if (static_cast<std::int32_t>(event) == id) args = list;
+            Event(eventName, std::move(args));
+            assert(info_.events.back().id == id && "events are numbered from 1 without gaps");
+        }
+        return *this;
+    }
+
+    template <DeclaredEnum E>
+    ClassBuilder& Enum() {
+        return Enum(EnumOf<E>().Name(), EnumOf<E>().List());
     }
 
     ClassBuilder& Enum(std::string name, std::vector<std::pair<std::string, std::int32_t>> members) {

@@ -52,7 +52,7 @@ TEST_F(ButtonTest, PersistsInOrderAndRoundTrips) {
         {"ToolTip", false},         {"ToolTipText", "Drucken"}, {"FocusRect", true},       {"MousePointer", 11},
         {"EnabledB", false}};
     for (const auto& [name, value] : changes) Let("B", name, value);
-    const host::PropertyBag bag = form.SaveBag(form.Get("B"));
+    const host::JsonPropertyBag bag = form.SaveBag(form.Get("B"));
     std::vector<std::string> keys;
     for (const auto& [key, value] : bag.Entries()) keys.push_back(key);
     EXPECT_EQ(keys, (std::vector<std::string>{"EnabledB", "OptionMode", "IconSize", "BorderStyle", "Gradient",
@@ -66,7 +66,7 @@ TEST_F(ButtonTest, PersistsInOrderAndRoundTrips) {
         const Variant expected = std::string(name) == "IconSize" ? Variant(false) : value;
         EXPECT_EQ(host::DisplayText(Read("R", name)), host::DisplayText(expected)) << name;
     }
-    form.Restore("Korvex_Tools.Button", {"E", 300, 2100, 1800, 600}, host::PropertyBag{});
+    form.Restore("Korvex_Tools.Button", {"E", 300, 2100, 1800, 600}, host::JsonPropertyBag{});
     EXPECT_TRUE(form.SaveBag(form.Get("E")).Empty());
 }
 

@@ -170,7 +170,7 @@ TEST_F(FlatButtonTest, EmptyBagGivesANewButton) {
     Site& created = form.Add("Korvex_Tools.FlatButton", kF);
     const auto fresh = Properties(created);
     form.Remove("F");
-    Site& restored = form.Restore("Korvex_Tools.FlatButton", kF, PropertyBag{});
+    Site& restored = form.Restore("Korvex_Tools.FlatButton", kF, JsonPropertyBag{});
     const auto back = Properties(restored);
     ASSERT_EQ(fresh.size(), back.size());
     for (std::size_t i = 0; i < fresh.size(); ++i)
@@ -189,7 +189,7 @@ TEST_F(FlatButtonTest, EveryPropertySurvivesSaveAndRestore) {
         form.LetProperty(site, name, value);
     Button("F").Enabled(false);
 
-    const PropertyBag bag = form.SaveBag(site);
+    const JsonPropertyBag bag = form.SaveBag(site);
     std::vector<std::string> keys;
     for (const auto& [key, value] : bag.Entries()) keys.push_back(key);
     EXPECT_EQ(keys, (std::vector<std::string>{"Caption", "Font", "Enabled", "TextColor", "HoverColor", "BackColor",

@@ -93,7 +93,7 @@ protected:
         return names;
     }
 
-    static std::vector<std::string> Keys(const PropertyBag& bag) {
+    static std::vector<std::string> Keys(const JsonPropertyBag& bag) {
         std::vector<std::string> keys;
         for (const auto& [key, value] : bag.Entries()) keys.push_back(key);
         return keys;

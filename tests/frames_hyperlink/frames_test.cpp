@@ -91,7 +91,7 @@ TEST_F(FramesTest, MemberTableFollowsTheInterface) {
 // name are saved too, since a font never has size 0 or name "" (the size in whole points).
 TEST_F(FramesTest, NewFrameSavesItsCaptionAndFontSizeAndName) {
     Site& site = form.Add("Korvex_Tools.Frames", kFrame);
-    const PropertyBag bag = form.SaveBag(site);
+    const JsonPropertyBag bag = form.SaveBag(site);
     EXPECT_EQ(Keys(bag), (std::vector<std::string>{"Caption", "FontSize", "FontName"}));
     EXPECT_EQ(bag.ReadProperty("FontName").ToString(), "MS Sans Serif");
     EXPECT_EQ(bag.ReadProperty("Caption").ToString(), "Korvex-Frames");
@@ -101,7 +101,7 @@ TEST_F(FramesTest, NewFrameSavesItsCaptionAndFontSizeAndName) {
 
 TEST_F(FramesTest, EmptyBagGivesANewFrameButForTheCaption) {
     Site& created = form.Add("Korvex_Tools.Frames", kFrame);
-    Site& restored = form.Restore("Korvex_Tools.Frames", {"G", 150, 1200, kW * 15, kH * 15}, PropertyBag{});
+    Site& restored = form.Restore("Korvex_Tools.Frames", {"G", 150, 1200, kW * 15, kH * 15}, JsonPropertyBag{});
     EXPECT_EQ(Differences(created, restored),
               (std::vector<std::string>{"Caption: \"Korvex-Frames\" vs \"Korvex-Frame\""}));
     EXPECT_EQ(form.GetProperty(restored, "BorderStyle").ToLong(), 8);

@@ -71,7 +71,7 @@ TEST_F(HyperlinkTest, MemberTableFollowsTheInterface) {
 
 // The hover colour a link starts with is not the bag's default, and a font size is never 0.
 TEST_F(HyperlinkTest, NewLinkSavesOnlyItsFontSizeAndHoverColour) {
-    const PropertyBag bag = form.SaveBag(form.Add("Korvex_Tools.Hyperlink", kLink));
+    const JsonPropertyBag bag = form.SaveBag(form.Add("Korvex_Tools.Hyperlink", kLink));
     EXPECT_EQ(Keys(bag), (std::vector<std::string>{"FontSize", "HoverColor"}));
     EXPECT_EQ(bag.ReadProperty("FontSize").ToDouble(), 8.25);
     EXPECT_EQ(bag.ReadProperty("HoverColor").ToLong(), 0x00FFFF00);
@@ -81,7 +81,7 @@ TEST_F(HyperlinkTest, NewLinkSavesOnlyItsFontSizeAndHoverColour) {
 // its let, which gives the caption the arrow.
 TEST_F(HyperlinkTest, EmptyBagGivesANewLinkButForHoverColourAndPointer) {
     Site& created = form.Add("Korvex_Tools.Hyperlink", kLink);
-    Site& restored = form.Restore("Korvex_Tools.Hyperlink", kOther, PropertyBag{});
+    Site& restored = form.Restore("Korvex_Tools.Hyperlink", kOther, JsonPropertyBag{});
     EXPECT_EQ(Differences(created, restored),
               (std::vector<std::string>{"MousePointer: 0 vs 1", "HoverColor: 16776960 vs 16777088"}));
     EXPECT_EQ(Link(restored).CaptionColor(), 0x00FF0000u);
@@ -111,7 +111,7 @@ TEST_F(HyperlinkTest, EveryPropertySurvivesSaveAndRestore) {
 // "ForeColor" takes the first "LinkColor"'s place on saving; no reading uses it, so a link
 // saved while hovered comes back in its link colour.
 TEST_F(HyperlinkTest, SavesTheCaptionColourUnderForeColor) {
-    PropertyBag full;
+    JsonPropertyBag full;
     const auto picture = std::make_shared<StdPicture>(PictureType::Bitmap, 1, 1, std::vector<std::uint32_t>{0xFF000000});
     for (const auto& [key, value] : std::vector<std::pair<std::string, Variant>>{
              {"Font", Variant(std::make_shared<StdFont>("Arial", 9))}, {"Caption", "x"},
@@ -134,7 +134,7 @@ TEST_F(HyperlinkTest, SavesTheCaptionColourUnderForeColor) {
     Site& link = Running();
     Run("move H\nwait 50\n");
     ASSERT_EQ(CaptionState(link), "hover");
-    const PropertyBag saved = form.SaveBag(link);
+    const JsonPropertyBag saved = form.SaveBag(link);
     EXPECT_EQ(saved.ReadProperty("ForeColor").ToLong(), 0x00FFFF00);
     Site& copy = form.Restore("Korvex_Tools.Hyperlink", {"Copy", 300, 2000, 2400, 450}, saved);
     EXPECT_EQ(Link(copy).CaptionColor(), 0x00FF0000u);
@@ -271,7 +271,7 @@ TEST_F(HyperlinkTest, SelfSizingFitsTheControlToANewCaption) {
     EXPECT_EQ(form.GetProperty(site, "Width").ToLong(), (text.cx + 1) * 15);
 
     // A restored link keeps the size its form gives it.
-    Site& restored = form.Restore("Korvex_Tools.Hyperlink", kOther, PropertyBag::FromJson(R"({"Caption": "Lang genug"})"));
+    Site& restored = form.Restore("Korvex_Tools.Hyperlink", kOther, JsonPropertyBag::FromJson(R"({"Caption": "Lang genug"})"));
     EXPECT_EQ(form.GetProperty(restored, "Width").ToLong(), kOther.Width);
 }
 

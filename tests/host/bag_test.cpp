@@ -13,8 +13,8 @@ using korvex::test::ErrorOf;
 
 namespace {
 
-TEST(PropertyBag, ValueEqualToWriteDefaultIsNotStored) {
-    PropertyBag bag;
+TEST(JsonPropertyBag, ValueEqualToWriteDefaultIsNotStored) {
+    JsonPropertyBag bag;
     bag.WriteProperty("Caption", "", "");
     bag.WriteProperty("Value", std::int16_t{7}, std::int16_t{7});
     bag.WriteProperty("Enabled", true, true);
@@ -31,8 +31,8 @@ TEST(PropertyBag, ValueEqualToWriteDefaultIsNotStored) {
     EXPECT_TRUE(bag.Contains("Tag"));
 }
 
-TEST(PropertyBag, MissingKeyYieldsTheReadDefault) {
-    PropertyBag bag;
+TEST(JsonPropertyBag, MissingKeyYieldsTheReadDefault) {
+    JsonPropertyBag bag;
     EXPECT_EQ(bag.ReadProperty("Value", std::int16_t{3}), Variant(std::int16_t{3}));
     EXPECT_TRUE(bag.ReadProperty("Nothing here").IsEmpty());
 
@@ -43,8 +43,8 @@ TEST(PropertyBag, MissingKeyYieldsTheReadDefault) {
     EXPECT_EQ(bag.ReadProperty("BackColor", readDefault), readDefault);
 }
 
-TEST(PropertyBag, ReadConvertsToTheDefaultsKind) {
-    PropertyBag bag;
+TEST(JsonPropertyBag, ReadConvertsToTheDefaultsKind) {
+    JsonPropertyBag bag;
     bag.WriteProperty("Value", "12");
     bag.WriteProperty("Flag", std::int16_t{-1});
     bag.WriteProperty("Text", 2.5);
@@ -58,8 +58,8 @@ TEST(PropertyBag, ReadConvertsToTheDefaultsKind) {
     EXPECT_EQ(ErrorOf([&] { (void)bag.ReadProperty("Value", std::make_shared<StdFont>()); }), 13);
 }
 
-TEST(PropertyBag, KeysKeepOrderAndMatchWithoutCase) {
-    PropertyBag bag;
+TEST(JsonPropertyBag, KeysKeepOrderAndMatchWithoutCase) {
+    JsonPropertyBag bag;
     bag.WriteProperty("Zeta", 1);
     bag.WriteProperty("Alpha", 2);
     bag.WriteProperty("zeta", 3);  // same key: replaced in place
@@ -69,15 +69,15 @@ TEST(PropertyBag, KeysKeepOrderAndMatchWithoutCase) {
     EXPECT_EQ(bag.ReadProperty("ALPHA", 0), Variant(2));
 }
 
-TEST(PropertyBag, FontsAreStoredAsTheyWereWhenWritten) {
+TEST(JsonPropertyBag, FontsAreStoredAsTheyWereWhenWritten) {
     auto font = std::make_shared<StdFont>("Arial", 10);
-    PropertyBag bag;
+    JsonPropertyBag bag;
     bag.WriteProperty("Font", font);
     font->Bold(true);
     EXPECT_FALSE(bag.ReadProperty("Font").ToFont()->Bold());
 }
 
-TEST(PropertyBag, JsonRoundTripsEveryValueKind) {
+TEST(JsonPropertyBag, JsonRoundTripsEveryValueKind) {
     auto font = std::make_shared<StdFont>("Times New Roman", 12.75, true);
     font->Italic(true);
     font->Underline(true);
@@ -86,7 +86,7 @@ TEST(PropertyBag, JsonRoundTripsEveryValueKind) {
     auto picture = std::make_shared<StdPicture>(PictureType::Icon, 3, 2,
                                                 std::vector<std::uint32_t>{0xFF000000, 0x00FFFFFF, 0xFF123456,
                                                                            0x80ABCDEF, 0, 0xFFFFFFFF});
-    PropertyBag bag;
+    JsonPropertyBag bag;
     bag.WriteProperty("Empty", Variant());
     bag.WriteProperty("Boolean", true);
     bag.WriteProperty("Integer", std::int16_t{-32768});
@@ -100,7 +100,7 @@ TEST(PropertyBag, JsonRoundTripsEveryValueKind) {
     bag.WriteProperty("Nothing", Variant::Nothing());
     bag.WriteProperty("Missing", Variant::Missing());
 
-    const PropertyBag back = PropertyBag::FromJson(bag.ToJson());
+    const JsonPropertyBag back = JsonPropertyBag::FromJson(bag.ToJson());
     EXPECT_EQ(back, bag) << bag.ToJson();
     EXPECT_EQ(back.ReadProperty("Single").Kind(), VarKind::Single);
     EXPECT_EQ(back.ReadProperty("Double").Kind(), VarKind::Double);
@@ -109,8 +109,8 @@ TEST(PropertyBag, JsonRoundTripsEveryValueKind) {
     EXPECT_EQ(back.ReadProperty("Picture").ToPicture()->Pixels()[3], 0x80ABCDEFu);
 }
 
-TEST(PropertyBag, JsonWrittenByHandIsRead) {
-    const PropertyBag bag = PropertyBag::FromJson(
+TEST(JsonPropertyBag, JsonWrittenByHandIsRead) {
+    const JsonPropertyBag bag = JsonPropertyBag::FromJson(
         R"({"BackColor": 2147483663, "Caption": "Hi", "Size": 1.5, "Count": 3,
             "Font": {"Font": {"Name": "Arial", "Size": 9}}})");
     EXPECT_EQ(bag.ReadProperty("BackColor", Variant(0u)).ToLong(), static_cast<std::int32_t>(0x8000000F));
@@ -119,22 +119,22 @@ TEST(PropertyBag, JsonWrittenByHandIsRead) {
     EXPECT_FALSE(bag.ReadProperty("Font").ToFont()->Bold());
 }
 
-TEST(PropertyBag, MalformedJsonIsAClearError) {
-    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson("{"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson("[1]"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson(R"({"X": {"Unknown": 1}})"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson(R"({"X": {"Integer": 40000}})"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)PropertyBag::FromJson(R"({"P": {"Picture": {"Width": 2, "Height": 2, "Pixels": "AAAAAA=="}}})"); }), 481);
+TEST(JsonPropertyBag, MalformedJsonIsAClearError) {
+    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson("{"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson("[1]"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson(R"({"X": {"Unknown": 1}})"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson(R"({"X": {"Integer": 40000}})"); }), 380);
+    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson(R"({"P": {"Picture": {"Width": 2, "Height": 2, "Pixels": "AAAAAA=="}}})"); }), 481);
 }
 
-TEST(PropertyBag, ObjectsThatCannotPersistAreRefused) {
+TEST(JsonPropertyBag, ObjectsThatCannotPersistAreRefused) {
     class Plain final : public Object {
         const ClassInfo& TypeInfo() const override {
             static const ClassInfo info;
             return info;
         }
     };
-    PropertyBag bag;
+    JsonPropertyBag bag;
     EXPECT_EQ(ErrorOf([&] { bag.WriteProperty("Obj", std::shared_ptr<Object>(std::make_shared<Plain>())); }), 330);
     EXPECT_TRUE(bag.Empty());
 }

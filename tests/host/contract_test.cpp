@@ -56,14 +56,14 @@ TEST_F(ContractTest, NewControlGoesThroughInitPropertiesAndWritesNothing) {
 
     // The caption differs from its default, and the colour's read default is not its write
     // default, so an untouched control still writes it.
-    PropertyBag bag = form.SaveBag(form.Get("Probe1"));
+    JsonPropertyBag bag = form.SaveBag(form.Get("Probe1"));
     ASSERT_EQ(bag.Entries().size(), 2u) << bag.ToJson();
     EXPECT_EQ(bag.Entries()[0].first, "Caption");
     EXPECT_EQ(bag.Entries()[1].first, "BackColorP");
 }
 
 TEST_F(ContractTest, EmptyBagRestoresTheDefaults) {
-    form.Restore("Korvex_Tools.Probe", {"Probe1", 0, 0, 100, 100}, PropertyBag{});
+    form.Restore("Korvex_Tools.Probe", {"Probe1", 0, 0, 100, 100}, JsonPropertyBag{});
     Probe& probe = ProbeNamed("Probe1");
     EXPECT_EQ(probe.log, (std::vector<std::string>{"Initialize", "ReadProperties", "Resize"}));
     EXPECT_EQ(probe.Value(), 7);
@@ -82,7 +82,7 @@ TEST_F(ContractTest, LetSaveRestoreRoundTripsEveryProperty) {
     auto font = std::make_shared<StdFont>("Arial", 12, true);
     form.LetProperty(site, "Font", font);
 
-    const PropertyBag bag = form.SaveBag(site);
+    const JsonPropertyBag bag = form.SaveBag(site);
     form.Restore("Korvex_Tools.Probe", {"Probe2"}, bag);
     Probe& copy = ProbeNamed("Probe2");
     EXPECT_EQ(copy.Caption(), "Hallo");
@@ -97,14 +97,14 @@ TEST_F(ContractTest, LetSaveRestoreRoundTripsEveryProperty) {
 TEST_F(ContractTest, ValueEqualToWriteDefaultComesBackAsReadDefault) {
     Site& site = AddProbe("Probe1");
     ProbeNamed("Probe1").BackColorP(Probe::kWriteDefaultColor);
-    const PropertyBag bag = form.SaveBag(site);
+    const JsonPropertyBag bag = form.SaveBag(site);
     EXPECT_FALSE(bag.Contains("BackColorP"));
     form.Restore("Korvex_Tools.Probe", {"Probe2"}, bag);
     EXPECT_EQ(ProbeNamed("Probe2").BackColorP(), Probe::kReadDefaultColor);
 }
 
 TEST_F(ContractTest, BagOfTheWrongTypeFailsTheRestoreAndLeavesTheFormAlone) {
-    PropertyBag bad;
+    JsonPropertyBag bad;
     bad.WriteProperty("Value", "not a number");
     EXPECT_EQ(ErrorOf([&] { form.Restore("Korvex_Tools.Probe", {"Probe1"}, bad); }), 13);
     EXPECT_EQ(form.Find("Probe1"), nullptr);

@@ -69,7 +69,7 @@ class DisplayTest : public ::testing::Test {
                        std::int32_t width, std::int32_t height) {
         return form.Add(progId, {name, left, top, width, height});
     }
-    host::Site& Restore(const char* progId, const char* name, const host::PropertyBag& bag,
+    host::Site& Restore(const char* progId, const char* name, const host::JsonPropertyBag& bag,
                         std::int32_t left, std::int32_t top, std::int32_t width, std::int32_t height) {
         return form.Restore(progId, {name, left, top, width, height}, bag);
     }
@@ -77,7 +77,7 @@ class DisplayTest : public ::testing::Test {
     T& Control(const char* name) {
         return static_cast<T&>(form.Get(name).GetControl());
     }
-    host::PropertyBag Save(const char* name) { return form.SaveBag(form.Get(name)); }
+    host::JsonPropertyBag Save(const char* name) { return form.SaveBag(form.Get(name)); }
     std::int32_t Extent(const char* name, const char* which) {
         return form.GetProperty(form.Get(name), which).ToLong();
     }

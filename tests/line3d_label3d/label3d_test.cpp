@@ -114,7 +114,7 @@ TEST_F(Label3DTest, NewControlHasItsCreatedLook) {
 // size goes into the bag rounded to whole points.
 TEST_F(Label3DTest, NewControlWritesOnlyItsFont) {
     AddNew(kLabel, "L", 150, 150, 1800, 600);
-    const host::PropertyBag bag = Save("L");
+    const host::JsonPropertyBag bag = Save("L");
     std::vector<std::string> keys;
     for (const auto& [key, value] : bag.Entries()) keys.push_back(key);
     EXPECT_EQ(keys, (std::vector<std::string>{"Font", "FontBold", "FontName", "FontSize"}));
@@ -125,7 +125,7 @@ TEST_F(Label3DTest, NewControlWritesOnlyItsFont) {
 
 TEST_F(Label3DTest, EmptyBagGivesANewControlButTheAmbientFont) {
     AddNew(kLabel, "N", 150, 150, 1800, 600);
-    Restore(kLabel, "R", host::PropertyBag{}, 150, 900, 1800, 600);
+    Restore(kLabel, "R", host::JsonPropertyBag{}, 150, 900, 1800, 600);
     std::map<std::string, std::string> fresh = State("N"), restored = State("R");
     // The font keys restore the ambient font with the flags and name of their empty defaults; a
     // size of 0 is no size and leaves the ambient font's.
@@ -187,7 +187,7 @@ TEST_F(Label3DTest, BackColorFollowsTheSurface) {
     EXPECT_EQ(Get("L", "BackColorL").ToLong(), 0x0000FFFF);
     EXPECT_EQ(Pixels("L").at(119, 39), 0xFFFF00u);
     EXPECT_FALSE(Save("L").Contains("BackColorL"));
-    host::PropertyBag bag = Save("L");
+    host::JsonPropertyBag bag = Save("L");
     Restore(kLabel, "R", bag, 150, 900, 1800, 600);
     EXPECT_EQ(Get("R", "BackColorL").ToLong(), static_cast<std::int32_t>(0x8000000F));
 

@@ -154,7 +154,7 @@ TEST_F(Line3DTest, NewControlWritesItsColourAndItsChosenOrientation) {
     // The created colour differs from the key's default (the workspace colour), and the chosen
     // orientation from lAuto; nothing else was changed.
     for (const auto& [name, orientation] : {std::pair{"L", 0}, std::pair{"V", 1}}) {
-        const host::PropertyBag bag = Save(name);
+        const host::JsonPropertyBag bag = Save(name);
         ASSERT_EQ(bag.Entries().size(), 2u) << bag.ToJson();
         EXPECT_EQ(bag.Entries()[0].first, "BorderColor");
         EXPECT_EQ(bag.Entries()[0].second, Variant(std::int32_t{static_cast<std::int32_t>(0x80000010)}));
@@ -165,7 +165,7 @@ TEST_F(Line3DTest, NewControlWritesItsColourAndItsChosenOrientation) {
 
 TEST_F(Line3DTest, EmptyBagGivesTheWorkspaceColourAndOtherwiseANewControl) {
     AddNew(kLine, "N", 150, 150, 3000, 300);
-    Restore(kLine, "R", host::PropertyBag{}, 150, 600, 3000, 300);
+    Restore(kLine, "R", host::JsonPropertyBag{}, 150, 600, 3000, 300);
     std::vector<std::string> fresh = State("N"), restored = State("R");
     EXPECT_EQ(restored[0], "BorderColor=" + std::to_string(static_cast<std::int32_t>(0x8000000C)));
     EXPECT_EQ(fresh[0], "BorderColor=" + std::to_string(static_cast<std::int32_t>(0x80000010)));
@@ -193,14 +193,14 @@ TEST_F(Line3DTest, EveryPropertySurvivesSaveAndRestore) {
 }
 
 TEST_F(Line3DTest, RestoredLineKeepsItsPlacedLength) {
-    host::PropertyBag bag;
+    host::JsonPropertyBag bag;
     bag.WriteProperty("BorderWidth", std::int16_t{2});
     bag.WriteProperty("Orientation", std::int16_t{0});
     Restore(kLine, "L", bag, 150, 150, 2400, 60);
     EXPECT_EQ(Extent("L", "Width"), 2400);
     EXPECT_EQ(Extent("L", "Height"), 60);
     // A bag without an orientation decides it at the first resize, as a new control does.
-    host::PropertyBag automatic;
+    host::JsonPropertyBag automatic;
     automatic.WriteProperty("BorderWidth", std::int16_t{1});
     Restore(kLine, "A", automatic, 150, 600, 45, 1800);
     EXPECT_EQ(Line("A").Orientation(), OrientationConstants::lVertical);

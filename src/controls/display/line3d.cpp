@@ -10,35 +10,43 @@ using host::ClassBuilder;
 using host::ClassInfo;
 using host::Variant;
 
-namespace {
-
-// Strip colours a new control is created with: button shadow over button highlight.
-constexpr host::OLE_COLOR kCreatedBorderColor = 0x80000010;
-constexpr host::OLE_COLOR kDefaultBorderForeColor = 0x80000014;
 // "BorderColor" is read and written with the application-workspace colour as its default, not
-// with the colour a new control has; so a new control always stores its colour, and a bag
-// without the key gives the workspace colour.
-constexpr host::OLE_COLOR kBagBorderColor = 0x8000000C;
-
-constexpr std::int16_t kTwipsPerStripPixel = 15;
-
-}  // namespace
+// with the button-shadow colour a new control has; so a new control always stores its colour,
+// and a bag without the key gives the workspace colour.
+struct Line3D::Props {
+    using OLE_COLOR = host::OLE_COLOR;
+    static inline const host::Property<Line3D, OLE_COLOR> BorderColor{
+        .name = "BorderColor", .get = &Line3D::BorderColor, .set = &Line3D::BorderColor,
+        .read = 0x8000000CU, .init = 0x80000010U};
+    static inline const host::Property<Line3D, OLE_COLOR> BorderForeColor{
+        .name = "BorderForeColor", .get = &Line3D::BorderForeColor, .set = &Line3D::BorderForeColor,
+        .read = 0x80000014U};
+    static inline const host::Property<Line3D, std::int16_t> BorderWidth{
+        .name = "BorderWidth", .get = &Line3D::BorderWidth, .set = &Line3D::BorderWidth, .read = std::int16_t{1}};
+    static inline const host::Property<Line3D, OrientationConstants> Orientation{
+        .name = "Orientation", .get = &Line3D::Orientation, .set = &Line3D::Orientation,
+        .read = OrientationConstants::lAuto, .bag = host::BagKind::Integer};
+};
 
 const ClassInfo& Line3D::Class() {
     static const ClassInfo info =
         ClassBuilder<Line3D>("Line3D", "Korvex_Tools.Line3D")
             .Method("ShowAboutBox", {}, [](Line3D& c, std::span<Variant>) { c.ShowAboutBox(); })
             .DispId(host::kDispIdAboutBox)
-            .Property(KORVEX_PROPERTY(BorderColor))
-            .Property(KORVEX_PROPERTY(BorderForeColor))
-            .Property(KORVEX_PROPERTY(BorderWidth))
+            .Property(Props::BorderColor)
+            .Property(Props::BorderForeColor)
+            .Property(Props::BorderWidth)
             .Method("Refresh", {}, [](Line3D& c, std::span<Variant>) { c.Refresh(); })
-            .Property(KORVEX_PROPERTY(Orientation), "OrientationConstants")
+            .Property(Props::Orientation)
             .Method("DrawLine", {}, [](Line3D& c, std::span<Variant>) { c.DrawLine(); })
-            .Enum("OrientationConstants", {{"lHorizontal", 0}, {"lVertical", 1}, {"lAuto", 2}})
+            .Enum<OrientationConstants>()
             .Build();
     return info;
 }
+
+namespace {
+constexpr std::int16_t kTwipsPerStripPixel = 15;
+}  // namespace
 
 Line3D::Line3D(host::HostContext& context)
     : SurfaceControl(context), Line1(UserControl), Line2(UserControl) {
@@ -46,8 +54,8 @@ Line3D::Line3D(host::HostContext& context)
         strip->BackStyle(1);
         strip->BorderStyle(0);
     }
-    Line1.BackColor(kCreatedBorderColor);
-    Line2.BackColor(kDefaultBorderForeColor);
+    Line1.BackColor(Props::BorderColor.Initial(*this));
+    Line2.BackColor(Props::BorderForeColor.Initial(*this));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -58,27 +66,24 @@ void Line3D::UserControl_Initialize() {
 }
 
 void Line3D::UserControl_InitProperties() {
-    Orientation_ = OrientationConstants::lAuto;
-    BorderWidth_ = 1;
+    Orientation_ = Props::Orientation.Initial(*this);
+    BorderWidth_ = Props::BorderWidth.Initial(*this);
 }
 
 // The lets below run DrawLine before any resize has measured the length; the container puts the
 // saved size back after loading, and the resize that follows lays the line out.
 void Line3D::UserControl_ReadProperties(host::PropertyBag& PropBag) {
-    Line1.BackColor(static_cast<host::OLE_COLOR>(
-        PropBag.ReadProperty("BorderColor", Variant(kBagBorderColor)).ToLong()));
-    Line2.BackColor(static_cast<host::OLE_COLOR>(
-        PropBag.ReadProperty("BorderForeColor", Variant(kDefaultBorderForeColor)).ToLong()));
-    Orientation(static_cast<OrientationConstants>(
-        PropBag.ReadProperty("Orientation", std::int16_t{2}).ToInteger()));
-    BorderWidth(PropBag.ReadProperty("BorderWidth", std::int16_t{1}).ToInteger());
+    Line1.BackColor(Props::BorderColor.Read(*this, PropBag));
+    Line2.BackColor(Props::BorderForeColor.Read(*this, PropBag));
+    Props::Orientation.Load(*this, PropBag);
+    Props::BorderWidth.Load(*this, PropBag);
 }
 
 void Line3D::UserControl_WriteProperties(host::PropertyBag& PropBag) {
-    PropBag.WriteProperty("BorderColor", Variant(BorderColor()), Variant(kBagBorderColor));
-    PropBag.WriteProperty("BorderForeColor", Variant(BorderForeColor()), Variant(kDefaultBorderForeColor));
-    PropBag.WriteProperty("Orientation", static_cast<std::int16_t>(Orientation_), std::int16_t{2});
-    PropBag.WriteProperty("BorderWidth", BorderWidth_, std::int16_t{1});
+    Props::BorderColor.Save(*this, PropBag);
+    Props::BorderForeColor.Save(*this, PropBag);
+    Props::Orientation.Save(*this, PropBag);
+    Props::BorderWidth.Save(*this, PropBag);
 }
 
 // The first resize of a new control replaces lAuto for good: a control at least as high as it is

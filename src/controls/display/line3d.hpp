@@ -12,12 +12,13 @@
 
 #include "forms/shape.hpp"
 #include "forms/surface_control.hpp"
+#include "host/declare.hpp"
 #include "host/ole_types.hpp"
 #include "host/property_bag.hpp"
 
 namespace korvex::controls {
 
-enum class OrientationConstants : std::int32_t { lHorizontal = 0, lVertical = 1, lAuto = 2 };
+KORVEX_ENUM(OrientationConstants, lHorizontal = 0, lVertical = 1, lAuto = 2)
 
 class Line3D final : public forms::SurfaceControl {
   public:
@@ -55,6 +56,8 @@ class Line3D final : public forms::SurfaceControl {
     void ShowAboutBox() {}
 
   private:
+    struct Props;  // the property declarations
+
     forms::Shape Line1;
     forms::Shape Line2;
 
@@ -62,8 +65,6 @@ class Line3D final : public forms::SurfaceControl {
     OrientationConstants Orientation_ = OrientationConstants::lHorizontal;
     std::int16_t BorderWidth_ = 0;
     std::int16_t length_ = 0;  // twips along the line, as the last resize measured it
-
-    // True while the bag is being read: see UserControl_ReadProperties.
 };
 
 }  // namespace korvex::controls
