@@ -155,8 +155,5 @@ inline constexpr std::int16_t kMousePointerCustom = 99;
 std::int16_t CheckMousePointer(const Variant& value);
 // The cursor actually shown: custom without an icon falls back to the default.
 std::int16_t EffectiveMousePointer(std::int16_t pointer, const std::shared_ptr<StdPicture>& icon);
-// The seventeen members of a control's pointer enumeration ("Voreinstellung" = 0, "Pfeil" = 1,
-// ...); only the custom member carries the control's letter ("bMouseIcon" = 99).
-std::vector<std::pair<std::string, std::int32_t>> MousePointerMembers(std::string_view customName);
 
 }  // namespace korvex::host

@@ -70,6 +70,19 @@ const EnumDeclaration& EnumOf() {
         return declaration;                                                                 \
     }
 
+// The seventeen members of a control's pointer enumeration ("Voreinstellung" = 0, "Pfeil" = 1,
+// ...); only the custom member carries the control's letter ("bMouseIcon" = 99).
+EnumDeclaration::Members MousePointerMembers(std::string_view customName);
+
+// A control's pointer enumeration: the shared members under the control's own names.
+#define KORVEX_POINTER_ENUM(Name, customName)                                                    \
+    enum class Name : std::int32_t {};                                                           \
+    inline const ::korvex::host::EnumDeclaration& DescribeEnum(Name) {                           \
+        static const ::korvex::host::EnumDeclaration declaration(                                \
+            #Name, ::korvex::host::MousePointerMembers(customName));                             \
+        return declaration;                                                                      \
+    }
+
 // Events are numbered from 1 in the order of the event interface.
 #define KORVEX_EVENTS(Name, First, ...) KORVEX_ENUM(Name, First = 1, __VA_ARGS__)
 
