@@ -206,8 +206,8 @@ void DrawingSurface::Picture(std::shared_ptr<host::StdPicture> value) {
 }
 
 void DrawingSurface::SyncDc() {
-    gdi_.SetTextColor(dc_, TranslateColor(gdi_, foreColor_));
-    gdi_.SetBkColor(dc_, TranslateColor(gdi_, backColor_));
+    gdi_.SetTextColor(dc_, OleColorToRGB(gdi_, foreColor_));
+    gdi_.SetBkColor(dc_, OleColorToRGB(gdi_, backColor_));
     gdi_.SetBkMode(dc_, fontTransparent_ ? TRANSPARENT : OPAQUE);
     gdi_.SetROP2(dc_, drawMode_);
 }
@@ -220,7 +220,7 @@ void DrawingSurface::SyncFont() {
 }
 
 void DrawingSurface::FillBackground() {
-    const GdiObject brush = MakeBrush(gdi_, TranslateColor(gdi_, backColor_));
+    const GdiObject brush = MakeBrush(gdi_, OleColorToRGB(gdi_, backColor_));
     gdi_.FillRect(dc_, RECT{0, 0, bitmapSize_.cx, bitmapSize_.cy}, brush.get());
     if (IsDrawable(picture_)) PictureBitmap(gdi_, *picture_).Draw(dc_, 0, 0);
 }
@@ -258,7 +258,7 @@ void DrawingSurface::Print(std::string_view Text, bool NewLine) {
 
 void DrawingSurface::Line(float X1, float Y1, float X2, float Y2,
                           std::optional<host::OLE_COLOR> Color, LineBox Box) {
-    const COLORREF colour = TranslateColor(gdi_, Color.value_or(foreColor_));
+    const COLORREF colour = OleColorToRGB(gdi_, Color.value_or(foreColor_));
     const std::int32_t x1 = ToDevice(scale_.ToPixelX(X1)), y1 = ToDevice(scale_.ToPixelY(Y1));
     const std::int32_t x2 = ToDevice(scale_.ToPixelX(X2)), y2 = ToDevice(scale_.ToPixelY(Y2));
     // Dashes and dots exist only for the one-pixel pen; wider pens draw them solid.
@@ -278,7 +278,7 @@ void DrawingSurface::Line(float X1, float Y1, float X2, float Y2,
         }
         case LineBox::B: {
             const GdiObject pen = MakePen(gdi_, style, drawWidth_, colour);
-            const GdiObject fill = MakeBrush(gdi_, TranslateColor(gdi_, fillColor_));
+            const GdiObject fill = MakeBrush(gdi_, OleColorToRGB(gdi_, fillColor_));
             const ScopedSelect selectPen(gdi_, dc_, pen.get());
             const ScopedSelect selectBrush(
                 gdi_, dc_, fillStyle_ == 0 ? fill.get() : gdi_.GetStockObject(NULL_BRUSH));

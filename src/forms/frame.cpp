@@ -96,8 +96,8 @@ void Frame::Redraw() {
         gdi.GetTextExtentPoint32(dc, caption_, &extent);
         // Two pixels of face on either side keep the text off the broken line.
         const RECT behind{6, 0, std::min(8 + extent.cx + 2, window.Width()), extent.cy};
-        gdi.FillRect(dc, behind, MakeBrush(gdi, TranslateColor(gdi, BackColor())).get());
-        const COLORREF old = gdi.SetTextColor(dc, TranslateColor(gdi, ForeColor()));
+        gdi.FillRect(dc, behind, MakeBrush(gdi, OleColorToRGB(gdi, BackColor())).get());
+        const COLORREF old = gdi.SetTextColor(dc, OleColorToRGB(gdi, ForeColor()));
         const int oldMode = gdi.SetBkMode(dc, TRANSPARENT);
         gdi.TextOut(dc, 8, 0, caption_);
         gdi.SetBkMode(dc, oldMode);

@@ -12,7 +12,7 @@
 
 namespace korvex::forms {
 
-using host::TranslateColor;
+using host::OleColorToRGB;
 
 // The font request of a font object: lfHeight = -(points × logical pixels per inch / 72),
 // rounded half away from zero as MulDiv does.

@@ -130,7 +130,7 @@ void Label::FitToText() {
 void Label::Paint(HDC dc, const RECT& rect) const {
     platform::Gdi& gdi = *Device();
     if (backStyle_ == 1)
-        gdi.FillRect(dc, rect, MakeBrush(gdi, TranslateColor(gdi, backColor_)).get());
+        gdi.FillRect(dc, rect, MakeBrush(gdi, OleColorToRGB(gdi, backColor_)).get());
 
     const GdiObject font = MakeFont(gdi, *font_);
     const ScopedSelect select(gdi, dc, font.get());
@@ -174,7 +174,7 @@ void Label::Paint(HDC dc, const RECT& rect) const {
         }
     };
     if (Enabled()) {
-        draw(TranslateColor(gdi, foreColor_), 0, 0);
+        draw(OleColorToRGB(gdi, foreColor_), 0, 0);
     } else {
         // The etched look of disabled static text: a highlight copy one pixel down and right,
         // the shadow-coloured text over it.

@@ -50,9 +50,9 @@ void Shape::BorderWidth(std::int16_t value) {
 void Shape::Paint(HDC dc, const RECT& rect) const {
     platform::Gdi& gdi = *Device();
     if (backStyle_ == 1)
-        gdi.FillRect(dc, rect, MakeBrush(gdi, TranslateColor(gdi, backColor_)).get());
+        gdi.FillRect(dc, rect, MakeBrush(gdi, OleColorToRGB(gdi, backColor_)).get());
     if (borderStyle_ == 0) return;
-    const GdiObject border = MakeBrush(gdi, TranslateColor(gdi, borderColor_));
+    const GdiObject border = MakeBrush(gdi, OleColorToRGB(gdi, borderColor_));
     RECT frame = rect;
     for (int i = 0; i < borderWidth_ && !frame.IsEmpty(); ++i) {
         gdi.FrameRect(dc, frame, border.get());

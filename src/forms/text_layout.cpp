@@ -2,26 +2,17 @@
 
 #include <algorithm>
 
+#include "base/utf8.hpp"
+
 namespace korvex::forms {
 
 namespace {
 
-std::size_t Utf8Length(unsigned char lead) {
-    if (lead < 0x80) return 1;
-    if ((lead >> 5) == 0x6) return 2;
-    if ((lead >> 4) == 0xE) return 3;
-    if ((lead >> 3) == 0x1E) return 4;
-    return 1;  // a stray continuation byte counts as one character
-}
-
-char32_t DecodeUtf8(std::string_view s) {
-    if (s.empty()) return 0;
-    const auto lead = static_cast<unsigned char>(s[0]);
-    const std::size_t n = std::min(Utf8Length(lead), s.size());
-    if (n == 1) return lead;
-    char32_t c = lead & (0xFF >> (n + 1));
-    for (std::size_t i = 1; i < n; ++i) c = (c << 6) | (static_cast<unsigned char>(s[i]) & 0x3F);
-    return c;
+// Bytes of the code point at `pos`.
+std::size_t CodePointLength(std::string_view text, std::size_t pos) {
+    std::size_t next = pos;
+    NextCodePoint(text, next);
+    return next - pos;
 }
 
 }  // namespace
@@ -44,14 +35,12 @@ MnemonicText ParseMnemonic(std::string_view caption, bool useMnemonic) {
             ++i;
             continue;
         }
-        const std::size_t length = std::min(Utf8Length(static_cast<unsigned char>(caption[i + 1])),
-                                            caption.size() - i - 1);
         if (out.underline < 0) {
+            std::size_t next = i + 1;
+            const char32_t key = NextCodePoint(caption, next);
             out.underline = static_cast<std::ptrdiff_t>(out.text.size());
-            out.underlineLength = length;
-            char32_t key = DecodeUtf8(caption.substr(i + 1, length));
-            if (key >= 'a' && key <= 'z') key -= 'a' - 'A';
-            out.accessKey = key;
+            out.underlineLength = next - i - 1;
+            out.accessKey = UpperCaseLatin1(key);
         }
         // The marked character itself is copied by the next turn of the loop.
     }
@@ -80,9 +69,9 @@ std::vector<TextLine> BreakLines(std::string_view text, std::int32_t wrapWidth,
                 if (!fits) {
                     // The first word alone is too wide: cut it after the last character that
                     // fits, at least one so that the layout always advances.
-                    std::size_t cut = start + Utf8Length(static_cast<unsigned char>(text[start]));
+                    std::size_t cut = start + CodePointLength(text, start);
                     for (std::size_t c = cut; c < j;) {
-                        const std::size_t n = Utf8Length(static_cast<unsigned char>(text[c]));
+                        const std::size_t n = CodePointLength(text, c);
                         if (measure(text.substr(start, c + n - start)) > wrapWidth) break;
                         c += n;
                         cut = c;

@@ -16,7 +16,7 @@ struct MnemonicText {
     std::string text;                 // what is shown
     std::ptrdiff_t underline = -1;    // byte offset in text of the underlined character
     std::size_t underlineLength = 0;  // its UTF-8 length
-    char32_t accessKey = 0;           // the access letter, upper-cased (ASCII), 0 for none
+    char32_t accessKey = 0;           // the access letter, upper-cased as UCase does, 0 for none
 };
 
 // With useMnemonic false the caption is shown as it is. A lone "&" at the end shows nothing.

@@ -2,10 +2,6 @@
 
 namespace korvex::foundation {
 
-platform::COLORREF OleColorToRGB(platform::Gdi& gdi, host::OLE_COLOR color) {
-    return host::TranslateColor(gdi, color);
-}
-
 platform::COLORREF OleColorToRGBTopByte(platform::Gdi& gdi, host::OLE_COLOR color) {
     if ((color >> 24) != 0x80) return color;
     return gdi.GetSysColor(static_cast<int>(color & 255));

@@ -10,10 +10,8 @@
 
 namespace korvex::foundation {
 
-// The RGB value of an OLE colour. A value that is not negative as a signed 32-bit number is
-// already RGB and comes back unchanged, top byte included; otherwise the value without its high
-// bit is a system colour index (an index the platform does not know gives black).
-platform::COLORREF OleColorToRGB(platform::Gdi& gdi, host::OLE_COLOR color);
+// The one conversion of OLE colours, kept in the host so the forms layer uses it too.
+using host::OleColorToRGB;
 
 // The progress bar's variant: only a top byte of exactly 0x80 names a system colour, and then
 // the index is the low byte. It agrees with OleColorToRGB on every value a control produces.

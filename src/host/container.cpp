@@ -173,7 +173,7 @@ void Container::Hide() {
 
 void Container::OnPaint(platform::HDC dc, const platform::RECT& client) {
     platform::Gdi& gdi = context_.Platform()->gdi();
-    const platform::HBRUSH brush = gdi.CreateSolidBrush(TranslateColor(gdi, BackColor));
+    const platform::HBRUSH brush = gdi.CreateSolidBrush(OleColorToRGB(gdi, BackColor));
     gdi.FillRect(dc, client, brush);
     gdi.DeleteObject(brush);
 }

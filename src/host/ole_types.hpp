@@ -14,7 +14,7 @@ inline constexpr OLE_COLOR kSystemColorFlag = 0x80000000u;
 // An OLE colour as RGB: the high bit names a system colour, read from the device now, so a
 // scheme change shows at the next conversion. Unknown indices are the device's business
 // (GetSysColor answers 0).
-inline platform::COLORREF TranslateColor(platform::Gdi& gdi, OLE_COLOR color) {
+inline platform::COLORREF OleColorToRGB(platform::Gdi& gdi, OLE_COLOR color) {
     return (color & kSystemColorFlag) ? gdi.GetSysColor(static_cast<int>(color ^ kSystemColorFlag)) : color;
 }
 

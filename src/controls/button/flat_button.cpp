@@ -8,6 +8,7 @@
 
 #include "foundation/color.hpp"
 #include "foundation/hover.hpp"
+#include "forms/text_layout.hpp"
 #include "host/numeric.hpp"
 #include "platform/window.hpp"
 
@@ -37,61 +38,6 @@ constexpr OLE_COLOR kWhite = 0x00FFFFFF;
 // Pixels between the control's edge and the dotted focus rectangle: inside the two-pixel bevel,
 // with one pixel of face between them.
 constexpr std::int32_t kFocusInset = 3;
-
-std::size_t Utf8Length(unsigned char lead) {
-    if (lead >= 0xF0) return 4;
-    if (lead >= 0xE0) return 3;
-    if (lead >= 0xC0) return 2;
-    return 1;
-}
-
-// The character at the start of text, upper-cased as the host's UCase does for the first 256
-// code points (so "ä" gives 196), as a key code; 0 for a code point a 16-bit code cannot hold.
-std::int16_t AccessCode(std::string_view text) {
-    const auto lead = static_cast<unsigned char>(text[0]);
-    std::size_t length = std::min(Utf8Length(lead), text.size());
-    std::uint32_t cp = length == 1 ? lead : lead & (0x7Fu >> length);
-    for (std::size_t i = 1; i < length; ++i) cp = (cp << 6) | (static_cast<unsigned char>(text[i]) & 0x3Fu);
-    if ((cp >= 'a' && cp <= 'z') || (cp >= 0xE0 && cp <= 0xFE && cp != 0xF7)) cp -= 32;
-    return cp <= 0x7FFF ? static_cast<std::int16_t>(cp) : std::int16_t{0};
-}
-
-// A caption split for writing: the text without its access prefixes ("&&" written as "&"), and
-// where in it the access letter lies.
-struct CaptionParts {
-    std::string text;
-    std::size_t letter = std::string::npos;  // byte offset in text
-    std::size_t letterLength = 0;
-    std::int16_t code = 0;
-};
-
-// "&&" is a literal ampersand and never a prefix; the first single "&" followed by a character
-// names the access letter. Later single prefixes are dropped from the text but underline nothing.
-CaptionParts SplitCaption(std::string_view caption, bool useMnemonic) {
-    CaptionParts parts;
-    if (!useMnemonic) {
-        parts.text = caption;
-        return parts;
-    }
-    for (std::size_t i = 0; i < caption.size();) {
-        if (caption[i] != '&') {
-            parts.text += caption[i++];
-            continue;
-        }
-        if (i + 1 < caption.size() && caption[i + 1] == '&') {
-            parts.text += '&';
-            i += 2;
-            continue;
-        }
-        ++i;
-        if (i < caption.size() && parts.letter == std::string::npos) {
-            parts.letter = parts.text.size();
-            parts.letterLength = std::min(Utf8Length(static_cast<unsigned char>(caption[i])), caption.size() - i);
-            parts.code = AccessCode(caption.substr(i));
-        }
-    }
-    return parts;
-}
 
 bool KeyIsDown(platform::Windows& windows, int key) {
     return (static_cast<std::uint16_t>(windows.GetAsyncKeyState(key)) & 0x8000u) != 0;
@@ -486,11 +432,13 @@ void FlatButton::sFocus() {
 }
 
 void FlatButton::ComputeAccessKey() {
-    nAccessKey = SplitCaption(Caption_, UseMnemonic_).code;
+    // A 16-bit key code cannot hold every code point: such a letter names no key.
+    const char32_t key = forms::ParseMnemonic(Caption_, UseMnemonic_).accessKey;
+    nAccessKey = key <= 0x7FFF ? static_cast<std::int16_t>(key) : std::int16_t{0};
 }
 
 std::string FlatButton::DisplayCaption() const {
-    return SplitCaption(Caption_, UseMnemonic_).text;
+    return forms::ParseMnemonic(Caption_, UseMnemonic_).text;
 }
 
 // The caption is measured with the font, so a change of the font's own attributes moves it.
@@ -526,7 +474,7 @@ void FlatButton::Paint() {
         case Look::Pressed: DrawFlatBevel(gdi, dc, face, 2, kDark, kLight, back, kWhite, platform::PS_SOLID, 1); break;
     }
 
-    const CaptionParts parts = SplitCaption(Caption_, UseMnemonic_);
+    const forms::MnemonicText parts = forms::ParseMnemonic(Caption_, UseMnemonic_);
     // The pointer over the button colours the caption, pressed or not.
     const bool hovered = fHover && Ambient().UserMode;
     const platform::COLORREF textColor = foundation::OleColorToRGB(gdi, hovered ? HoverColor_ : TextColor_);
@@ -540,12 +488,12 @@ void FlatButton::Paint() {
     gdi.TextOut(dc, x, y, parts.text);
     gdi.SetTextColor(dc, previousColor);
 
-    if (parts.letter != std::string::npos) {
+    if (parts.underline >= 0) {
         // The underline runs under the letter's cell, one pixel below the baseline.
         const std::string_view text = parts.text;
         platform::SIZE before, letter;
-        gdi.GetTextExtentPoint32(dc, text.substr(0, parts.letter), &before);
-        gdi.GetTextExtentPoint32(dc, text.substr(parts.letter, parts.letterLength), &letter);
+        gdi.GetTextExtentPoint32(dc, text.substr(0, static_cast<std::size_t>(parts.underline)), &before);
+        gdi.GetTextExtentPoint32(dc, text.substr(static_cast<std::size_t>(parts.underline), parts.underlineLength), &letter);
         platform::TEXTMETRIC tm;
         gdi.GetTextMetrics(dc, &tm);
         const std::int32_t underline = y + tm.tmAscent + 1;

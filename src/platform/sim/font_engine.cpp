@@ -1,6 +1,6 @@
 // Text for the software device, measured and drawn the way classic GDI draws TrueType text.
 //
-// Sections: substitution · UTF-8 · engine state · realisation · metrics · glyphs · public API
+// Sections: substitution · engine state · realisation · metrics · glyphs · public API
 //
 // What GDI does and this mirrors:
 // - The cell is tmAscent + tmDescent tall, from the OS/2 "win" metrics (the clipping box Windows
@@ -13,6 +13,8 @@
 // - Underline and strike-out are solid bars across the whole extent, drawn after the glyphs.
 
 #include "platform/sim/font_engine.hpp"
+
+#include "base/utf8.hpp"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -83,52 +85,6 @@ std::string_view SubstituteFamily(std::string_view face) {
         if (s.requested == key) return s.family;
     }
     return face;
-}
-
-// ---------------------------------------------------------------------------------------------
-// UTF-8
-
-// Decodes one code point and advances `pos`; malformed input yields U+FFFD and skips one byte,
-// so every byte is consumed and decoding never stalls.
-char32_t NextCodePoint(std::string_view s, std::size_t& pos) {
-    constexpr char32_t kReplacement = 0xFFFD;
-    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(s[i]); };
-    const unsigned char b0 = byte(pos);
-    if (b0 < 0x80) {
-        ++pos;
-        return b0;
-    }
-    int extra = 0;
-    char32_t cp = 0;
-    char32_t minimum = 0;
-    if ((b0 & 0xE0) == 0xC0) {
-        extra = 1, cp = b0 & 0x1F, minimum = 0x80;
-    } else if ((b0 & 0xF0) == 0xE0) {
-        extra = 2, cp = b0 & 0x0F, minimum = 0x800;
-    } else if ((b0 & 0xF8) == 0xF0) {
-        extra = 3, cp = b0 & 0x07, minimum = 0x10000;
-    } else {
-        ++pos;
-        return kReplacement;
-    }
-    if (pos + static_cast<std::size_t>(extra) >= s.size()) {
-        ++pos;
-        return kReplacement;
-    }
-    for (int k = 1; k <= extra; ++k) {
-        const unsigned char b = byte(pos + static_cast<std::size_t>(k));
-        if ((b & 0xC0) != 0x80) {
-            ++pos;
-            return kReplacement;
-        }
-        cp = (cp << 6) | (b & 0x3F);
-    }
-    if (cp < minimum || cp > 0x10FFFF || (cp >= 0xD800 && cp <= 0xDFFF)) {
-        ++pos;
-        return kReplacement;
-    }
-    pos += static_cast<std::size_t>(extra) + 1;
-    return cp;
 }
 
 // Scales font units to pixels: value * ppem / unitsPerEm, rounded up, to nearest or down.
