@@ -18,6 +18,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -196,5 +197,17 @@ private:
         }
     }
 };
+
+// A control's keys in bag order, as `std::tie(Props::A, Props::B, ...)`: SaveAll writes each
+// with its write default; LoadAll reads each and passes it to its setter. Handlers with special
+// paths call the declarations one by one instead.
+template <class C, class... P>
+void SaveAll(const C& control, PropertyBag& PropBag, const std::tuple<const P&...>& keys) {
+    std::apply([&](const auto&... key) { (key.Save(control, PropBag), ...); }, keys);
+}
+template <class C, class... P>
+void LoadAll(C& control, const PropertyBag& PropBag, const std::tuple<const P&...>& keys) {
+    std::apply([&](const auto&... key) { (key.Load(control, PropBag), ...); }, keys);
+}
 
 }  // namespace korvex::host

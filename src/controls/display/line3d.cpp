@@ -1,6 +1,7 @@
 #include "controls/display/line3d.hpp"
 
 #include <span>
+#include <tuple>
 
 #include "host/numeric.hpp"
 
@@ -26,6 +27,9 @@ struct Line3D::Props {
     static inline const host::Property<Line3D, OrientationConstants> Orientation{
         .name = "Orientation", .get = &Line3D::Orientation, .set = &Line3D::Orientation,
         .read = OrientationConstants::lAuto, .bag = host::BagKind::Integer};
+
+    // Bag order.
+    static inline const auto Keys = std::tie(BorderColor, BorderForeColor, Orientation, BorderWidth);
 };
 
 const ClassInfo& Line3D::Class() {
@@ -80,10 +84,7 @@ void Line3D::UserControl_ReadProperties(host::PropertyBag& PropBag) {
 }
 
 void Line3D::UserControl_WriteProperties(host::PropertyBag& PropBag) {
-    Props::BorderColor.Save(*this, PropBag);
-    Props::BorderForeColor.Save(*this, PropBag);
-    Props::Orientation.Save(*this, PropBag);
-    Props::BorderWidth.Save(*this, PropBag);
+    host::SaveAll(*this, PropBag, Props::Keys);
 }
 
 // The first resize of a new control replaces lAuto for good: a control at least as high as it is
