@@ -50,12 +50,15 @@ struct Frames::Props {
     static inline const Property<Frames, bool> FontItalic{
         .name = "FontItalic", .get = &Frames::FontItalic, .set = &Frames::FontItalic, .bag = BagKind::Integer};
     static inline const Property<Frames, float> FontSize{
-        .name = "FontSize", .get = &Frames::FontSize, .set = &Frames::FontSize, .bag = BagKind::Integer};
+        .name = "FontSize", .get = &Frames::FontSize, .set = &Frames::FontSize,
+        .init = {[](const Frames& c) { return static_cast<float>(c.Ambient().Font->Size()); }, "the ambient font's"},
+        .bag = BagKind::Integer};
     static inline const Property<Frames, bool> FontStrikethru{
         .name = "FontStrikethru", .get = &Frames::FontStrikethru, .set = &Frames::FontStrikethru,
         .bag = BagKind::Integer};
     static inline const Property<Frames, std::string> FontName{
-        .name = "FontName", .get = &Frames::FontName, .set = &Frames::FontName};
+        .name = "FontName", .get = &Frames::FontName, .set = &Frames::FontName,
+        .init = {[](const Frames& c) { return c.Ambient().Font->Name(); }, "the ambient font's"}};
     static inline const Property<Frames, BoAli> Alignment{
         .name = "Alignment", .get = &Frames::Alignment, .set = &Frames::Alignment, .read = BoAli::fLeft};
     static inline const Property<Frames, BoAl> AlignmentTop{

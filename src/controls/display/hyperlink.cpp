@@ -35,7 +35,9 @@ struct Hyperlink::Props {
         .name = "FontUnderline", .get = &Hyperlink::FontUnderline, .set = &Hyperlink::FontUnderline};
     static inline const Property<Hyperlink, float> FontSize{
         .name = "FontSize", .get = &Hyperlink::FontSize, .set = &Hyperlink::FontSize, .read = 8.25F,
-        .write = 0.0F, .bag = BagKind::Double};
+        .write = 0.0F,
+        .init = {[](const Hyperlink& c) { return static_cast<float>(c.Ambient().Font->Size()); }, "the ambient font's"},
+        .bag = BagKind::Double};
     static inline const Property<Hyperlink, Picture_t> Picture{.name = "Picture"};
     static inline const Property<Hyperlink, std::int16_t> Style{
         .name = "Style", .get = &Hyperlink::Style, .set = &Hyperlink::Style, .read = std::int16_t{1}};

@@ -42,15 +42,18 @@ struct Label3D::Props {
         .name = "FocusRect", .get = &Label3D::FocusRect, .set = &Label3D::FocusRect, .read = false};
     static inline const host::Property<Label3D, std::int16_t> TextMode{
         .name = "TextMode", .get = &Label3D::TextMode, .set = &Label3D::TextMode, .read = std::int16_t{0}};
+    // Both labels are created with Arial 8.25 bold.
     static inline const host::Property<Label3D, bool> FontBold{
-        .name = "FontBold", .get = &Label3D::FontBold, .set = &Label3D::FontBold, .bag = host::BagKind::Integer};
+        .name = "FontBold", .get = &Label3D::FontBold, .set = &Label3D::FontBold, .init = true,
+        .bag = host::BagKind::Integer};
     static inline const host::Property<Label3D, bool> FontItalic{
         .name = "FontItalic", .get = &Label3D::FontItalic, .set = &Label3D::FontItalic,
         .bag = host::BagKind::Integer};
     static inline const host::Property<Label3D, std::string> FontName{
-        .name = "FontName", .get = &Label3D::FontName, .set = &Label3D::FontName};
+        .name = "FontName", .get = &Label3D::FontName, .set = &Label3D::FontName, .init = "Arial"};
     static inline const host::Property<Label3D, float> FontSize{
-        .name = "FontSize", .get = &Label3D::FontSize, .set = &Label3D::FontSize, .bag = host::BagKind::Integer};
+        .name = "FontSize", .get = &Label3D::FontSize, .set = &Label3D::FontSize, .init = 8.25F,
+        .bag = host::BagKind::Integer};
     static inline const host::Property<Label3D, bool> FontStrikethru{
         .name = "FontStrikethru", .get = &Label3D::FontStrikethru, .set = &Label3D::FontStrikethru,
         .bag = host::BagKind::Integer};
@@ -107,7 +110,8 @@ Label3D::Label3D(host::HostContext& context)
     const float width = UserControl.Width(), height = UserControl.Height();
     for (forms::Label* label : {&lbShadow, &lbFont}) {
         label->Caption(Props::Caption.Initial(*this));
-        label->Font(std::make_shared<host::StdFont>("Arial", 8.25, true));
+        label->Font(std::make_shared<host::StdFont>(Props::FontName.Initial(*this), Props::FontSize.Initial(*this),
+                                                    Props::FontBold.Initial(*this)));
     }
     lbFont.BackStyle(0);
     lbFont.ForeColor(TextColor_);
