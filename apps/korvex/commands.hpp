@@ -23,5 +23,6 @@ int RunForm(Args args);
 int RenderForm(Args args);
 int RunGallery(Args args);
 int RunGdi(Args args);
+int RunMembers(Args args);
 
 }  // namespace korvex::cli

@@ -29,6 +29,8 @@ constexpr std::array kCommands = {
     Command{"gallery", "korvex gallery --out DIR", "renders every control in its main looks, with index.html",
             RunGallery},
     Command{"gdi", "korvex gdi SCRIPT [--png FILE] [--hex FILE]", "runs a drawing script and writes the canvas", RunGdi},
+    Command{"members", "korvex members CLASS | --all --out DIR",
+            "the member reference of a class (e.g. Korvex_Tools.Button) as Markdown", RunMembers},
 };
 
 int Help(Args) {

@@ -91,8 +91,8 @@ EnumDeclaration::Members MousePointerMembers(std::string_view customName);
 // Properties
 
 // How a key is kept in the bag: the kind of Variant written and read. Colours and enumerations
-// default to Long; a 16-bit enumeration says Integer.
-enum class BagKind { Auto, Boolean, Integer, Long, Single, String, Font, Picture };
+// default to Long; a 16-bit enumeration says Integer; a size kept as a Double says Double.
+enum class BagKind { Auto, Boolean, Integer, Long, Single, String, Font, Picture, Double };
 
 // A default: a fixed value, or one computed from the control when it is needed (the ambient
 // font, the colour the surface has now).
@@ -150,6 +150,14 @@ struct Property {
     void SaveValue(const C& control, PropertyBag& PropBag, const V& value) const {
         PropBag.WriteProperty(Key(), Stored(value), Stored(WriteDefault(control)));
     }
+    // The same pair for a value the declared type cannot carry exactly (a font size kept as a
+    // Double behind a Single property): the bag's Variant as read, and one written as given.
+    [[nodiscard]] Variant ReadStored(const C& control, const PropertyBag& PropBag) const {
+        return PropBag.ReadProperty(Key(), Stored(ReadDefault(control)));
+    }
+    void SaveStored(const C& control, PropertyBag& PropBag, const Variant& value) const {
+        PropBag.WriteProperty(Key(), value, Stored(WriteDefault(control)));
+    }
 
     [[nodiscard]] V ReadDefault(const C& control) const {
         if (read.set) return read.Of(control);
@@ -162,9 +170,13 @@ struct Property {
     [[nodiscard]] Variant Stored(const V& value) const {
         switch (bag) {
         case BagKind::Integer:
-            if constexpr (std::is_enum_v<V>) return Variant(static_cast<std::int16_t>(value));
+            // Checked: an enumeration value beyond 16 bits is the host's overflow, as any Integer.
+            if constexpr (std::is_enum_v<V>) return Variant(static_cast<std::int32_t>(value)).ConvertedLike(Variant(std::int16_t{}));
             else if constexpr (std::is_same_v<V, bool>) return Variant(static_cast<std::int16_t>(value ? -1 : 0));
             else return Variant(value).ConvertedLike(Variant(std::int16_t{}));
+        case BagKind::Double:
+            if constexpr (std::is_arithmetic_v<V>) return Variant(static_cast<double>(value));
+            else return Variant(value).ConvertedLike(Variant(0.0));
         case BagKind::Long:
             if constexpr (std::is_enum_v<V> || std::is_integral_v<V>) return Variant(static_cast<std::int32_t>(value));
             else return Variant(value).ConvertedLike(Variant(std::int32_t{}));

@@ -20,9 +20,50 @@ constexpr std::int32_t kEdgeOfStyle[] = {-1, 10, 5, 2, 4, 8, 1, 9, 6};
 constexpr OLE_COLOR kFlatFrameColour = 0x00914B00;  // dark blue
 constexpr OLE_COLOR kXPFrameColour = 0x009BA2A4;    // grey
 
-std::int16_t FontFlag(bool value) { return value ? std::int16_t{-1} : std::int16_t{0}; }
-
 }  // namespace
+
+// A new frame carries the caption it was created with, "Korvex-Frames", while the key's default
+// is "Korvex-Frame": a new frame saves its caption, and a bag without it gives the other one.
+// The font flags and the size travel as 16-bit integers (sizes in whole points).
+struct Frames::Props {
+    using Font_t = std::shared_ptr<StdFont>;
+    using Picture_t = std::shared_ptr<StdPicture>;
+    static inline const Property<Frames, std::string> Caption{
+        .name = "Caption", .get = &Frames::Caption, .set = &Frames::Caption, .read = "Korvex-Frame",
+        .init = "Korvex-Frames"};
+    static inline const Property<Frames, Font_t> Font{.name = "Font", .get = &Frames::Font, .set = &Frames::Font};
+    static inline const Property<Frames, OLE_COLOR> TextColor{
+        .name = "TextColor", .get = &Frames::TextColor, .set = &Frames::TextColor, .read = 0U};
+    static inline const Property<Frames, OLE_COLOR> BackColorF{
+        .name = "BackColorF", .get = &Frames::BackColorF, .set = &Frames::BackColorF, .read = 0x8000000FU};
+    static inline const Property<Frames, BoStyle> BorderStyle{
+        .name = "BorderStyle", .get = &Frames::BorderStyle, .set = &Frames::BorderStyle,
+        .read = BoStyle::Standard_Frame, .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> EnabledF{
+        .name = "EnabledF", .get = &Frames::EnabledF, .set = &Frames::EnabledF, .read = true};
+    static inline const Property<Frames, Picture_t> MouseIcon{
+        .name = "MouseIcon", .get = &Frames::MouseIcon, .set = &Frames::MouseIcon};
+    static inline const Property<Frames, fMousePointerConst> MousePointer{
+        .name = "MousePointer", .get = &Frames::MousePointer, .set = &Frames::MousePointer, .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> FontBold{
+        .name = "FontBold", .get = &Frames::FontBold, .set = &Frames::FontBold, .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> FontItalic{
+        .name = "FontItalic", .get = &Frames::FontItalic, .set = &Frames::FontItalic, .bag = BagKind::Integer};
+    static inline const Property<Frames, float> FontSize{
+        .name = "FontSize", .get = &Frames::FontSize, .set = &Frames::FontSize,
+        .init = {[](const Frames& c) { return static_cast<float>(c.Ambient().Font->Size()); }, "the ambient font's"},
+        .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> FontStrikethru{
+        .name = "FontStrikethru", .get = &Frames::FontStrikethru, .set = &Frames::FontStrikethru,
+        .bag = BagKind::Integer};
+    static inline const Property<Frames, std::string> FontName{
+        .name = "FontName", .get = &Frames::FontName, .set = &Frames::FontName,
+        .init = {[](const Frames& c) { return c.Ambient().Font->Name(); }, "the ambient font's"}};
+    static inline const Property<Frames, BoAli> Alignment{
+        .name = "Alignment", .get = &Frames::Alignment, .set = &Frames::Alignment, .read = BoAli::fLeft};
+    static inline const Property<Frames, BoAl> AlignmentTop{
+        .name = "AlignmentTop", .get = &Frames::AlignmentTop, .set = &Frames::AlignmentTop, .read = BoAl::fStandard};
+};
 
 Frames::Frames(HostContext& context) : SurfaceControl(context), T(UserControl) {
     // The design data: a pixel surface, and an opaque caption label in the frame's colour that
@@ -32,55 +73,44 @@ Frames::Frames(HostContext& context) : SurfaceControl(context), T(UserControl) {
     T.BackStyle(1);
     T.BackColor(UserControl.BackColor());
     T.ForeColor(0);
-    T.Caption(kCreatedCaption);
+    T.Caption(Props::Caption.Initial(*this));
     T.Move(kCaptionIndent, 0);
+    SetNewState();
     ForwardInput();
 }
 
 const ClassInfo& Frames::Class() {
     static const ClassInfo info =
         ClassBuilder<Frames>("Frames", "Korvex_Tools.Frames")
-            .Property(KORVEX_PROPERTY(Font))
-            .Property(KORVEX_PROPERTY(TextColor))
-            .Property(KORVEX_PROPERTY(BackColorF))
-            .Property(KORVEX_PROPERTY(FontBold))
-            .Property(KORVEX_PROPERTY(FontItalic))
-            .Property(KORVEX_PROPERTY(FontName))
-            .Property(KORVEX_PROPERTY(FontSize))
-            .Property(KORVEX_PROPERTY(FontStrikethru))
-            .Property(KORVEX_PROPERTY(MouseIcon))
-            .Property(KORVEX_PROPERTY(MousePointer), "fMousePointerConst")
-            .Property(KORVEX_PROPERTY(BorderStyle), "BoStyle")
-            .Property(KORVEX_PROPERTY(Alignment), "BoAli")
-            .Property(KORVEX_PROPERTY(AlignmentTop), "BoAl")
-            .Property(KORVEX_PROPERTY(EnabledF))
+            .Property(Props::Font)
+            .Property(Props::TextColor)
+            .Property(Props::BackColorF)
+            .Property(Props::FontBold)
+            .Property(Props::FontItalic)
+            .Property(Props::FontName)
+            .Property(Props::FontSize)
+            .Property(Props::FontStrikethru)
+            .Property(Props::MouseIcon)
+            .Property(Props::MousePointer)
+            .Property(Props::BorderStyle)
+            .Property(Props::Alignment)
+            .Property(Props::AlignmentTop)
+            .Property(Props::EnabledF)
             .ReadOnly(KORVEX_READONLY(HasDC))
             .ReadOnly(KORVEX_READONLY(HDC))
             .ReadOnly(KORVEX_READONLY(hwnd))
-            .Property(KORVEX_PROPERTY(Caption))
-            .Event("Click")
-            .Event("DblClick")
-            .Event("MouseDown", MouseEventArgs())
-            .Event("MouseMove", MouseEventArgs())
-            .Event("MouseUp", MouseEventArgs())
-            .Event("KeyDown", KeyEventArgs())
-            .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", KeyEventArgs())
-            .Event("Focus", {Arg("bFocus", TypeCode::Boolean)})
-            .Enum("BoStyle", {{"Off_Frame", 0},
-                              {"Standard_Down", 1},
-                              {"Standard_Up", 2},
-                              {"Bright_Down", 3},
-                              {"Bright_Up", 4},
-                              {"Dark_Down", 5},
-                              {"Dark_UP", 6},
-                              {"Dark_Frame", 7},
-                              {"Standard_Frame", 8},
-                              {"Flat_Frame", 9},
-                              {"XP_Frame", 10}})
-            .Enum("BoAli", {{"fLeft", 0}, {"fCenter", 1}, {"fRight", 2}})
-            .Enum("BoAl", {{"fStandard", 0}, {"fUnderBorder", 1}, {"fOverBorder", 2}})
-            .Enum("fMousePointerConst", MousePointerMembers("fMouseIcon"))
+            .Property(Props::Caption)
+            .Events<FramesEvents>({{FramesEvents::MouseDown, MouseEventArgs()},
+                                   {FramesEvents::MouseMove, MouseEventArgs()},
+                                   {FramesEvents::MouseUp, MouseEventArgs()},
+                                   {FramesEvents::KeyDown, KeyEventArgs()},
+                                   {FramesEvents::KeyPress, {Arg("KeyAscii", TypeCode::Integer)}},
+                                   {FramesEvents::KeyUp, KeyEventArgs()},
+                                   {FramesEvents::Focus, {Arg("bFocus", TypeCode::Boolean)}}})
+            .Enum<BoStyle>()
+            .Enum<BoAli>()
+            .Enum<BoAl>()
+            .Enum<fMousePointerConst>()
             .Build();
     return info;
 }
@@ -88,20 +118,22 @@ const ClassInfo& Frames::Class() {
 // Only the surface's own input becomes the frame's events; the caption label keeps its clicks,
 // as a label on a frame does.
 void Frames::ForwardInput() {
+    using E = FramesEvents;
     forms::SurfaceEvents& e = UserControl.events;
-    e.Click = [this] { RaiseEvent(kClick); };
-    e.DblClick = [this] { RaiseEvent(kDblClick); };
-    ForwardMouse(e, kMouseDown, kMouseMove, kMouseUp);
-    e.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(kKeyDown, KeyCode, Shift); };
-    e.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(kKeyPress, KeyAscii); };
-    e.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(kKeyUp, KeyCode, Shift); };
+    e.Click = [this] { RaiseEvent(E::Click); };
+    e.DblClick = [this] { RaiseEvent(E::DblClick); };
+    ForwardMouse(e, static_cast<std::int32_t>(E::MouseDown), static_cast<std::int32_t>(E::MouseMove),
+                 static_cast<std::int32_t>(E::MouseUp));
+    e.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(E::KeyDown, KeyCode, Shift); };
+    e.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(E::KeyPress, KeyAscii); };
+    e.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(E::KeyUp, KeyCode, Shift); };
     e.GotFocus = [this] {
         bool bFocus = true;
-        RaiseEvent(kFocus, bFocus);
+        RaiseEvent(E::Focus, bFocus);
     };
     e.LostFocus = [this] {
         bool bFocus = false;
-        RaiseEvent(kFocus, bFocus);
+        RaiseEvent(E::Focus, bFocus);
     };
 }
 
@@ -109,65 +141,62 @@ void Frames::ForwardInput() {
 // Lifecycle
 
 void Frames::UserControl_Initialize() {
-    edgeKind_ = 6;
+    edgeKind_ = kNewEdgeKind;
 }
 
 void Frames::UserControl_InitProperties() {
-    BorderStyle_ = BoStyle::Standard_Frame;
-    Alignment_ = BoAli::fLeft;
-    AlignmentTop_ = BoAl::fStandard;
+    SetNewState();
 }
 
+void Frames::SetNewState() {
+    BorderStyle_ = Props::BorderStyle.Initial(*this);
+    Alignment_ = Props::Alignment.Initial(*this);
+    AlignmentTop_ = Props::AlignmentTop.Initial(*this);
+}
+
+// Caption, the colours, EnabledF, MousePointer and the font attributes go straight to the label
+// and the surface, without the lets' repaints.
 void Frames::UserControl_ReadProperties(PropertyBag& PropBag) {
-    SetCaptionText(PropBag.ReadProperty("Caption", kBagCaption).ToString());
-    Font(PropBag.ReadProperty("Font", Ambient().Font).ToFont());
-    // Saved as a Long, looked up with an Integer 0: the default only decides what a missing key
-    // gives, a stored colour is taken as it is (converting it to the default's type would
-    // overflow for every colour above &H7FFF).
-    const Variant textColor = PropBag.ReadProperty("TextColor");
-    T.ForeColor(static_cast<OLE_COLOR>((textColor.IsEmpty() ? Variant(std::int16_t{0}) : textColor).ToLong()));
-    const auto backColor =
-        static_cast<OLE_COLOR>(PropBag.ReadProperty("BackColorF", OLE_COLOR{0x8000000F}).ToLong());
+    SetCaptionText(Props::Caption.Read(*this, PropBag));
+    Props::Font.Load(*this, PropBag);
+    T.ForeColor(Props::TextColor.Read(*this, PropBag));
+    const OLE_COLOR backColor = Props::BackColorF.Read(*this, PropBag);
     UserControl.BackColor(backColor);
     T.BackColor(backColor);
-    BorderStyle(static_cast<BoStyle>(PropBag.ReadProperty("BorderStyle", std::int16_t{8}).ToInteger()));
-    UserControl.Enabled(PropBag.ReadProperty("EnabledF", true).ToBool());
-    MouseIcon(PropBag.ReadProperty("MouseIcon", Variant::Nothing()).ToPicture());
-    UserControl.MousePointer(PropBag.ReadProperty("MousePointer", std::int16_t{0}).ToInteger());
+    Props::BorderStyle.Load(*this, PropBag);
+    UserControl.Enabled(Props::EnabledF.Read(*this, PropBag));
+    Props::MouseIcon.Load(*this, PropBag);
+    UserControl.MousePointer(static_cast<std::int16_t>(Props::MousePointer.Read(*this, PropBag)));
     StdFont& font = *T.Font();
-    font.Bold(PropBag.ReadProperty("FontBold", std::int16_t{0}).ToBool());
-    font.Italic(PropBag.ReadProperty("FontItalic", std::int16_t{0}).ToBool());
+    font.Bold(Props::FontBold.Read(*this, PropBag));
+    font.Italic(Props::FontItalic.Read(*this, PropBag));
     // A saved frame never stores size 0 or name "" (a font has neither), so a missing key leaves
     // what "Font" restored rather than asking the font for an impossible value.
-    if (const std::int16_t size = PropBag.ReadProperty("FontSize", std::int16_t{0}).ToInteger(); size > 0)
-        font.Size(size);
-    font.Strikethrough(PropBag.ReadProperty("FontStrikethru", std::int16_t{0}).ToBool());
-    if (std::string name = PropBag.ReadProperty("FontName", "").ToString(); !name.empty())
-        font.Name(std::move(name));
-    Alignment(static_cast<BoAli>(PropBag.ReadProperty("Alignment", std::int32_t{0}).ToLong()));
-    AlignmentTop(static_cast<BoAl>(PropBag.ReadProperty("AlignmentTop", std::int32_t{0}).ToLong()));
+    if (const float size = Props::FontSize.Read(*this, PropBag); size > 0) font.Size(size);
+    font.Strikethrough(Props::FontStrikethru.Read(*this, PropBag));
+    if (std::string name = Props::FontName.Read(*this, PropBag); !name.empty()) font.Name(std::move(name));
+    Props::Alignment.Load(*this, PropBag);
+    Props::AlignmentTop.Load(*this, PropBag);
 }
 
 void Frames::UserControl_WriteProperties(PropertyBag& PropBag) {
-    PropBag.WriteProperty("Caption", T.Caption(), kBagCaption);
-    PropBag.WriteProperty("Font", T.Font(), Ambient().Font);
-    PropBag.WriteProperty("TextColor", T.ForeColor(), std::int16_t{0});
+    Props::Caption.Save(*this, PropBag);
+    Props::Font.Save(*this, PropBag);
+    Props::TextColor.Save(*this, PropBag);
     // Once from the surface and once from the label: both hold the same colour.
-    PropBag.WriteProperty("BackColorF", UserControl.BackColor(), OLE_COLOR{0x8000000F});
-    PropBag.WriteProperty("BackColorF", T.BackColor(), OLE_COLOR{0x8000000F});
-    PropBag.WriteProperty("BorderStyle", ToInteger(static_cast<double>(BorderStyle_)), std::int16_t{8});
-    PropBag.WriteProperty("EnabledF", UserControl.Enabled(), true);
-    PropBag.WriteProperty("MouseIcon", UserControl.MouseIcon(), Variant::Nothing());
-    PropBag.WriteProperty("MousePointer", UserControl.MousePointer(), std::int16_t{0});
-    const StdFont& font = *T.Font();
-    PropBag.WriteProperty("FontBold", FontFlag(font.Bold()), std::int16_t{0});
-    PropBag.WriteProperty("FontItalic", FontFlag(font.Italic()), std::int16_t{0});
-    // Whole points, as the 16-bit key holds them: 8.25 is saved as 8.
-    PropBag.WriteProperty("FontSize", ToInteger(font.Size()), std::int16_t{0});
-    PropBag.WriteProperty("FontStrikethru", FontFlag(font.Strikethrough()), std::int16_t{0});
-    PropBag.WriteProperty("FontName", font.Name(), "");
-    PropBag.WriteProperty("Alignment", static_cast<std::int32_t>(Alignment_), std::int32_t{0});
-    PropBag.WriteProperty("AlignmentTop", static_cast<std::int32_t>(AlignmentTop_), std::int32_t{0});
+    Props::BackColorF.Save(*this, PropBag);
+    Props::BackColorF.SaveValue(*this, PropBag, T.BackColor());
+    Props::BorderStyle.Save(*this, PropBag);
+    Props::EnabledF.Save(*this, PropBag);
+    Props::MouseIcon.Save(*this, PropBag);
+    Props::MousePointer.Save(*this, PropBag);
+    Props::FontBold.Save(*this, PropBag);
+    Props::FontItalic.Save(*this, PropBag);
+    Props::FontSize.Save(*this, PropBag);
+    Props::FontStrikethru.Save(*this, PropBag);
+    Props::FontName.Save(*this, PropBag);
+    Props::Alignment.Save(*this, PropBag);
+    Props::AlignmentTop.Save(*this, PropBag);
 }
 
 void Frames::UserControl_Resize() {

@@ -17,48 +17,25 @@
 
 #include "forms/label.hpp"
 #include "forms/surface_control.hpp"
+#include "host/declare.hpp"
 #include "host/ole_types.hpp"
 #include "host/property_bag.hpp"
 
 namespace korvex::controls {
 
-enum class BoStyle : std::int32_t {
-    Off_Frame = 0,
-    Standard_Down = 1,
-    Standard_Up = 2,
-    Bright_Down = 3,
-    Bright_Up = 4,
-    Dark_Down = 5,
-    Dark_UP = 6,
-    Dark_Frame = 7,
-    Standard_Frame = 8,
-    Flat_Frame = 9,
-    XP_Frame = 10,
-};
-enum class BoAli : std::int32_t { fLeft = 0, fCenter = 1, fRight = 2 };
-enum class BoAl : std::int32_t { fStandard = 0, fUnderBorder = 1, fOverBorder = 2 };
-// The pointer values 0 to 15 and 99 (fMouseIcon); see host::MousePointerMembers.
-enum class fMousePointerConst : std::int32_t {};
+KORVEX_ENUM(BoStyle, Off_Frame = 0, Standard_Down = 1, Standard_Up = 2, Bright_Down = 3, Bright_Up = 4,
+            Dark_Down = 5, Dark_UP = 6, Dark_Frame = 7, Standard_Frame = 8, Flat_Frame = 9, XP_Frame = 10)
+KORVEX_ENUM(BoAli, fLeft = 0, fCenter = 1, fRight = 2)
+KORVEX_ENUM(BoAl, fStandard = 0, fUnderBorder = 1, fOverBorder = 2)
+KORVEX_POINTER_ENUM(fMousePointerConst, "fMouseIcon")
+KORVEX_EVENTS(FramesEvents, Click, DblClick, MouseDown, MouseMove, MouseUp, KeyDown, KeyPress, KeyUp, Focus)
 
 class Frames final : public forms::SurfaceControl {
   public:
-    enum EventId : std::int32_t {
-        kClick = 1,
-        kDblClick,
-        kMouseDown,
-        kMouseMove,
-        kMouseUp,
-        kKeyDown,
-        kKeyPress,
-        kKeyUp,
-        kFocus,
-    };
-
-    // The caption a new frame is created with; a bag without "Caption" gives kBagCaption.
-    static constexpr const char* kCreatedCaption = "Korvex-Frames";
-    static constexpr const char* kBagCaption = "Korvex-Frame";
     // Where the caption starts from the left (or ends from the right) edge, in pixels.
     static constexpr float kCaptionIndent = 7;
+    // The edge flags styles 1 to 8 paint with before any BorderStyle let: etched.
+    static constexpr std::int32_t kNewEdgeKind = 6;
 
     explicit Frames(host::HostContext& context);
 
@@ -112,8 +89,11 @@ class Frames final : public forms::SurfaceControl {
     [[nodiscard]] std::int32_t EdgeKind() const { return edgeKind_; }
 
   private:
+    struct Props;  // the property declarations
+
     // Places the caption for the alignments, then repaints.
     void ResizeFrame();
+    void SetNewState();
     // Clears the drawing and paints the border for the current style.
     void Repaint();
     void ForwardInput();
@@ -121,11 +101,11 @@ class Frames final : public forms::SurfaceControl {
 
     forms::Label T;
 
-    // State record.
-    BoStyle BorderStyle_ = BoStyle::Standard_Frame;
+    // State record; the constructor gives it the new control's values.
+    BoStyle BorderStyle_ = BoStyle::Off_Frame;
     BoAli Alignment_ = BoAli::fLeft;
     BoAl AlignmentTop_ = BoAl::fStandard;
-    std::int32_t edgeKind_ = 6;
+    std::int32_t edgeKind_ = kNewEdgeKind;
 };
 
 }  // namespace korvex::controls

@@ -20,6 +20,61 @@ constexpr std::uint32_t kCursorKeyColour = 0x00FF00FF;
 
 }  // namespace
 
+// "HoverColor" is read and written with a paler cyan than the one a new link starts with, so a
+// new link always saves its hover colour. "FontSize" is a Double read as 8.25 and written
+// against 0. "Picture" (the surface's) and "ForeColor" (the caption's colour now, which no
+// reading uses) are keys of no property; Url has no key, a link's target is given at run time.
+struct Hyperlink::Props {
+    using Font_t = std::shared_ptr<StdFont>;
+    using Picture_t = std::shared_ptr<StdPicture>;
+    static inline const Property<Hyperlink, Font_t> Font{
+        .name = "Font", .get = &Hyperlink::Font, .set = &Hyperlink::Font};
+    static inline const Property<Hyperlink, std::string> Caption{
+        .name = "Caption", .get = &Hyperlink::Caption, .set = &Hyperlink::Caption, .read = "Hyperlink"};
+    static inline const Property<Hyperlink, bool> FontUnderline{
+        .name = "FontUnderline", .get = &Hyperlink::FontUnderline, .set = &Hyperlink::FontUnderline};
+    static inline const Property<Hyperlink, float> FontSize{
+        .name = "FontSize", .get = &Hyperlink::FontSize, .set = &Hyperlink::FontSize, .read = 8.25F,
+        .write = 0.0F,
+        .init = {[](const Hyperlink& c) { return static_cast<float>(c.Ambient().Font->Size()); }, "the ambient font's"},
+        .bag = BagKind::Double};
+    static inline const Property<Hyperlink, Picture_t> Picture{.name = "Picture"};
+    static inline const Property<Hyperlink, std::int16_t> Style{
+        .name = "Style", .get = &Hyperlink::Style, .set = &Hyperlink::Style, .read = std::int16_t{1}};
+    static inline const Property<Hyperlink, OLE_COLOR> ForeColor{.name = "ForeColor", .read = 0x00FF0000U};
+    static inline const Property<Hyperlink, bool> Clicked{
+        .name = "Clicked", .get = &Hyperlink::Clicked, .set = &Hyperlink::Clicked, .read = false};
+    static inline const Property<Hyperlink, std::string> Url{
+        .name = "Url", .get = &Hyperlink::Url, .set = &Hyperlink::Url, .persist = false};
+    static inline const Property<Hyperlink, OLE_COLOR> BackColorH{
+        .name = "BackColorH", .get = &Hyperlink::BackColorH, .set = &Hyperlink::BackColorH, .read = 0x8000000FU};
+    static inline const Property<Hyperlink, OLE_COLOR> LinkColor{
+        .name = "LinkColor", .get = &Hyperlink::LinkColor, .set = &Hyperlink::LinkColor, .read = 0x00FF0000U};
+    static inline const Property<Hyperlink, OLE_COLOR> HoverColor{
+        .name = "HoverColor", .get = &Hyperlink::HoverColor, .set = &Hyperlink::HoverColor, .read = 0x00FFFF80U,
+        .init = 0x00FFFF00U};
+    static inline const Property<Hyperlink, OLE_COLOR> ActiveColor{
+        .name = "ActiveColor", .get = &Hyperlink::ActiveColor, .set = &Hyperlink::ActiveColor, .read = 0x000000FFU};
+    static inline const Property<Hyperlink, OLE_COLOR> VisitedColor{
+        .name = "VisitedColor", .get = &Hyperlink::VisitedColor, .set = &Hyperlink::VisitedColor,
+        .read = 0x00800080U};
+    static inline const Property<Hyperlink, std::int16_t> BorderStyle{
+        .name = "BorderStyle", .get = &Hyperlink::BorderStyle, .set = &Hyperlink::BorderStyle};
+    static inline const Property<Hyperlink, std::int16_t> Alignment{
+        .name = "Alignment", .get = &Hyperlink::Alignment, .set = &Hyperlink::Alignment};
+    static inline const Property<Hyperlink, bool> AutoSizeH{
+        .name = "AutoSizeH", .get = &Hyperlink::AutoSizeH, .set = &Hyperlink::AutoSizeH, .read = true};
+    static inline const Property<Hyperlink, std::string> ToolTipTxt{
+        .name = "ToolTipTxt", .get = &Hyperlink::ToolTipTxt, .set = &Hyperlink::ToolTipTxt, .read = "ToolTipText"};
+    static inline const Property<Hyperlink, Picture_t> MouseIcon{
+        .name = "MouseIcon", .get = &Hyperlink::MouseIcon, .set = &Hyperlink::MouseIcon};
+    static inline const Property<Hyperlink, hMousePointerConst> MousePointer{
+        .name = "MousePointer", .get = &Hyperlink::MousePointer, .set = &Hyperlink::MousePointer,
+        .bag = BagKind::Integer};
+    static inline const Property<Hyperlink, MouSymbol> MouseSymbol{
+        .name = "MouseSymbol", .get = &Hyperlink::MouseSymbol, .set = &Hyperlink::MouseSymbol, .read = MouSymbol::lOff};
+};
+
 std::shared_ptr<StdPicture> LoadHandCursor(MouSymbol symbol) {
     const char* path = symbol == MouSymbol::lHand_NC ? "cursors/hand_nc.png" : "cursors/hand_ie.png";
     const auto bytes = resources::Find(path);
@@ -40,8 +95,8 @@ Hyperlink::Hyperlink(HostContext& context)
     // and the hidden carrier of the cursors.
     Label1.AutoSize(true);
     Label1.BackStyle(0);
-    Label1.ForeColor(kLinkColor);
-    Label1.Caption("Hyperlink");
+    Label1.ForeColor(Props::LinkColor.Initial(*this));
+    Label1.Caption(Props::Caption.Initial(*this));
     Label2.Visible(false);
     Label2.MouseIcon(LoadHandCursor(MouSymbol::lHand_IE));
     Label2DragIcon = LoadHandCursor(MouSymbol::lHand_NC);
@@ -51,7 +106,7 @@ Hyperlink::Hyperlink(HostContext& context)
     timer.Tick = [this] { OnHoverTick(); };
     Label1.events.Click = [this] { OnCaptionClick(); };
     Label1.events.MouseMove = [this](std::int16_t Button, std::int16_t Shift, float x, float y) {
-        RaiseEvent(kHover, Button, Shift, x, y);
+        RaiseEvent(HyperlinkEvents::Hover, Button, Shift, x, y);
     };
     UserControl.events.MouseUp = [this](std::int16_t, std::int16_t, float, float) {
         Label1.ForeColor(VisitedColor_);
@@ -69,33 +124,32 @@ const ClassInfo& Hyperlink::Class() {
         ClassBuilder<Hyperlink>("Hyperlink", "Korvex_Tools.Hyperlink")
             .Method("ShowAboutBox", {}, [](Hyperlink& h, std::span<Variant>) { h.ShowAboutBox(); })
             .DispId(kDispIdAboutBox)
-            .Property(KORVEX_PROPERTY(Font))
-            .Property(KORVEX_PROPERTY(Caption))
-            .Property(KORVEX_PROPERTY(FontUnderline))
-            .Property(KORVEX_PROPERTY(FontSize))
-            .Property(KORVEX_PROPERTY(Style))
-            .Property(KORVEX_PROPERTY(MouseIcon))
-            .Property(KORVEX_PROPERTY(MousePointer), "hMousePointerConst")
-            .Property(KORVEX_PROPERTY(MouseSymbol), "MouSymbol")
-            .Property(KORVEX_PROPERTY(ToolTipTxt))
+            .Property(Props::Font)
+            .Property(Props::Caption)
+            .Property(Props::FontUnderline)
+            .Property(Props::FontSize)
+            .Property(Props::Style)
+            .Property(Props::MouseIcon)
+            .Property(Props::MousePointer)
+            .Property(Props::MouseSymbol)
+            .Property(Props::ToolTipTxt)
             .Method("Refresh", {}, [](Hyperlink& h, std::span<Variant>) { h.Refresh(); })
-            .Property(KORVEX_PROPERTY(Clicked))
-            .Property(KORVEX_PROPERTY(Url))
-            .Property(KORVEX_PROPERTY(BackColorH))
-            .Property(KORVEX_PROPERTY(LinkColor))
-            .Property(KORVEX_PROPERTY(HoverColor))
-            .Property(KORVEX_PROPERTY(ActiveColor))
-            .Property(KORVEX_PROPERTY(VisitedColor))
-            .Property(KORVEX_PROPERTY(BorderStyle))
-            .Property(KORVEX_PROPERTY(Alignment))
-            .Property(KORVEX_PROPERTY(AutoSizeH))
+            .Property(Props::Clicked)
+            .Property(Props::Url)
+            .Property(Props::BackColorH)
+            .Property(Props::LinkColor)
+            .Property(Props::HoverColor)
+            .Property(Props::ActiveColor)
+            .Property(Props::VisitedColor)
+            .Property(Props::BorderStyle)
+            .Property(Props::Alignment)
+            .Property(Props::AutoSizeH)
             .Method("PlaySound", {Arg("ResourceId", TypeCode::Integer)},
                     [](Hyperlink& h, std::span<Variant> a) { h.PlaySound(a[0].ToInteger()); })
             .Method("EndPlaySound", {}, [](Hyperlink& h, std::span<Variant>) { h.EndPlaySound(); })
-            .Event("Hover", MouseEventArgs())
-            .Event("Click")
-            .Enum("MouSymbol", {{"lOff", 0}, {"lHand_IE", 1}, {"lHand_NC", 2}})
-            .Enum("hMousePointerConst", MousePointerMembers("hMouseIcon"))
+            .Events<HyperlinkEvents>({{HyperlinkEvents::Hover, MouseEventArgs()}})
+            .Enum<MouSymbol>()
+            .Enum<hMousePointerConst>()
             .Build();
     return info;
 }
@@ -104,70 +158,74 @@ const ClassInfo& Hyperlink::Class() {
 // Lifecycle
 
 void Hyperlink::UserControl_Initialize() {
-    LinkColor_ = kLinkColor;
-    HoverColor_ = kHoverColor;
-    ActiveColor_ = kActiveColor;
-    VisitedColor_ = kVisitedColor;
+    LinkColor_ = Props::LinkColor.Initial(*this);
+    HoverColor_ = Props::HoverColor.Initial(*this);
+    ActiveColor_ = Props::ActiveColor.Initial(*this);
+    VisitedColor_ = Props::VisitedColor.Initial(*this);
 }
 
 void Hyperlink::UserControl_InitProperties() {
-    Clicked_ = false;
+    Clicked_ = Props::Clicked.Initial(*this);
     Url_.clear();
-    ToolTipTxt_ = "ToolTipText";
-    AutoSizeH_ = true;
-    MouseSymbol_ = MouSymbol::lOff;
+    ToolTipTxt_ = Props::ToolTipTxt.Initial(*this);
+    AutoSizeH_ = Props::AutoSizeH.Initial(*this);
+    MouseSymbol_ = Props::MouseSymbol.Initial(*this);
 }
 
+// "LinkColor" is read twice: first into the caption's colour, later into the field. Font,
+// FontUnderline, FontSize, Alignment and MousePointer go straight to Label1, and Clicked,
+// AutoSizeH and ToolTipTxt to the fields (the Clicked let would refuse the designer).
 void Hyperlink::UserControl_ReadProperties(PropertyBag& PropBag) {
-    Label1.Font(PropBag.ReadProperty("Font", Ambient().Font).ToFont()->Clone());
+    Label1.Font(Props::Font.Read(*this, PropBag)->Clone());
     // The caption changes before "AutoSizeH" is read, so a restored link keeps the size its
     // form gives it.
-    if (std::string caption = PropBag.ReadProperty("Caption", "Hyperlink").ToString(); caption != Label1.Caption()) {
+    if (std::string caption = Props::Caption.Read(*this, PropBag); caption != Label1.Caption()) {
         Label1.Caption(std::move(caption));
         CaptionChanged();
     }
-    Label1.Font()->Underline(PropBag.ReadProperty("FontUnderline", std::int16_t{0}).ToBool());
-    Label1.Font()->Size(PropBag.ReadProperty("FontSize", 8.25).ToDouble());
-    UserControl.Picture(PropBag.ReadProperty("Picture", Variant::Nothing()).ToPicture());
-    Style(PropBag.ReadProperty("Style", std::int16_t{1}).ToInteger());
-    Label1.ForeColor(static_cast<OLE_COLOR>(PropBag.ReadProperty("LinkColor", kLinkColor).ToLong()));
-    Clicked_ = PropBag.ReadProperty("Clicked", false).ToBool();
-    BackColorH(static_cast<OLE_COLOR>(PropBag.ReadProperty("BackColorH", OLE_COLOR{0x8000000F}).ToLong()));
-    LinkColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("LinkColor", kLinkColor).ToLong());
-    HoverColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("HoverColor", kHoverColorBagDefault).ToLong());
-    ActiveColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("ActiveColor", kActiveColor).ToLong());
-    VisitedColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("VisitedColor", kVisitedColor).ToLong());
-    BorderStyle(PropBag.ReadProperty("BorderStyle", std::int16_t{0}).ToInteger());
-    Label1.Alignment(PropBag.ReadProperty("Alignment", std::int16_t{0}).ToInteger());
-    AutoSizeH_ = PropBag.ReadProperty("AutoSizeH", true).ToBool();
-    ToolTipTxt_ = PropBag.ReadProperty("ToolTipTxt", "ToolTipText").ToString();
-    MouseIcon(PropBag.ReadProperty("MouseIcon", Variant::Nothing()).ToPicture());
-    Label1.MousePointer(PropBag.ReadProperty("MousePointer", std::int16_t{0}).ToInteger());
-    MouseSymbol(static_cast<MouSymbol>(PropBag.ReadProperty("MouseSymbol", std::int32_t{0}).ToLong()));
+    Label1.Font()->Underline(Props::FontUnderline.Read(*this, PropBag));
+    Label1.Font()->Size(Props::FontSize.ReadStored(*this, PropBag).ToDouble());
+    UserControl.Picture(Props::Picture.Read(*this, PropBag));
+    Props::Style.Load(*this, PropBag);
+    Label1.ForeColor(Props::LinkColor.Read(*this, PropBag));
+    Clicked_ = Props::Clicked.Read(*this, PropBag);
+    Props::BackColorH.Load(*this, PropBag);
+    LinkColor_ = Props::LinkColor.Read(*this, PropBag);
+    HoverColor_ = Props::HoverColor.Read(*this, PropBag);
+    ActiveColor_ = Props::ActiveColor.Read(*this, PropBag);
+    VisitedColor_ = Props::VisitedColor.Read(*this, PropBag);
+    Props::BorderStyle.Load(*this, PropBag);
+    Label1.Alignment(Props::Alignment.Read(*this, PropBag));
+    AutoSizeH_ = Props::AutoSizeH.Read(*this, PropBag);
+    ToolTipTxt_ = Props::ToolTipTxt.Read(*this, PropBag);
+    Props::MouseIcon.Load(*this, PropBag);
+    Label1.MousePointer(static_cast<std::int16_t>(Props::MousePointer.Read(*this, PropBag)));
+    Props::MouseSymbol.Load(*this, PropBag);
 }
 
+// The keys of the reading, with "ForeColor" in the first "LinkColor"'s place.
 void Hyperlink::UserControl_WriteProperties(PropertyBag& PropBag) {
-    PropBag.WriteProperty("Font", Label1.Font(), Ambient().Font);
-    PropBag.WriteProperty("Caption", Label1.Caption(), "Hyperlink");
-    PropBag.WriteProperty("FontUnderline", Label1.Font()->Underline(), std::int16_t{0});
-    PropBag.WriteProperty("FontSize", Label1.Font()->Size(), 0.0);
-    PropBag.WriteProperty("Picture", UserControl.Picture(), Variant::Nothing());
-    PropBag.WriteProperty("Style", UserControl.BackStyle(), std::int16_t{1});
-    // The caption's colour now, under a key no reading uses; the link colour follows below.
-    PropBag.WriteProperty("ForeColor", Label1.ForeColor(), kLinkColor);
-    PropBag.WriteProperty("Clicked", Clicked_, false);
-    PropBag.WriteProperty("BackColorH", UserControl.BackColor(), OLE_COLOR{0x8000000F});
-    PropBag.WriteProperty("LinkColor", LinkColor_, kLinkColor);
-    PropBag.WriteProperty("HoverColor", HoverColor_, kHoverColorBagDefault);
-    PropBag.WriteProperty("ActiveColor", ActiveColor_, kActiveColor);
-    PropBag.WriteProperty("VisitedColor", VisitedColor_, kVisitedColor);
-    PropBag.WriteProperty("BorderStyle", UserControl.BorderStyle(), std::int16_t{0});
-    PropBag.WriteProperty("Alignment", Label1.Alignment(), std::int16_t{0});
-    PropBag.WriteProperty("AutoSizeH", AutoSizeH_, true);
-    PropBag.WriteProperty("ToolTipTxt", ToolTipTxt_, "ToolTipText");
-    PropBag.WriteProperty("MouseIcon", Label1.MouseIcon(), Variant::Nothing());
-    PropBag.WriteProperty("MousePointer", Label1.MousePointer(), std::int16_t{0});
-    PropBag.WriteProperty("MouseSymbol", static_cast<std::int32_t>(MouseSymbol_), std::int32_t{0});
+    Props::Font.Save(*this, PropBag);
+    Props::Caption.Save(*this, PropBag);
+    Props::FontUnderline.Save(*this, PropBag);
+    // The font's own size, not the Single the property hands out.
+    Props::FontSize.SaveStored(*this, PropBag, Label1.Font()->Size());
+    Props::Picture.SaveValue(*this, PropBag, UserControl.Picture());
+    Props::Style.Save(*this, PropBag);
+    Props::ForeColor.SaveValue(*this, PropBag, Label1.ForeColor());
+    Props::Clicked.Save(*this, PropBag);
+    Props::BackColorH.Save(*this, PropBag);
+    Props::LinkColor.Save(*this, PropBag);
+    Props::HoverColor.Save(*this, PropBag);
+    Props::ActiveColor.Save(*this, PropBag);
+    Props::VisitedColor.Save(*this, PropBag);
+    Props::BorderStyle.Save(*this, PropBag);
+    Props::Alignment.Save(*this, PropBag);
+    Props::AutoSizeH.Save(*this, PropBag);
+    Props::ToolTipTxt.Save(*this, PropBag);
+    Props::MouseIcon.Save(*this, PropBag);
+    Props::MousePointer.Save(*this, PropBag);
+    Props::MouseSymbol.Save(*this, PropBag);
 }
 
 void Hyperlink::UserControl_Resize() {
@@ -210,7 +268,7 @@ void Hyperlink::OnHoverTick() {
 // Link opening acts only at run time: in the designer a click on the caption raises the event
 // and nothing else (assigning Clicked there would be error 387).
 void Hyperlink::OnCaptionClick() {
-    RaiseEvent(kClick);
+    RaiseEvent(HyperlinkEvents::Click);
     if (!Ambient().UserMode) return;
     // A target the shell cannot open is no error: the link still counts as visited.
     UserControl.Platform().shell().ShellExecuteA(UserControl.hWnd(), std::nullopt, Url_, "", "C:\\",

@@ -26,14 +26,15 @@
 #include "forms/timer.hpp"
 #include "foundation/hover.hpp"
 #include "foundation/sounds.hpp"
+#include "host/declare.hpp"
 #include "host/ole_types.hpp"
 #include "host/property_bag.hpp"
 
 namespace korvex::controls {
 
-enum class MouSymbol : std::int32_t { lOff = 0, lHand_IE = 1, lHand_NC = 2 };
-// The pointer values 0 to 15 and 99 (hMouseIcon); see host::MousePointerMembers.
-enum class hMousePointerConst : std::int32_t {};
+KORVEX_ENUM(MouSymbol, lOff = 0, lHand_IE = 1, lHand_NC = 2)
+KORVEX_POINTER_ENUM(hMousePointerConst, "hMouseIcon")
+KORVEX_EVENTS(HyperlinkEvents, Hover, Click)
 
 // The hot spot of both hand cursors: the tip of the pointing finger, in cursor pixels. The
 // cursor pictures carry no hot spot of their own, so it is kept here beside the code that
@@ -45,17 +46,6 @@ std::shared_ptr<host::StdPicture> LoadHandCursor(MouSymbol symbol);
 
 class Hyperlink final : public forms::SurfaceControl {
   public:
-    enum EventId : std::int32_t { kHover = 1, kClick = 2 };
-
-    // Colours a new link starts with.
-    static constexpr host::OLE_COLOR kLinkColor = 0x00FF0000;     // blue
-    static constexpr host::OLE_COLOR kHoverColor = 0x00FFFF00;    // cyan
-    static constexpr host::OLE_COLOR kActiveColor = 0x000000FF;   // red
-    static constexpr host::OLE_COLOR kVisitedColor = 0x00800080;  // purple
-    // The bag's default of "HoverColor", which is not the colour a new link starts with: a new
-    // link always saves its hover colour.
-    static constexpr host::OLE_COLOR kHoverColorBagDefault = 0x00FFFF80;
-
     explicit Hyperlink(host::HostContext& context);
 
     static const host::ClassInfo& Class();
@@ -129,6 +119,8 @@ class Hyperlink final : public forms::SurfaceControl {
     [[nodiscard]] host::OLE_COLOR CaptionColor() const { return Label1.ForeColor(); }
 
   private:
+    struct Props;  // the property declarations
+
     void OnHoverTick();
     void OnCaptionClick();
     // Label1's caption changed: a self-sizing link fits the surface round it.

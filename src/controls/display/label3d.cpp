@@ -14,90 +14,130 @@ using host::Variant;
 
 namespace {
 
-constexpr const char* kCreatedCaption = "Korvex-Label";
-constexpr const char* kDefaultToolTip = "Quick-Info";
-constexpr host::OLE_COLOR kDefaultShadowColor = 0x00FFFF00;
-constexpr host::OLE_COLOR kDefaultFocusColor = 0x0000FF00;
-constexpr std::int16_t kDefaultDistance = 15;
 constexpr std::int16_t kKeyReturn = 13;
 
-// The font flags travel through the bag as 16-bit integers, True as -1.
-std::int16_t FlagValue(bool value) {
-    return value ? host::kTrue : host::kFalse;
-}
-
 }  // namespace
+
+// The font flags and "FontSize" travel as 16-bit integers (True as -1, sizes in whole points);
+// "BackColorL" defaults to the surface's colour at the moment it is asked for.
+struct Label3D::Props {
+    using OLE_COLOR = host::OLE_COLOR;
+    using Font_t = std::shared_ptr<host::StdFont>;
+    static inline const host::Property<Label3D, bool> EnabledL{
+        .name = "EnabledL", .get = &Label3D::EnabledL, .set = &Label3D::EnabledL, .read = true};
+    static inline const host::Property<Label3D, Font_t> Font{
+        .name = "Font", .get = &Label3D::Font, .set = &Label3D::Font};
+    static inline const host::Property<Label3D, bool> Shadow{
+        .name = "Shadow", .get = &Label3D::Shadow, .set = &Label3D::Shadow, .read = true};
+    static inline const host::Property<Label3D, OLE_COLOR> TextColor{
+        .name = "TextColor", .get = &Label3D::TextColor, .set = &Label3D::TextColor, .read = 0U};
+    static inline const host::Property<Label3D, OLE_COLOR> BackColorL{
+        .name = "BackColorL", .get = &Label3D::BackColorL, .set = &Label3D::BackColorL,
+        .read = {[](const Label3D& c) { return c.UserControl.BackColor(); }, "the surface's BackColor"}};
+    static inline const host::Property<Label3D, OLE_COLOR> ShadowColor{
+        .name = "ShadowColor", .get = &Label3D::ShadowColor, .set = &Label3D::ShadowColor, .read = 0x00FFFF00U};
+    static inline const host::Property<Label3D, OLE_COLOR> FocusColor{
+        .name = "FocusColor", .get = &Label3D::FocusColor, .set = &Label3D::FocusColor, .read = 0x0000FF00U};
+    static inline const host::Property<Label3D, bool> FocusRect{
+        .name = "FocusRect", .get = &Label3D::FocusRect, .set = &Label3D::FocusRect, .read = false};
+    static inline const host::Property<Label3D, std::int16_t> TextMode{
+        .name = "TextMode", .get = &Label3D::TextMode, .set = &Label3D::TextMode, .read = std::int16_t{0}};
+    // Both labels are created with Arial 8.25 bold.
+    static inline const host::Property<Label3D, bool> FontBold{
+        .name = "FontBold", .get = &Label3D::FontBold, .set = &Label3D::FontBold, .init = true,
+        .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, bool> FontItalic{
+        .name = "FontItalic", .get = &Label3D::FontItalic, .set = &Label3D::FontItalic,
+        .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, std::string> FontName{
+        .name = "FontName", .get = &Label3D::FontName, .set = &Label3D::FontName, .init = "Arial"};
+    static inline const host::Property<Label3D, float> FontSize{
+        .name = "FontSize", .get = &Label3D::FontSize, .set = &Label3D::FontSize, .init = 8.25F,
+        .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, bool> FontStrikethru{
+        .name = "FontStrikethru", .get = &Label3D::FontStrikethru, .set = &Label3D::FontStrikethru,
+        .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, std::string> ToolTipText{
+        .name = "ToolTipText", .get = &Label3D::ToolTipText, .set = &Label3D::ToolTipText, .read = "Quick-Info"};
+    static inline const host::Property<Label3D, std::string> Caption{
+        .name = "Caption", .get = &Label3D::Caption, .set = &Label3D::Caption, .read = "Korvex-Label"};
+    static inline const host::Property<Label3D, EnumBack> BackStyle{
+        .name = "BackStyle", .get = &Label3D::BackStyle, .set = &Label3D::BackStyle, .read = EnumBack::BgColor};
+    static inline const host::Property<Label3D, std::int16_t> xDist{
+        .name = "xDist", .get = &Label3D::xDist, .set = &Label3D::xDist, .read = std::int16_t{15}};
+};
 
 const ClassInfo& Label3D::Class() {
     static const ClassInfo info =
         ClassBuilder<Label3D>("Label3D", "Korvex_Tools.Label3D")
             .Method("ShowAboutBox", {}, [](Label3D& c, std::span<Variant>) { c.ShowAboutBox(); })
-            .Property(KORVEX_PROPERTY(FocusRect))
-            .Property(KORVEX_PROPERTY(EnabledL))
-            .Property(KORVEX_PROPERTY(Shadow))
-            .Property(KORVEX_PROPERTY(Font))
+            .Property(Props::FocusRect)
+            .Property(Props::EnabledL)
+            .Property(Props::Shadow)
+            .Property(Props::Font)
             .Method("Refresh", {}, [](Label3D& c, std::span<Variant>) { c.Refresh(); })
-            .Property(KORVEX_PROPERTY(FocusColor))
-            .Property(KORVEX_PROPERTY(TextColor))
-            .Property(KORVEX_PROPERTY(BackColorL))
-            .Property(KORVEX_PROPERTY(ShadowColor))
-            .Property(KORVEX_PROPERTY(TextMode))
-            .Property(KORVEX_PROPERTY(FontBold))
-            .Property(KORVEX_PROPERTY(FontItalic))
-            .Property(KORVEX_PROPERTY(FontName))
-            .Property(KORVEX_PROPERTY(FontSize))
-            .Property(KORVEX_PROPERTY(FontStrikethru))
+            .Property(Props::FocusColor)
+            .Property(Props::TextColor)
+            .Property(Props::BackColorL)
+            .Property(Props::ShadowColor)
+            .Property(Props::TextMode)
+            .Property(Props::FontBold)
+            .Property(Props::FontItalic)
+            .Property(Props::FontName)
+            .Property(Props::FontSize)
+            .Property(Props::FontStrikethru)
             .ReadOnly(KORVEX_READONLY(HDC))
             .ReadOnly(KORVEX_READONLY(hwnd))
             .ReadOnly(KORVEX_READONLY(HasDC))
-            .Property(KORVEX_PROPERTY(ToolTipText))
-            .Property(KORVEX_PROPERTY(Caption))
-            .Property(KORVEX_PROPERTY(BackStyle), "EnumBack")
-            .Property(KORVEX_PROPERTY(xDist))
-            .Event("Click")
-            .Event("DblClick")
-            .Event("MouseDown", host::MouseEventArgs())
-            .Event("MouseMove", host::MouseEventArgs())
-            .Event("MouseUp", host::MouseEventArgs())
-            .Event("KeyDown", host::KeyEventArgs())
-            .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", host::KeyEventArgs())
-            .Enum("EnumBack", {{"BgColor", 0}, {"cTRANSPARENT", 1}})
+            .Property(Props::ToolTipText)
+            .Property(Props::Caption)
+            .Property(Props::BackStyle)
+            .Property(Props::xDist)
+            .Events<Label3DEvents>({{Label3DEvents::MouseDown, host::MouseEventArgs()},
+                                    {Label3DEvents::MouseMove, host::MouseEventArgs()},
+                                    {Label3DEvents::MouseUp, host::MouseEventArgs()},
+                                    {Label3DEvents::KeyDown, host::KeyEventArgs()},
+                                    {Label3DEvents::KeyPress, {Arg("KeyAscii", TypeCode::Integer)}},
+                                    {Label3DEvents::KeyUp, host::KeyEventArgs()}})
+            .Enum<EnumBack>()
             .Build();
     return info;
 }
 
 Label3D::Label3D(host::HostContext& context)
     : SurfaceControl(context), lbShadow(UserControl), lbFont(UserControl) {
+    SetNewState();
     const float width = UserControl.Width(), height = UserControl.Height();
     for (forms::Label* label : {&lbShadow, &lbFont}) {
-        label->Caption(kCreatedCaption);
-        label->Font(std::make_shared<host::StdFont>("Arial", 8.25, true));
+        label->Caption(Props::Caption.Initial(*this));
+        label->Font(std::make_shared<host::StdFont>(Props::FontName.Initial(*this), Props::FontSize.Initial(*this),
+                                                    Props::FontBold.Initial(*this)));
     }
     lbFont.BackStyle(0);
     lbFont.ForeColor(TextColor_);
-    lbFont.ToolTipText(kDefaultToolTip);
+    lbFont.ToolTipText(ToolTipText_);
     lbFont.Move(0, 0, width, height);
     lbShadow.BackStyle(1);
     lbShadow.BackColor(UserControl.BackColor());
-    lbShadow.ForeColor(kDefaultShadowColor);
-    lbShadow.Move(kDefaultDistance, kDefaultDistance, width, height);
+    lbShadow.ForeColor(ShadowColor_);
+    lbShadow.Move(xDist_, xDist_, width, height);
 
     Forward(lbFont.events);
     Forward(lbShadow.events);
 
+    using E = Label3DEvents;
     forms::SurfaceEvents& surface = UserControl.events;
     surface.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) {
         if (!FocusRect_ || KeyCode == kKeyReturn) return;
-        RaiseEvent(kKeyDown, KeyCode, Shift);
+        RaiseEvent(E::KeyDown, KeyCode, Shift);
     };
-    surface.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(kKeyPress, KeyAscii); };
+    surface.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(E::KeyPress, KeyAscii); };
     surface.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) {
         if (!FocusRect_) return;
         if (KeyCode == kKeyReturn) {
-            RaiseEvent(kClick);
+            RaiseEvent(E::Click);
         } else {
-            RaiseEvent(kKeyUp, KeyCode, Shift);
+            RaiseEvent(E::KeyUp, KeyCode, Shift);
         }
     };
     surface.GotFocus = [this] {
@@ -110,7 +150,7 @@ Label3D::Label3D(host::HostContext& context)
 
 void Label3D::Forward(forms::MouseEvents& events) {
     events.Click = [this] {
-        RaiseEvent(kClick);
+        RaiseEvent(Label3DEvents::Click);
         if (!FocusRect_) return;
         // A focus request the platform refuses (hidden or disabled window) is of no concern
         // to the click that made it.
@@ -119,8 +159,9 @@ void Label3D::Forward(forms::MouseEvents& events) {
         } catch (const host::HostError&) {
         }
     };
-    events.DblClick = [this] { RaiseEvent(kDblClick); };
-    ForwardMouse(events, kMouseDown, kMouseMove, kMouseUp);
+    events.DblClick = [this] { RaiseEvent(Label3DEvents::DblClick); };
+    ForwardMouse(events, static_cast<std::int32_t>(Label3DEvents::MouseDown),
+                 static_cast<std::int32_t>(Label3DEvents::MouseMove), static_cast<std::int32_t>(Label3DEvents::MouseUp));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -131,84 +172,86 @@ void Label3D::UserControl_Initialize() {
 }
 
 void Label3D::UserControl_InitProperties() {
-    xDist_ = kDefaultDistance;
-    TextMode_ = 0;
-    BackStyle_ = EnumBack::BgColor;
-    ToolTipText_ = kDefaultToolTip;
-    BackColorL_ = UserControl.BackColor();
-    TextColor_ = 0;
-    ShadowColor_ = kDefaultShadowColor;
-    FocusColor_ = kDefaultFocusColor;
-    Shadow_ = true;
-    FocusRect_ = false;
+    SetNewState();
 }
 
-// Keys in this order, each with the default it is written with. The font flags go to lbFont's
-// font and are then copied to lbShadow's (one object once Font has been set).
+// The state record as the declarations give it to a new control (BackColorL from the surface's
+// colour at this moment); the labels keep their created fonts and captions.
+void Label3D::SetNewState() {
+    xDist_ = Props::xDist.Initial(*this);
+    TextMode_ = Props::TextMode.Initial(*this);
+    BackStyle_ = Props::BackStyle.Initial(*this);
+    ToolTipText_ = Props::ToolTipText.Initial(*this);
+    BackColorL_ = Props::BackColorL.Initial(*this);
+    TextColor_ = Props::TextColor.Initial(*this);
+    ShadowColor_ = Props::ShadowColor.Initial(*this);
+    FocusColor_ = Props::FocusColor.Initial(*this);
+    Shadow_ = Props::Shadow.Initial(*this);
+    FocusRect_ = Props::FocusRect.Initial(*this);
+}
+
+// Keys in this order. EnabledL, FocusColor, TextMode and Caption go straight to the labels or
+// the fields; the font flags go to lbFont's font and are then copied to lbShadow's (one object
+// once Font has been set).
 void Label3D::UserControl_ReadProperties(host::PropertyBag& PropBag) {
-    lbFont.Enabled(PropBag.ReadProperty("EnabledL", true).ToBool());
+    lbFont.Enabled(Props::EnabledL.Read(*this, PropBag));
     lbShadow.Enabled(lbFont.Enabled());
     // A copy: the bag's default is the container's own ambient font, which the font keys below
     // must not change.
-    std::shared_ptr<host::StdFont> font = PropBag.ReadProperty("Font", Ambient().Font).ToFont();
+    std::shared_ptr<host::StdFont> font = Props::Font.Read(*this, PropBag);
     Font(font ? font->Clone() : font);
-    Shadow(PropBag.ReadProperty("Shadow", true).ToBool());
-    TextColor(static_cast<host::OLE_COLOR>(PropBag.ReadProperty("TextColor", std::int32_t{0}).ToLong()));
-    BackColorL(static_cast<host::OLE_COLOR>(
-        PropBag.ReadProperty("BackColorL", Variant(UserControl.BackColor())).ToLong()));
-    ShadowColor(static_cast<host::OLE_COLOR>(
-        PropBag.ReadProperty("ShadowColor", Variant(kDefaultShadowColor)).ToLong()));
-    FocusColor_ = static_cast<host::OLE_COLOR>(
-        PropBag.ReadProperty("FocusColor", Variant(kDefaultFocusColor)).ToLong());
-    FocusRect(PropBag.ReadProperty("FocusRect", false).ToBool());
-    TextMode_ = PropBag.ReadProperty("TextMode", std::int16_t{0}).ToInteger();
+    Props::Shadow.Load(*this, PropBag);
+    Props::TextColor.Load(*this, PropBag);
+    Props::BackColorL.Load(*this, PropBag);
+    Props::ShadowColor.Load(*this, PropBag);
+    FocusColor_ = Props::FocusColor.Read(*this, PropBag);
+    Props::FocusRect.Load(*this, PropBag);
+    TextMode_ = Props::TextMode.Read(*this, PropBag);
 
     host::StdFont& front = *lbFont.Font();
     host::StdFont& back = *lbShadow.Font();
-    front.Bold(PropBag.ReadProperty("FontBold", std::int16_t{0}).ToInteger() != 0);
+    front.Bold(Props::FontBold.Read(*this, PropBag));
     back.Bold(front.Bold());
-    front.Italic(PropBag.ReadProperty("FontItalic", std::int16_t{0}).ToInteger() != 0);
+    front.Italic(Props::FontItalic.Read(*this, PropBag));
     back.Italic(front.Italic());
-    front.Name(PropBag.ReadProperty("FontName", "").ToString());
+    front.Name(Props::FontName.Read(*this, PropBag));
     back.Name(front.Name());
     // Every font has a size, so a control never writes 0; a bag without the key leaves the size
     // the "Font" key gave.
-    if (const std::int16_t size = PropBag.ReadProperty("FontSize", std::int16_t{0}).ToInteger(); size != 0) {
-        front.Size(size);
-    }
+    if (const float size = Props::FontSize.Read(*this, PropBag); size != 0) front.Size(size);
     back.Size(front.Size());
-    front.Strikethrough(PropBag.ReadProperty("FontStrikethru", std::int16_t{0}).ToInteger() != 0);
+    front.Strikethrough(Props::FontStrikethru.Read(*this, PropBag));
     back.Strikethrough(front.Strikethrough());
 
-    lbFont.Caption(PropBag.ReadProperty("Caption", kCreatedCaption).ToString());
+    lbFont.Caption(Props::Caption.Read(*this, PropBag));
     lbShadow.Caption(lbFont.Caption());
-    ToolTipText(PropBag.ReadProperty("ToolTipText", kDefaultToolTip).ToString());
-    xDist(PropBag.ReadProperty("xDist", kDefaultDistance).ToInteger());
-    BackStyle(static_cast<EnumBack>(PropBag.ReadProperty("BackStyle", std::int32_t{0}).ToLong()));
+    Props::ToolTipText.Load(*this, PropBag);
+    Props::xDist.Load(*this, PropBag);
+    Props::BackStyle.Load(*this, PropBag);
 }
 
 // BackColorL's default is the surface's colour, which the let keeps equal to the field, so the
-// key is stored only when the two have come apart.
+// key is stored only when the two have come apart. The shadow colour is the field's, not the
+// focus colour the shadow may show.
 void Label3D::UserControl_WriteProperties(host::PropertyBag& PropBag) {
-    const host::StdFont& font = *lbFont.Font();
-    PropBag.WriteProperty("EnabledL", lbFont.Enabled(), true);
-    PropBag.WriteProperty("Font", Font(), Ambient().Font);
-    PropBag.WriteProperty("Shadow", Shadow_, true);
-    PropBag.WriteProperty("TextColor", Variant(TextColor_), std::int32_t{0});
-    PropBag.WriteProperty("BackColorL", Variant(BackColorL_), Variant(UserControl.BackColor()));
-    PropBag.WriteProperty("ShadowColor", Variant(ShadowColor_), Variant(kDefaultShadowColor));
-    PropBag.WriteProperty("FocusColor", Variant(FocusColor_), Variant(kDefaultFocusColor));
-    PropBag.WriteProperty("FocusRect", FocusRect_, false);
-    PropBag.WriteProperty("TextMode", TextMode_, std::int16_t{0});
-    PropBag.WriteProperty("FontBold", FlagValue(font.Bold()), std::int16_t{0});
-    PropBag.WriteProperty("FontItalic", FlagValue(font.Italic()), std::int16_t{0});
-    PropBag.WriteProperty("FontName", font.Name(), "");
-    PropBag.WriteProperty("FontSize", host::ToInteger(font.Size()), std::int16_t{0});
-    PropBag.WriteProperty("FontStrikethru", FlagValue(font.Strikethrough()), std::int16_t{0});
-    PropBag.WriteProperty("Caption", lbFont.Caption(), kCreatedCaption);
-    PropBag.WriteProperty("ToolTipText", ToolTipText_, kDefaultToolTip);
-    PropBag.WriteProperty("xDist", xDist_, kDefaultDistance);
-    PropBag.WriteProperty("BackStyle", Variant(BackStyle_), std::int32_t{0});
+    Props::EnabledL.Save(*this, PropBag);
+    Props::Font.Save(*this, PropBag);
+    Props::Shadow.Save(*this, PropBag);
+    Props::TextColor.Save(*this, PropBag);
+    Props::BackColorL.Save(*this, PropBag);
+    Props::ShadowColor.SaveValue(*this, PropBag, ShadowColor_);
+    Props::FocusColor.Save(*this, PropBag);
+    Props::FocusRect.Save(*this, PropBag);
+    Props::TextMode.Save(*this, PropBag);
+    Props::FontBold.Save(*this, PropBag);
+    Props::FontItalic.Save(*this, PropBag);
+    Props::FontName.Save(*this, PropBag);
+    Props::FontSize.Save(*this, PropBag);
+    Props::FontStrikethru.Save(*this, PropBag);
+    Props::Caption.Save(*this, PropBag);
+    Props::ToolTipText.Save(*this, PropBag);
+    Props::xDist.Save(*this, PropBag);
+    Props::BackStyle.Save(*this, PropBag);
 }
 
 void Label3D::UserControl_Resize() {

@@ -18,27 +18,18 @@
 
 #include "forms/label.hpp"
 #include "forms/surface_control.hpp"
+#include "host/declare.hpp"
 #include "host/font.hpp"
 #include "host/ole_types.hpp"
 #include "host/property_bag.hpp"
 
 namespace korvex::controls {
 
-enum class EnumBack : std::int32_t { BgColor = 0, cTRANSPARENT = 1 };
+KORVEX_ENUM(EnumBack, BgColor = 0, cTRANSPARENT = 1)
+KORVEX_EVENTS(Label3DEvents, Click, DblClick, MouseDown, MouseMove, MouseUp, KeyDown, KeyPress, KeyUp)
 
 class Label3D final : public forms::SurfaceControl {
   public:
-    enum EventId : std::int32_t {
-        kClick = 1,
-        kDblClick,
-        kMouseDown,
-        kMouseMove,
-        kMouseUp,
-        kKeyDown,
-        kKeyPress,
-        kKeyUp,
-    };
-
     explicit Label3D(host::HostContext& context);
 
     static const host::ClassInfo& Class();
@@ -97,6 +88,9 @@ class Label3D final : public forms::SurfaceControl {
     void ShowAboutBox() { OpenAboutBox(); }
 
   private:
+    struct Props;  // the property declarations
+
+    void SetNewState();
     void LayOut();
     void Forward(forms::MouseEvents& events);
     // The font both labels share after a Font set; before it each has its own.
@@ -107,16 +101,16 @@ class Label3D final : public forms::SurfaceControl {
     forms::Label lbShadow;
     forms::Label lbFont;
 
-    // State record.
-    std::int16_t xDist_ = 15;
+    // State record; the constructor gives it the new control's values.
+    std::int16_t xDist_ = 0;
     std::int16_t TextMode_ = 0;
     EnumBack BackStyle_ = EnumBack::BgColor;
-    std::string ToolTipText_ = "Quick-Info";
+    std::string ToolTipText_;
     host::OLE_COLOR BackColorL_ = 0;
     host::OLE_COLOR TextColor_ = 0;
-    host::OLE_COLOR ShadowColor_ = 0x00FFFF00;
-    host::OLE_COLOR FocusColor_ = 0x0000FF00;
-    bool Shadow_ = true;
+    host::OLE_COLOR ShadowColor_ = 0;
+    host::OLE_COLOR FocusColor_ = 0;
+    bool Shadow_ = false;
     bool FocusRect_ = false;
 };
 

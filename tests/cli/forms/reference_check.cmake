@@ -1,0 +1,23 @@
+# Regenerates the member reference into the build tree and compares it, file by file, with the
+# committed docs/reference: a member table changed without regenerating the reference fails here.
+file(REMOVE_RECURSE ${OUT})
+execute_process(COMMAND ${KORVEX} members --all --out ${OUT} RESULT_VARIABLE rc ERROR_VARIABLE err)
+if(rc)
+  message(FATAL_ERROR "korvex members --all failed (${rc}): ${err}")
+endif()
+
+set(regenerate "regenerate it with: build/default/bin/korvex members --all --out docs/reference")
+file(GLOB generated RELATIVE ${OUT} ${OUT}/*.md)
+file(GLOB committed RELATIVE ${DOCS} ${DOCS}/*.md)
+list(SORT generated)
+list(SORT committed)
+if(NOT generated STREQUAL committed)
+  message(FATAL_ERROR "docs/reference holds ${committed}\nbut the library's classes give ${generated};\n${regenerate}")
+endif()
+foreach(page IN LISTS generated)
+  file(READ ${OUT}/${page} now)
+  file(READ ${DOCS}/${page} before)
+  if(NOT now STREQUAL before)
+    message(FATAL_ERROR "docs/reference/${page} differs from the member tables (see ${OUT}/${page});\n${regenerate}")
+  endif()
+endforeach()

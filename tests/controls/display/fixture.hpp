@@ -1,0 +1,125 @@
+#pragma once
+// A shown 600 x 400 pixel form on the virtual screen with the whole library registered: controls
+// are dropped on it new or restored from a bag, driven late bound or by scripts as korvex run
+// drives them, and read back as composed pixels.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <map>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "forms/graphics.hpp"
+#include "host/container.hpp"
+#include "host/script_runner.hpp"
+#include "library/library.hpp"
+#include "platform/sim/sim_platform.hpp"
+#include "support/error_of.hpp"
+
+namespace korvex::test {
+
+using namespace korvex::host;
+
+// Records PropertyChanged calls by property name, in order.
+class ChangeLog final : public EventSink {
+  public:
+    void OnEvent(Site&, const EventInfo&, std::span<Variant>) override {}
+    void OnPropertyChanged(Site& site, std::string_view property) override {
+        lines.push_back(site.Name() + "." + std::string(property));
+    }
+    std::vector<std::string> lines;
+};
+
+// A window's composed pixels, 0x00RRGGBB.
+struct Shot {
+    std::vector<std::uint32_t> bits;
+    int width = 0, height = 0;
+    [[nodiscard]] std::uint32_t at(int x, int y) const {
+        return bits[static_cast<std::size_t>(y * width + x)];
+    }
+    [[nodiscard]] int Count(std::uint32_t pixel) const {
+        return static_cast<int>(std::count(bits.begin(), bits.end(), pixel));
+    }
+    // Rows of characters through a legend; '?' for any other colour.
+    [[nodiscard]] std::vector<std::string> Map(const std::map<std::uint32_t, char>& legend) const {
+        std::vector<std::string> rows(static_cast<std::size_t>(height));
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x) {
+                const auto it = legend.find(at(x, y));
+                rows[static_cast<std::size_t>(y)] += it == legend.end() ? '?' : it->second;
+            }
+        return rows;
+    }
+};
+
+class DisplayTest : public ::testing::Test {
+  protected:
+    DisplayTest() {
+        RegisterLibrary(context);
+        form.Width = 9000;
+        form.Height = 6000;
+        form.Show();
+    }
+
+    static std::string Prog(std::string_view cls) { return "Korvex_Tools." + std::string(cls); }
+    Site& New(std::string_view cls, const Extender& at) { return form.Add(Prog(cls), at); }
+    Site& Restore(std::string_view cls, const Extender& at, const JsonPropertyBag& bag) {
+        return form.Restore(Prog(cls), at, bag);
+    }
+    template <class T>
+    T& Control(const char* name) {
+        return dynamic_cast<T&>(form.Get(name).GetControl());
+    }
+    JsonPropertyBag Save(const char* name) { return form.SaveBag(form.Get(name)); }
+    void Let(const char* name, const char* property, const Variant& value) {
+        form.LetProperty(form.Get(name), property, value);
+    }
+    Variant Get(const char* name, const char* property) {
+        return form.GetProperty(form.Get(name), property);
+    }
+    std::int32_t Long(const char* name, const char* property) {
+        return Get(name, property).ToLong();
+    }
+
+    std::string Run(const std::string& script) {
+        std::ostringstream out;
+        ScriptRunner runner(form, out, std::filesystem::path(KORVEX_BINARY_DIR) / "display_test");
+        runner.Run(script);
+        return out.str();
+    }
+
+    Shot Pixels(const char* name) {
+        const platform::HWND window = form.Get(name).GetControl().SurfaceWindow();
+        platform::RECT client;
+        platform.windows().GetClientRect(window, &client);
+        return {platform.windows().ComposeWindow(window), client.Width(), client.Height()};
+    }
+    std::uint32_t Sys(int index) {
+        const platform::COLORREF c = platform.gdi().GetSysColor(index);
+        return (std::uint32_t{platform::GetRValue(c)} << 16) |
+               (std::uint32_t{platform::GetGValue(c)} << 8) | platform::GetBValue(c);
+    }
+
+    // Width and line height of a text in the form's font (the ambient MS Sans Serif 8.25).
+    platform::SIZE TextSize(std::string_view text) {
+        platform::Gdi& gdi = platform.gdi();
+        const platform::HDC dc = gdi.CreateCompatibleDC({});
+        const forms::GdiObject font = forms::MakeFont(gdi, *context.DefaultFont());
+        const platform::HGDIOBJ old = gdi.SelectObject(dc, font.get());
+        platform::SIZE size;
+        gdi.GetTextExtentPoint32(dc, text, &size);
+        platform::TEXTMETRIC tm;
+        gdi.GetTextMetrics(dc, &tm);
+        gdi.SelectObject(dc, old);
+        gdi.DeleteDC(dc);
+        return {size.cx, tm.tmHeight};
+    }
+
+    platform::sim::SimPlatform platform;
+    HostContext context{&platform};
+    Container form{context};
+};
+
+}  // namespace korvex::test

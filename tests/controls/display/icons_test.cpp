@@ -1,0 +1,62 @@
+// Icons: the icon a program asks for by set, size and number, and the 38-pixel raised square.
+
+#include "fixture.hpp"
+
+#include "controls/display/icons.hpp"
+#include "foundation/images.hpp"
+
+namespace korvex::test {
+namespace {
+
+class IconsTest : public DisplayTest {
+  protected:
+    IconsTest() {
+        New("Icons", {"I1", 150, 150, 3000, 1500});
+        form.SwitchMode(true);
+    }
+    controls::Icons& Icons() { return Control<controls::Icons>("I1"); }
+};
+
+TEST_F(IconsTest, IconChoosesSetAndSizeFromItsArguments) {
+    const struct {
+        const char *over, *size;
+        std::int32_t id;
+        int pixels;
+    } rows[] = {
+        {"1", "32", 105, 32},
+        {"0", "16", 5, 16},
+        {"2", "24", 205, 16},  // any other size is 16, any other set the down images
+        {"-1", "32.0", 205, 32},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(std::string(row.over) + "/" + row.size);
+        const auto picture = Icons().Icon(row.over, row.size, 5);
+        ASSERT_NE(picture, nullptr);
+        EXPECT_EQ(picture->PixelWidth(), row.pixels);
+        EXPECT_TRUE(picture->SameContent(*foundation::LoadResImage(row.id, row.pixels, 2)));
+    }
+    EXPECT_EQ(Icons().Icon("0", "32", 51), nullptr);  // no such group: Nothing, no error
+    EXPECT_EQ(ErrorOf([&] { (void)Icons().Icon("eins", "32", 5); }), kErrTypeMismatch);
+    EXPECT_EQ(ErrorOf([&] { (void)Icons().Icon("1", "groß", 5); }), kErrTypeMismatch);
+    EXPECT_EQ(ErrorOf([&] { (void)Icons().Icon("2", "16", 2147483600); }), kErrOverflow);
+}
+
+TEST_F(IconsTest, StaysA38PixelRaisedSquare) {
+    EXPECT_EQ(
+        Run("get I1.Width\nset I1.Width 6000\nset I1.Height 45\nget I1.Width\nget I1.Height\n"),
+        "I1.Width = 570\nI1.Width = 570\nI1.Height = 570\n");
+    EXPECT_TRUE(Save("I1").Empty()) << "nothing to persist";
+    const Shot px = Pixels("I1");
+    ASSERT_EQ(px.bits.size(), 38u * 38u);
+    // Raised edge: light then highlight at the top and left, dark shadow then shadow at the
+    // bottom and right.
+    EXPECT_EQ(px.at(0, 10), Sys(platform::COLOR_3DLIGHT));
+    EXPECT_EQ(px.at(1, 10), Sys(platform::COLOR_BTNHIGHLIGHT));
+    EXPECT_EQ(px.at(37, 10), Sys(platform::COLOR_3DDKSHADOW));
+    EXPECT_EQ(px.at(36, 10), Sys(platform::COLOR_BTNSHADOW));
+    EXPECT_EQ(px.at(10, 37), Sys(platform::COLOR_3DDKSHADOW));
+    EXPECT_EQ(px.at(19, 19), Sys(platform::COLOR_BTNFACE));
+}
+
+}  // namespace
+}  // namespace korvex::test
