@@ -3,6 +3,7 @@
 // compared with (under Wine in the test suite).
 
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <string_view>
 #include <vector>
@@ -10,9 +11,15 @@
 #include "platform/gdi_script.hpp"
 #include "platform/win32/win32_gdi.hpp"
 
+namespace korvex::platform::win32 {
+int BenchLines(int passes);
+}
+
 int main(int argc, char** argv) {
     using namespace korvex::platform;
     const std::vector<std::string_view> args(argv + 1, argv + argc);
+    // The benchmark's real-GDI baseline (see bench/bench_raster.cpp).
+    if (args.size() == 2 && args[0] == "--bench-lines") return win32::BenchLines(std::atoi(argv[2]));
     std::string error;
     const auto parsed = ParseGdiScriptArgs(args, error);
     if (!parsed) {
