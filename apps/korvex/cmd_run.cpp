@@ -63,7 +63,7 @@ int RunForm(Args args) {
 
     Session session;
     session.Open(ReadFormFile(formPath));
-    host::ScriptRunner runner(session.form, std::cout, outDir);
+    host::ScriptRunner runner(session.form, session.platform.driver(), std::cout, outDir);
     try {
         runner.Run(script);
     } catch (const host::ScriptError& e) {
@@ -92,7 +92,7 @@ int RenderForm(Args args) {
     Session session;
     session.Open(ReadFormFile(formPath));
     platform::Windows& windows = session.platform.windows();
-    std::vector<std::uint32_t> pixels = windows.ComposeWindow(session.form.FormWindow());
+    std::vector<std::uint32_t> pixels = session.platform.driver().ComposeWindow(session.form.FormWindow());
     platform::RECT r;
     windows.GetWindowRect(session.form.FormWindow(), &r);
     platform::WritePng(output, {pixels.data(), r.Width(), r.Height()});

@@ -38,7 +38,7 @@ FormClient::FormClient(platform::Platform& platform, HWND frame, const RECT& pos
 
 Form::Form(platform::Platform& platform, std::string name) : platform_(platform), name_(std::move(name)) {
     Windows& windows = platform_.windows();
-    const std::int32_t w = 4800 / windows.TwipsPerPixelX(), h = 3600 / windows.TwipsPerPixelY();
+    const std::int32_t w = 4800 / TwipsPerPixelX(platform_), h = 3600 / TwipsPerPixelY(platform_);
     position_ = RECT{0, 0, w, h};
     hwnd_ = windows.CreateWindow(HWND{}, position_, WindowStyle{false, false}, this, caption_);
     client_ = std::make_unique<FormClient>(platform_, hwnd_, RECT{0, 0, 1, 1});
@@ -57,16 +57,16 @@ void Form::PlaceClient() {
 }
 
 float Form::Left() const {
-    return static_cast<float>(position_.left * platform_.windows().TwipsPerPixelX());
+    return static_cast<float>(position_.left * TwipsPerPixelX(platform_));
 }
 float Form::Top() const {
-    return static_cast<float>(position_.top * platform_.windows().TwipsPerPixelY());
+    return static_cast<float>(position_.top * TwipsPerPixelY(platform_));
 }
 float Form::Width() const {
-    return static_cast<float>(position_.Width() * platform_.windows().TwipsPerPixelX());
+    return static_cast<float>(position_.Width() * TwipsPerPixelX(platform_));
 }
 float Form::Height() const {
-    return static_cast<float>(position_.Height() * platform_.windows().TwipsPerPixelY());
+    return static_cast<float>(position_.Height() * TwipsPerPixelY(platform_));
 }
 
 void Form::Move(float Left, float Top, float Width, float Height) {
@@ -76,8 +76,8 @@ void Form::Move(float Left, float Top, float Width, float Height) {
     const auto px = [](float twips, int perPixel) {
         return static_cast<std::int32_t>(twips / static_cast<float>(perPixel) + 0.5f);
     };
-    const std::int32_t l = px(Left, windows.TwipsPerPixelX()), t = px(Top, windows.TwipsPerPixelY());
-    position_ = RECT{l, t, l + px(Width, windows.TwipsPerPixelX()), t + px(Height, windows.TwipsPerPixelY())};
+    const std::int32_t l = px(Left, TwipsPerPixelX(platform_)), t = px(Top, TwipsPerPixelY(platform_));
+    position_ = RECT{l, t, l + px(Width, TwipsPerPixelX(platform_)), t + px(Height, TwipsPerPixelY(platform_))};
     windows.MoveWindow(hwnd_, position_);
     PlaceClient();
     placed_ = true;
@@ -85,9 +85,8 @@ void Form::Move(float Left, float Top, float Width, float Height) {
 }
 
 void Form::ClientSize(float width, float height) {
-    Windows& windows = platform_.windows();
-    const float extraX = static_cast<float>(2 * kFrameWidth * windows.TwipsPerPixelX());
-    const float extraY = static_cast<float>((2 * kFrameWidth + kCaptionHeight + 1) * windows.TwipsPerPixelY());
+    const float extraX = static_cast<float>(2 * kFrameWidth * TwipsPerPixelX(platform_));
+    const float extraY = static_cast<float>((2 * kFrameWidth + kCaptionHeight + 1) * TwipsPerPixelY(platform_));
     const bool wasPlaced = placed_;
     Move(Left(), Top(), width + extraX, height + extraY);
     placed_ = wasPlaced;  // a size alone still lets the first show centre the form

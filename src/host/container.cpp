@@ -146,13 +146,13 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
 
 std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
     platform::Platform* p = context_.Platform();
-    const int perPixel = p ? p->windows().TwipsPerPixelX() : 15;
+    const int perPixel = p ? platform::TwipsPerPixelX(*p) : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 
 std::int32_t Container::TwipsToPixelsY(std::int32_t twips) const {
     platform::Platform* p = context_.Platform();
-    const int perPixel = p ? p->windows().TwipsPerPixelY() : 15;
+    const int perPixel = p ? platform::TwipsPerPixelY(*p) : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 

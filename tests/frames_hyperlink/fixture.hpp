@@ -59,7 +59,7 @@ protected:
 
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, dir);
+        ScriptRunner runner(form, platform.driver(), out, dir);
         runner.Run(script);
         return out.str();
     }
@@ -68,7 +68,7 @@ protected:
         const platform::HWND window = site.GetControl().SurfaceWindow();
         platform::RECT r;
         platform.windows().GetWindowRect(window, &r);
-        return {platform.windows().ComposeWindow(window), r.Width(), r.Height()};
+        return {platform.driver().ComposeWindow(window), r.Width(), r.Height()};
     }
 
     std::uint32_t SysPixel(int index) { return ToPixel(platform.gdi().GetSysColor(index)); }

@@ -48,7 +48,7 @@ TEST_F(IconsTest, IconChoosesSetAndSizeFromItsArguments) {
 
 TEST_F(IconsTest, StaysA38PixelRaisedSquare) {
     std::ostringstream out;
-    host::ScriptRunner runner(form, out);
+    host::ScriptRunner runner(form, platform.driver(), out);
     runner.Run("get I1.Width\nset I1.Width 6000\nset I1.Height 45\nget I1.Width\nget I1.Height\n");
     EXPECT_EQ(out.str(), "I1.Width = 570\nI1.Width = 570\nI1.Height = 570\n");
     EXPECT_TRUE(form.SaveBag(form.Get("I1")).Empty()) << "nothing to persist";

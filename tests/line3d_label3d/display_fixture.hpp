@@ -90,7 +90,7 @@ class DisplayTest : public ::testing::Test {
 
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        host::ScriptRunner runner(form, out, std::filesystem::path(KORVEX_BINARY_DIR) / "line3d_label3d");
+        host::ScriptRunner runner(form, platform.driver(), out, std::filesystem::path(KORVEX_BINARY_DIR) / "line3d_label3d");
         runner.Run(script);
         return out.str();
     }
@@ -99,7 +99,7 @@ class DisplayTest : public ::testing::Test {
         const platform::HWND window = form.Get(name).GetControl().SurfaceWindow();
         platform::RECT client;
         platform.windows().GetClientRect(window, &client);
-        return {platform.windows().ComposeWindow(window), client.Width(), client.Height()};
+        return {platform.driver().ComposeWindow(window), client.Width(), client.Height()};
     }
     std::uint32_t SysColour(int index) {
         const platform::COLORREF c = platform.gdi().GetSysColor(index);

@@ -286,7 +286,7 @@ TEST_F(Label3DTest, TransparentLabelShowsTheFormAroundItsGlyphs) {
     form.BackColor = 0x0000FF00;  // green
     AddPlain(15);
     Let("L", "BackStyle", 1);
-    const std::vector<std::uint32_t> screen = platform.windows().ComposeScreen();
+    const std::vector<std::uint32_t> screen = platform.driver().ComposeScreen();
     const int width = platform.windows().ScreenSize().cx;
     const auto at = [&](int x, int y) { return screen[static_cast<std::size_t>(y * width + x)]; };
     std::size_t text = 0, shadow = 0;

@@ -249,7 +249,7 @@ TEST_F(Line3DTest, SwappedColoursRaiseTheLineOnTheScreen) {
     AddNew(kLine, "L", 300, 300, 600, 300);
     Let("L", "BorderColor", static_cast<std::int32_t>(0x80000014));
     Let("L", "BorderForeColor", static_cast<std::int32_t>(0x80000010));
-    const std::vector<std::uint32_t> screen = platform.windows().ComposeScreen();
+    const std::vector<std::uint32_t> screen = platform.driver().ComposeScreen();
     const int width = platform.windows().ScreenSize().cx;
     const auto at = [&](int x, int y) { return screen[static_cast<std::size_t>(y * width + x)]; };
     // The form's client area starts at the screen's corner; the line at 20, 20, 40 pixels long.

@@ -49,7 +49,7 @@ protected:
     }
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, dir);
+        ScriptRunner runner(form, platform.driver(), out, dir);
         runner.Run(script);
         return out.str();
     }
@@ -93,7 +93,7 @@ TEST_F(RunnerTest, HostErrorsAreReportedAndTheScriptGoesOn) {
 
 TEST_F(RunnerTest, MalformedLineStopsBeforeAnythingRuns) {
     std::ostringstream out;
-    ScriptRunner runner(form, out, dir);
+    ScriptRunner runner(form, platform.driver(), out, dir);
     try {
         runner.Run("set P1.Value 1\nmove 10\nkey jump 13\n");
         FAIL() << "no error for a malformed line";

@@ -29,7 +29,7 @@ public:
 
 TEST(EventLoop, PostedTasksRunInOrderOnePassAtATime) {
     sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     std::vector<std::string> ran;
     loop.Post([&] {
         ran.push_back("first");
@@ -47,7 +47,7 @@ TEST(EventLoop, PostedTasksRunInOrderOnePassAtATime) {
 TEST(EventLoop, ModalLoopClosedByScriptedInput) {
     sim::SimPlatform platform;
     Windows& win = platform.windows();
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     std::vector<std::string> log;
     Recorder form("form", log), ok("ok", log);
     const HWND wForm = win.CreateWindow({}, {100, 100, 300, 200}, {}, &form);
@@ -75,7 +75,7 @@ TEST(EventLoop, ModalLoopClosedByScriptedInput) {
 // A step opens a nested modal loop that takes the next steps from the same script.
 TEST(EventLoop, NestedModalLoopsShareTheScript) {
     sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     bool outerOpen = true, innerOpen = true;
     std::vector<std::string> trace;
     Script script;
@@ -114,7 +114,7 @@ TEST(EventLoop, ModalLoopLetsTimersCloseTheForm) {
 // 60 000 virtual ms while only a poll timer ticks. The loop is left cleanly either way.
 TEST(EventLoop, ModalDeadlockRaisesInsteadOfHanging) {
     sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     Script empty;
     loop.SetInputSource(&empty);
     auto runForever = [&] { loop.RunModal([] { return true; }, "form frmAbout"); };

@@ -20,8 +20,6 @@ constexpr host::OLE_COLOR kDefaultBorderForeColor = 0x80000014;
 // without the key gives the workspace colour.
 constexpr host::OLE_COLOR kBagBorderColor = 0x8000000C;
 
-constexpr std::int16_t kTwipsPerStripPixel = 15;
-
 }  // namespace
 
 const ClassInfo& Line3D::Class() {
@@ -137,8 +135,12 @@ void Line3D::Orientation(OrientationConstants New_Orientation) {
 // again; that nested pass measures the length and finds the thickness already right, so it ends
 // there. The length is read after each surface change because the nested pass may update it.
 void Line3D::DrawLine() {
-    const std::int16_t thickness = host::MulInteger(BorderWidth_, 2 * kTwipsPerStripPixel);
-    const std::int16_t strip = host::MulInteger(BorderWidth_, kTwipsPerStripPixel);
+    // Twips of one pixel across the line.
+    const auto perPixel = static_cast<std::int16_t>(Orientation_ != OrientationConstants::lVertical
+                                                        ? UserControl.Scale().TwipsPerPixelY()
+                                                        : UserControl.Scale().TwipsPerPixelX());
+    const std::int16_t thickness = host::MulInteger(BorderWidth_, static_cast<std::int16_t>(2 * perPixel));
+    const std::int16_t strip = host::MulInteger(BorderWidth_, perPixel);
     if (Orientation_ != OrientationConstants::lVertical) {
         UserControl.Height(thickness);
         UserControl.Width(length_);

@@ -31,8 +31,7 @@ std::size_t IndexOf(const std::vector<std::uint32_t>& list, std::uint32_t value)
 // ---------------------------------------------------------------------------------------------
 // Construction
 
-SimWindows::SimWindows(Gdi& gdi, SIZE screen, int twipsPerPixel)
-    : gdi_(gdi), screen_(screen), twipsPerPixel_(twipsPerPixel) {
+SimWindows::SimWindows(Gdi& gdi, SIZE screen) : gdi_(gdi), screen_(screen) {
     Window desktop;
     desktop.visible = true;
     desktop.rect = {0, 0, screen.cx, screen.cy};

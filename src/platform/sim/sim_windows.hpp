@@ -38,7 +38,7 @@ public:
     static constexpr std::int32_t kDoubleClickHeight = 4;
 
     // Draws through gdi (whose regions SetWindowRgn takes over); gdi must outlive this object.
-    SimWindows(Gdi& gdi, SIZE screen = {1024, 768}, int twipsPerPixel = 15);
+    SimWindows(Gdi& gdi, SIZE screen = {1024, 768});
     ~SimWindows() override;
     SimWindows(const SimWindows&) = delete;
     SimWindows& operator=(const SimWindows&) = delete;
@@ -87,10 +87,10 @@ public:
     HWND WindowFromPoint(POINT screen) override;
 
     SIZE ScreenSize() override { return screen_; }
-    int TwipsPerPixelX() override { return twipsPerPixel_; }
-    int TwipsPerPixelY() override { return twipsPerPixel_; }
-    std::vector<std::uint32_t> ComposeScreen() override;
-    std::vector<std::uint32_t> ComposeWindow(HWND window) override;
+
+    // The driver's pixels (see platform/driver.hpp).
+    std::vector<std::uint32_t> ComposeScreen();
+    std::vector<std::uint32_t> ComposeWindow(HWND window);
 
     // Input routing, fed by SimEventLoop with the virtual time of each event.
     void RouteMouseMove(POINT screen, std::int64_t time);
@@ -158,7 +158,6 @@ private:
 
     Gdi& gdi_;
     SIZE screen_;
-    int twipsPerPixel_;
     std::map<std::uint32_t, Window> windows_;  // includes the desktop
     std::uint32_t nextHandle_ = kDesktop + 4;
     std::uint32_t focus_ = 0;
