@@ -11,7 +11,7 @@
 
 #include "commands.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/png.hpp"
 #include "session.hpp"
 

@@ -12,7 +12,7 @@
 #include "forms/form.hpp"
 #include "forms/frame.hpp"
 #include "forms/surface_control.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 using namespace korvex;

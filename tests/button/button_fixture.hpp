@@ -10,7 +10,7 @@
 
 #include "controls/button/button.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::test {

@@ -12,7 +12,7 @@
 
 #include "controls/button/flat_button.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::test {

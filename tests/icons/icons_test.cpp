@@ -4,7 +4,7 @@
 
 #include "controls/display/icons.hpp"
 #include "foundation/images.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 #include "support/error_of.hpp"
 

@@ -14,7 +14,7 @@
 #include "controls/display/label3d.hpp"
 #include "controls/display/line3d.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::test {

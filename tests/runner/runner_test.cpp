@@ -5,7 +5,8 @@
 #include <sstream>
 
 #include "host/probe_control.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
+#include "host/form_file.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 using namespace korvex::host;
@@ -136,7 +137,7 @@ TEST_F(RunnerTest, SavedFormLoadsBack) {
     other.Classes().Register(Probe::Class());
     other.Classes().Register(Modal::Class());
     Container copy(other);
-    copy.LoadFile((dir / "saved.json").string());
+    LoadFormFile(copy, (dir / "saved.json").string());
     EXPECT_EQ(copy.GetProperty(copy.Get("P1"), "Caption"), Variant("Gespeichert"));
 }
 

@@ -9,7 +9,7 @@
 #include "forms/label.hpp"
 #include "forms/surface_control.hpp"
 #include "forms/timer.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/png.hpp"
 #include "platform/sim/sim_platform.hpp"
 

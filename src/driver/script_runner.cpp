@@ -1,9 +1,10 @@
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 
 #include <map>
 #include <ostream>
 #include <sstream>
 
+#include "host/form_file.hpp"
 #include "host/numeric.hpp"
 #include "host/text.hpp"
 #include "platform/png.hpp"
@@ -383,7 +384,7 @@ void ScriptRunner::Execute(const Line& line) {
             throw HostError(kErrPathFileAccess, std::string("Path/File access error (") + e.what() + ")", "korvex");
         }
     } else if (command == "save") {
-        form_.SaveFile((outDir_ / w[1]).string());
+        SaveFormFile(form_, (outDir_ / w[1]).string());
     }
 }
 
