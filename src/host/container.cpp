@@ -205,7 +205,10 @@ void Container::Instantiate(Site& site, const PropertyBag* bag) {
         explicit Loading(Site& s) : site(s) { site.loading_ = true; }
         ~Loading() { site.loading_ = false; }
     };
-    site.control_ = site.info_->create(context_);
+    {
+        const HostContext::CreatingIn in(context_, site.ContainerWindow());
+        site.control_ = site.info_->create(context_);
+    }
     {
         const Loading loading(site);
         site.control_->UserControl_Initialize();

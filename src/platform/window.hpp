@@ -133,6 +133,8 @@ public:
     // the old parent; refuses a parent inside the window itself.
     virtual HWND SetParent(HWND window, HWND newParent) = 0;
     virtual HWND GetDesktopWindow() = 0;
+    // The window as the system behind this seam knows it, for a control's hWnd property.
+    [[nodiscard]] virtual std::uintptr_t NativeHandle(HWND window) = 0;
     virtual bool SetWindowText(HWND window, std::string_view text) = 0;
     virtual std::string GetWindowText(HWND window) = 0;
 

@@ -108,6 +108,8 @@ public:
     COLORREF GetSysColor(int index) override;
     bool SetSysColors(std::span<const int> indices, std::span<const COLORREF> colors) override;
     int GetDeviceCaps(HDC dc, int index) override;
+    // The software device's handles are its own.
+    [[nodiscard]] std::uintptr_t NativeHandle(HDC dc) override { return dc.value; }
 
 private:
     struct PenObj {

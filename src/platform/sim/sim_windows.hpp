@@ -50,6 +50,8 @@ public:
     HWND GetParent(HWND window) override;
     HWND SetParent(HWND window, HWND newParent) override;
     HWND GetDesktopWindow() override { return HWND{kDesktop}; }
+    // The portable window manager's handles are its own.
+    [[nodiscard]] std::uintptr_t NativeHandle(HWND window) override { return window.value; }
     bool SetWindowText(HWND window, std::string_view text) override;
     std::string GetWindowText(HWND window) override;
 
