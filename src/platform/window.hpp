@@ -90,8 +90,12 @@ public:
     virtual void OnFocus(bool gained) { (void)gained; }
     // Capture ended without a button release reaching the window (another window took it).
     virtual void OnCaptureLost() {}
-    // The window's pixels are needed (for the screen or a snapshot): draw the visible content,
-    // client size, into dc. Windows with a persistent bitmap just copy it.
+    // The user asked the window to close (its close box). Whether it closes is the handler's
+    // decision, as WM_CLOSE leaves it to the window procedure.
+    virtual void OnClose() {}
+    // The window's pixels are needed (for the screen or a snapshot): draw the client area, client
+    // size, into dc; the platform draws the frame and caption bar of a captioned window itself.
+    // Windows with a persistent bitmap just copy it.
     virtual void OnPaint(HDC dc, const RECT& client) {
         (void)dc;
         (void)client;
@@ -104,6 +108,18 @@ public:
 struct WindowStyle {
     bool child = false;  // child windows are positioned relative to their parent's client area
     bool topmost = false;
+    // A top-level window with the platform's frame around it: a fixed 3D border, a caption bar
+    // showing the window text, and a close box whose click reaches the handler as OnClose. The
+    // frame is non-client area: the client area, its coordinates and the children are inside it.
+    bool caption = false;
+};
+
+// Where the platform draws a captioned window's title bar, screen coordinates (Win32's
+// GetTitleBarInfoEx, with the close button named).
+struct TITLEBARINFO {
+    RECT rcTitleBar;
+    RECT rcClose;
+    bool closePressed = false;  // the close box shows pressed now
 };
 
 // SetWindowPos flags.
@@ -141,6 +157,10 @@ public:
     // Geometry.
     virtual bool GetWindowRect(HWND window, RECT* screen) = 0;
     virtual bool GetClientRect(HWND window, RECT* client) = 0;  // {0, 0, w, h}
+    // Grows a client rectangle to the window rectangle a window of that style needs.
+    virtual bool AdjustWindowRect(RECT* rect, WindowStyle style) = 0;
+    // False for a window without a caption bar.
+    virtual bool GetTitleBarInfo(HWND window, TITLEBARINFO* info) = 0;
     virtual bool MoveWindow(HWND window, const RECT& position) = 0;  // parent-relative for children
     virtual bool SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std::int32_t y,
                               std::int32_t cx, std::int32_t cy, unsigned flags) = 0;
