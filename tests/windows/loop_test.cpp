@@ -145,5 +145,24 @@ TEST(EventLoop, ModalDeadlockRaisesInsteadOfHanging) {
     EXPECT_TRUE(open);
 }
 
+// A wait lets exactly that much virtual time pass, and what falls due meanwhile happens at its
+// time: posted work before the clock moves on, timer ticks as they come due.
+TEST(EventLoop, WaitLetsTimeAndEventsRun) {
+    sim::SimPlatform platform;
+    EventLoop& loop = platform.loop();
+    std::vector<std::string> trace;
+    platform.clock().SetTimer(30, [&] {
+        trace.push_back("tick " + std::to_string(platform.clock().Now()));
+        loop.Post([&] { trace.push_back("posted at " + std::to_string(platform.clock().Now())); });
+    });
+    loop.Post([&] { trace.push_back("posted at " + std::to_string(platform.clock().Now())); });
+    loop.Wait(100);
+    EXPECT_EQ(platform.clock().Now(), 100);
+    EXPECT_EQ(trace, (std::vector<std::string>{"posted at 0", "tick 30", "posted at 30", "tick 60", "posted at 60",
+                                               "tick 90", "posted at 90"}));
+    loop.Wait(0);
+    EXPECT_EQ(platform.clock().Now(), 100);
+}
+
 }  // namespace
 }  // namespace korvex::test
