@@ -10,7 +10,8 @@
 // include it.
 //
 // Coordinates: "screen" = pixels of the virtual screen, origin top-left; "client" = pixels
-// relative to a window's top-left corner. Every field says which.
+// relative to the top-left corner of a window's client area (inside the frame of a captioned
+// window, the window's own corner otherwise). Every field says which.
 //
 // Sections: handles and events · window handler · the Windows interface · helpers
 
