@@ -61,7 +61,7 @@ struct ButtonForm {
         platform.windows().SetCursorPos(to.x, to.y);
         Poll();
     }
-    void Poll() { platform.clock().Advance(foundation::kHoverPollMs); }
+    void Poll() { platform.driver().Advance(foundation::kHoverPollMs); }
 };
 
 void BM_ButtonHoverTransition(benchmark::State& state) {

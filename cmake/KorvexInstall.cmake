@@ -6,7 +6,8 @@ install(TARGETS ${korvex_layers} korvex EXPORT korvexTargets
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvex)
 install(TARGETS korvex_cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(DIRECTORY src/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/korvex
-  FILES_MATCHING PATTERN "*.hpp" PATTERN "win32" EXCLUDE PATTERN "json_codec.hpp" EXCLUDE)
+  FILES_MATCHING PATTERN "*.hpp" PATTERN "win32" EXCLUDE PATTERN "driver" EXCLUDE
+  PATTERN "json_codec.hpp" EXCLUDE)
 install(EXPORT korvexTargets NAMESPACE korvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/korvex)
 
 configure_package_config_file(cmake/korvexConfig.cmake.in

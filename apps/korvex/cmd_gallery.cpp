@@ -14,8 +14,8 @@
 #include "commands.hpp"
 #include "gallery.hpp"
 #include "host/json_codec.hpp"
-#include "host/script_runner.hpp"
-#include "platform/gdi_script.hpp"
+#include "driver/script_runner.hpp"
+#include "driver/gdi_script.hpp"
 #include "platform/png.hpp"
 #include "platform/sim/sim_gdi.hpp"
 #include "sampler_script.hpp"
@@ -186,7 +186,7 @@ bool RenderSnapshot(const Tile& tile, const std::filesystem::path& out) {
     if (!HasClasses(session, tile.form, tile.file)) return false;
     session.Open(tile.form.dump());
     std::ostringstream log;
-    host::ScriptRunner runner(session.form, log, out);
+    host::ScriptRunner runner(session.form, session.platform.driver(), log, out);
     std::string script = tile.script;
     if (tile.capture == "form") script += "snapshot " + tile.file + " form\n";
     runner.Run(script);
@@ -210,7 +210,7 @@ bool CaptureRun(const Run& run, const std::string& file, const std::filesystem::
     if (!HasClasses(session, run.form, file)) return false;
     session.Open(run.form.dump());
     std::ostringstream log;
-    host::ScriptRunner runner(session.form, log, out);
+    host::ScriptRunner runner(session.form, session.platform.driver(), log, out);
     platform::Windows& windows = session.platform.windows();
     for (const Capture& capture : run.captures) {
         runner.Run(capture.steps);
@@ -221,7 +221,7 @@ bool CaptureRun(const Run& run, const std::string& file, const std::filesystem::
             std::fprintf(stderr, "korvex gallery: %s: no window for %s\n", file.c_str(), capture.control.c_str());
             return false;
         }
-        grid[{capture.row, capture.column}] = {r.Width(), r.Height(), windows.ComposeWindow(window), capture.label};
+        grid[{capture.row, capture.column}] = {r.Width(), r.Height(), session.platform.driver().ComposeWindow(window), capture.label};
         runner.Run(capture.after);
     }
     ReportErrors(file, log.str());

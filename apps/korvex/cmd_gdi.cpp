@@ -5,7 +5,7 @@
 #include <string>
 
 #include "commands.hpp"
-#include "platform/gdi_script.hpp"
+#include "driver/gdi_script.hpp"
 #include "platform/png.hpp"
 #include "platform/sim/sim_gdi.hpp"
 

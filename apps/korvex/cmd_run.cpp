@@ -11,7 +11,7 @@
 
 #include "commands.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/png.hpp"
 #include "session.hpp"
 
@@ -63,7 +63,7 @@ int RunForm(Args args) {
 
     Session session;
     session.Open(ReadFormFile(formPath));
-    host::ScriptRunner runner(session.form, std::cout, outDir);
+    host::ScriptRunner runner(session.form, session.platform.driver(), std::cout, outDir);
     try {
         runner.Run(script);
     } catch (const host::ScriptError& e) {
@@ -92,7 +92,7 @@ int RenderForm(Args args) {
     Session session;
     session.Open(ReadFormFile(formPath));
     platform::Windows& windows = session.platform.windows();
-    std::vector<std::uint32_t> pixels = windows.ComposeWindow(session.form.FormWindow());
+    std::vector<std::uint32_t> pixels = session.platform.driver().ComposeWindow(session.form.FormWindow());
     platform::RECT r;
     windows.GetWindowRect(session.form.FormWindow(), &r);
     platform::WritePng(output, {pixels.data(), r.Width(), r.Height()});

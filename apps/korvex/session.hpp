@@ -7,6 +7,7 @@
 #include <string>
 
 #include "host/container.hpp"
+#include "host/form_file.hpp"
 #include "library/library.hpp"
 #include "platform/sim/sim_platform.hpp"
 
@@ -34,7 +35,7 @@ struct Session {
 
     // Loads a form file's text, switches to run mode as a running application does, shows it.
     void Open(const std::string& formJson) {
-        form.LoadJson(formJson);
+        host::LoadFormJson(form, formJson);
         form.SwitchMode(true);
         form.Show();
     }

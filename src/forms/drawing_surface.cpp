@@ -48,7 +48,7 @@ DrawingSurface::DrawingSurface(platform::Platform& platform, HWND parent, bool c
                                const RECT& position)
     : platform_(platform),
       gdi_(platform.gdi()),
-      scale_(platform.windows().TwipsPerPixelX(), platform.windows().TwipsPerPixelY()),
+      scale_(platform::TwipsPerPixelX(platform), platform::TwipsPerPixelY(platform)),
       font_(std::make_shared<host::StdFont>()) {
     dc_ = gdi_.CreateCompatibleDC(HDC{});
     bitmapSize_ = {std::max(position.Width(), 1), std::max(position.Height(), 1)};

@@ -1,16 +1,8 @@
 #pragma once
-// Form: a top-level window of the library's own (the about box, the message box) with the
-// classic non-client look: a fixed 3D frame, the caption bar in the active-caption colours
-// (a gradient from COLOR_ACTIVECAPTION to COLOR_GRADIENTACTIVECAPTION) with its text in bold,
-// and a close box at the right of the caption bar. The client area is a drawing surface that
-// holds labels, images, shapes, picture boxes and frames.
-//
-// Window layout in pixels, W x H the form's outer size:
-//   frame        3 px on every side (raised 3D edge, then one pixel of face colour)
-//   caption bar  (3, 3) to (W - 3, 21): 18 px high
-//   separator    row 21 in face colour
-//   client       (3, 22) to (W - 3, H - 3)
-//   close box    16 x 14 px, 2 px in from the caption bar's top and right edges
+// Form: a top-level window of the library's own (the about box, the message box). Its window
+// has the platform's caption style: the platform draws the frame, the caption bar with the
+// form's Caption and the close box, and tells the form when the close box is clicked. The
+// client area is a drawing surface that holds labels, images, shapes, picture boxes and frames.
 //
 // Show(modal) centres the form on the screen the first time it appears; a modal show disables
 // every other top-level window and runs a nested loop of the event loop until the form is hidden
@@ -36,13 +28,6 @@ class FormClient final : public DrawingSurface {
 
 class Form : private platform::WindowHandler {
   public:
-    // Classic metrics (SM_CXFIXEDFRAME, SM_CYCAPTION less its separator line, the caption
-    // buttons' size).
-    static constexpr std::int32_t kFrameWidth = 3;
-    static constexpr std::int32_t kCaptionHeight = 18;
-    static constexpr std::int32_t kCloseBoxWidth = 16;
-    static constexpr std::int32_t kCloseBoxHeight = 14;
-
     // A hidden form of 4800 x 3600 twips; `name` names it in the event loop's errors.
     explicit Form(platform::Platform& platform, std::string name = "Form1");
     ~Form() override;
@@ -83,9 +68,10 @@ class Form : private platform::WindowHandler {
     [[nodiscard]] std::int16_t ScreenMousePointer() const { return screenPointer_; }
     void ScreenMousePointer(std::int16_t value);
 
-    // The close box in window pixels, and whether it shows pressed now.
+    // The close box in window pixels, and whether it shows pressed now (as the platform draws
+    // them).
     [[nodiscard]] platform::RECT CloseBoxRect() const;
-    [[nodiscard]] bool CloseBoxPressed() const { return closePressed_ && closeHot_; }
+    [[nodiscard]] bool CloseBoxPressed() const;
     // The caption bar in window pixels.
     [[nodiscard]] platform::RECT CaptionRect() const;
 
@@ -93,12 +79,13 @@ class Form : private platform::WindowHandler {
     std::function<void()> OnUnload;
 
   private:
-    void OnMouse(const platform::MouseEvent& event) override;
-    void OnCaptureLost() override;
-    void OnPaint(platform::HDC dc, const platform::RECT& client) override;
+    static constexpr platform::WindowStyle kStyle{.caption = true};
 
-    void PaintCaption(platform::HDC dc, const platform::RECT& bar) const;
-    void PaintCloseBox(platform::HDC dc) const;
+    // The close box was clicked.
+    void OnClose() override { Unload(); }
+
+    // The title bar's parts, in window pixels.
+    [[nodiscard]] platform::TITLEBARINFO TitleBar() const;
     void PlaceClient();
     void ApplyScreenPointer();
     void AllWindows(platform::HWND window, std::vector<platform::HWND>& out) const;
@@ -113,8 +100,6 @@ class Form : private platform::WindowHandler {
     bool loaded_ = true;
     bool placed_ = false;  // centred once, when first shown
     bool modal_ = false;
-    bool closePressed_ = false;
-    bool closeHot_ = false;
     std::int16_t screenPointer_ = 0;
 };
 

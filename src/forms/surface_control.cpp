@@ -16,16 +16,13 @@ platform::Platform& RequirePlatform(host::HostContext& context) {
 
 }  // namespace
 
-SurfaceControl::SurfaceControl(host::HostContext& context) : UserControl(RequirePlatform(context)) {
+SurfaceControl::SurfaceControl(host::HostContext& context)
+    : UserControl(RequirePlatform(context), context.NewControlParent()) {
     UserControl.events.Resize = [this] {
         if (placing_ || !Site()) return;
         Site()->RequestExtent(static_cast<std::int32_t>(std::lround(UserControl.Width())),
                               static_cast<std::int32_t>(std::lround(UserControl.Height())));
     };
-}
-
-void SurfaceControl::SiteAttached() {
-    UserControl.Platform().windows().SetParent(UserControl.hWnd(), Site()->ContainerWindow());
 }
 
 void SurfaceControl::ForwardMouse(MouseEvents& source, std::int32_t mouseDown, std::int32_t mouseMove,

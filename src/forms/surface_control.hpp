@@ -1,7 +1,7 @@
 #pragma once
 // SurfaceControl: a control built on a UserControlSurface, the way every control of the library
-// is. It keeps the surface's window a child of the container's window and in step with the
-// extender: the host's placement moves the surface, and a size the control gives its own
+// is. The surface's window is created as a child of the container's window (the one the host
+// names while it creates the control) and kept in step with the extender: the host's placement moves the surface, and a size the control gives its own
 // surface (UserControl.Height = ...) goes back to the host, which then resizes the extender and
 // calls UserControl_Resize again.
 
@@ -20,14 +20,17 @@ public:
     [[nodiscard]] platform::HWND SurfaceWindow() const override { return UserControl.hWnd(); }
 
     // The handles a control publishes as its read-only HDC, hwnd and HasDC: its surface's, as
-    // host Longs.
-    [[nodiscard]] std::int32_t HDC() const { return static_cast<std::int32_t>(UserControl.hDC().value); }
-    [[nodiscard]] std::int32_t hwnd() const { return static_cast<std::int32_t>(UserControl.hWnd().value); }
+    // the system behind the platform numbers them (Win32 handles fit a host Long).
+    [[nodiscard]] std::int32_t HDC() const {
+        return static_cast<std::int32_t>(UserControl.Platform().gdi().NativeHandle(UserControl.hDC()));
+    }
+    [[nodiscard]] std::int32_t hwnd() const {
+        return static_cast<std::int32_t>(UserControl.Platform().windows().NativeHandle(UserControl.hWnd()));
+    }
     [[nodiscard]] bool HasDC() const { return UserControl.HasDC(); }
     void Place(const platform::RECT& bounds, bool visible, bool enabled) override;
 
 protected:
-    void SiteAttached() override;
     // Raises MouseDown, MouseMove and MouseUp of the control (their event numbers given) for the
     // same input on a constituent object, with its arguments.
     void ForwardMouse(MouseEvents& source, std::int32_t mouseDown, std::int32_t mouseMove, std::int32_t mouseUp);

@@ -11,8 +11,8 @@ namespace {
 RECT DefaultPosition(Platform& platform) {
     // The designer's default extent of a new control surface.
     constexpr std::int32_t kWidthTwips = 4800, kHeightTwips = 3600;
-    return {0, 0, kWidthTwips / platform.windows().TwipsPerPixelX(),
-            kHeightTwips / platform.windows().TwipsPerPixelY()};
+    return {0, 0, kWidthTwips / platform::TwipsPerPixelX(platform),
+            kHeightTwips / platform::TwipsPerPixelY(platform)};
 }
 
 }  // namespace

@@ -1,35 +1,11 @@
 #include "host/container.hpp"
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
-#include "host/json_codec.hpp"
 #include "host/numeric.hpp"
 #include "host/text.hpp"
 
 namespace korvex::host {
-
-namespace {
-
-using json::Json;
-
-[[noreturn]] void BadForm(const std::string& what) {
-    throw HostError(kErrInvalidPropertyValue, "Invalid form file: " + what, "Container");
-}
-
-template <class T>
-T FormField(const Json& object, const char* key, T fallback, const std::string& where) {
-    auto it = object.find(key);
-    if (it == object.end()) return fallback;
-    try {
-        return it->get<T>();
-    } catch (const nlohmann::json::exception&) {
-        BadForm(where + ": \"" + key + "\" has the wrong type");
-    }
-}
-
-}  // namespace
 
 // ---------------------------------------------------------------------------------------------
 // Site
@@ -146,13 +122,13 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
 
 std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
     platform::Platform* p = context_.Platform();
-    const int perPixel = p ? p->windows().TwipsPerPixelX() : 15;
+    const int perPixel = p ? platform::TwipsPerPixelX(*p) : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 
 std::int32_t Container::TwipsToPixelsY(std::int32_t twips) const {
     platform::Platform* p = context_.Platform();
-    const int perPixel = p ? p->windows().TwipsPerPixelY() : 15;
+    const int perPixel = p ? platform::TwipsPerPixelY(*p) : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 
@@ -180,6 +156,11 @@ void Container::OnPaint(platform::HDC dc, const platform::RECT& client) {
 
 void Container::PlaceWindow(Site& site) {
     if (site.control_) site.control_->Place(site.Bounds(), site.extender_.Visible, site.extender_.Enabled);
+}
+
+void Container::Clear() {
+    TerminateAll();
+    sites_.clear();
 }
 
 void Container::TerminateAll() {
@@ -223,7 +204,10 @@ void Container::Instantiate(Site& site, const JsonPropertyBag* bag) {
         explicit Loading(Site& s) : site(s) { site.loading_ = true; }
         ~Loading() { site.loading_ = false; }
     };
-    site.control_ = site.info_->create(context_);
+    {
+        const HostContext::CreatingIn in(context_, site.ContainerWindow());
+        site.control_ = site.info_->create(context_);
+    }
     {
         const Loading loading(site);
         site.control_->UserControl_Initialize();
@@ -342,123 +326,6 @@ void Container::LetProperty(Site& site, std::string_view name, const Variant& va
 
 Variant Container::CallMethod(Site& site, std::string_view name, std::span<Variant> args) {
     return Invoke(site.GetControl(), name, InvokeKind::Call, args);
-}
-
-// ---------------------------------------------------------------------------------------------
-// Form file
-
-std::string Container::SaveJson() const {
-    Json form = {{"Name", Name},
-                 {"Caption", Caption},
-                 {"Width", Width},
-                 {"Height", Height},
-                 {"BackColor", json::Encode(Variant(BackColor))},
-                 {"ForeColor", json::Encode(Variant(ForeColor))},
-                 {"Font", json::Encode(Variant(font_))}};
-
-    auto save = [&](auto&& self, const Site* parent) -> Json {
-        Json list = Json::array();
-        for (const Site* site : Children(parent)) {
-            const Extender& e = site->GetExtender();
-            Json entry = {{"ProgID", site->Class().progId},
-                          {"Name", e.Name},
-                          {"Left", e.Left},
-                          {"Top", e.Top},
-                          {"Width", e.Width},
-                          {"Height", e.Height},
-                          {"Visible", e.Visible},
-                          {"Enabled", e.Enabled},
-                          {"TabIndex", e.TabIndex},
-                          {"TabStop", e.TabStop},
-                          {"Properties", json::EncodeBag(SaveBag(*site))}};
-            Json children = self(self, site);
-            if (!children.empty()) entry["Controls"] = std::move(children);
-            list.push_back(std::move(entry));
-        }
-        return list;
-    };
-    Json out = {{"Form", form}, {"Controls", save(save, nullptr)}};
-    return out.dump(2) + "\n";
-}
-
-void Container::LoadJson(std::string_view text) {
-    Json parsed;
-    try {
-        parsed = Json::parse(text);
-    } catch (const nlohmann::json::parse_error& e) {
-        BadForm(e.what());
-    }
-    if (!parsed.is_object()) BadForm("the top level must be a JSON object");
-
-    // Loading must not leave half a form behind: on any failure the previous form comes back.
-    const std::string previous = SaveJson();
-    const auto restorePrevious = [&] {
-        TerminateAll();
-        sites_.clear();
-        LoadJson(previous);
-    };
-
-    try {
-        TerminateAll();
-        sites_.clear();
-        if (auto it = parsed.find("Form"); it != parsed.end()) {
-            const Json& form = *it;
-            if (!form.is_object()) BadForm("\"Form\" must be an object");
-            Name = FormField<std::string>(form, "Name", Name, "Form");
-            Caption = FormField<std::string>(form, "Caption", Caption, "Form");
-            Width = FormField<std::int32_t>(form, "Width", Width, "Form");
-            Height = FormField<std::int32_t>(form, "Height", Height, "Form");
-            if (form.contains("BackColor")) BackColor = static_cast<OLE_COLOR>(json::Decode(form["BackColor"]).ToLong());
-            if (form.contains("ForeColor")) ForeColor = static_cast<OLE_COLOR>(json::Decode(form["ForeColor"]).ToLong());
-            if (form.contains("Font")) font_ = json::Decode(form["Font"]).ToFont();
-        }
-
-        auto load = [&](auto&& self, const Json& list, Site* parent) -> void {
-            if (!list.is_array()) BadForm("\"Controls\" must be an array");
-            std::int16_t tabIndex = 0;
-            for (const Json& entry : list) {
-                if (!entry.is_object()) BadForm("each control must be an object");
-                const std::string name = FormField<std::string>(entry, "Name", "", "control");
-                const std::string where = "control " + (name.empty() ? std::string("without a name") : name);
-                const std::string progId = FormField<std::string>(entry, "ProgID", "", where);
-                if (progId.empty()) BadForm(where + ": \"ProgID\" is missing");
-                Extender e;
-                e.Name = name;
-                e.Left = FormField<std::int32_t>(entry, "Left", 0, where);
-                e.Top = FormField<std::int32_t>(entry, "Top", 0, where);
-                e.Width = FormField<std::int32_t>(entry, "Width", 0, where);
-                e.Height = FormField<std::int32_t>(entry, "Height", 0, where);
-                e.Visible = FormField<bool>(entry, "Visible", true, where);
-                e.Enabled = FormField<bool>(entry, "Enabled", true, where);
-                e.TabIndex = FormField<std::int16_t>(entry, "TabIndex", tabIndex, where);
-                e.TabStop = FormField<bool>(entry, "TabStop", true, where);
-                ++tabIndex;
-                JsonPropertyBag bag;
-                if (auto props = entry.find("Properties"); props != entry.end()) bag = json::DecodeBag(*props);
-                Site& site = Restore(progId, std::move(e), bag, parent);
-                if (auto children = entry.find("Controls"); children != entry.end()) self(self, *children, &site);
-            }
-        };
-        if (auto it = parsed.find("Controls"); it != parsed.end()) load(load, *it, nullptr);
-    } catch (...) {
-        restorePrevious();
-        throw;
-    }
-}
-
-void Container::SaveFile(const std::string& path) const {
-    std::ofstream out(path, std::ios::binary);
-    if (!out) throw HostError(kErrPathFileAccess, "Path/File access error (" + path + ")", "Container");
-    out << SaveJson();
-    if (!out) throw HostError(kErrPathFileAccess, "Path/File access error (" + path + ")", "Container");
-}
-
-void Container::LoadFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw HostError(kErrFileNotFound, "File not found (" + path + ")", "Container");
-    std::stringstream text;
-    text << in.rdbuf();
-    LoadJson(text.str());
 }
 
 }  // namespace korvex::host

@@ -1,18 +1,7 @@
 #pragma once
-// The host container: sites controls with their extender properties, persists them in a form
-// file and performs the designer's switch between design and run mode.
-//
-// Form file (JSON):
-//   {
-//     "Form": {"Name": "Form1", "Caption": "Form1", "Width": 4800, "Height": 3600, ...},
-//     "Controls": [
-//       {"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1", "Left": 120, "Top": 120,
-//        "Width": 1500, "Height": 30, "Visible": true, "Enabled": true, "TabIndex": 0, "TabStop": true,
-//        "Properties": {<property bag>}, "Controls": [<contained controls>]}
-//     ]
-//   }
-// Positions and sizes are twips. "Visible", "Enabled", "TabIndex", "TabStop", "Properties" and
-// "Controls" may be left out.
+// The host container: sites controls with their extender properties and performs the
+// designer's switch between design and run mode. Positions and sizes are twips. Form files
+// (the form and its controls as JSON) are host/form_file.hpp.
 
 #include <cstdint>
 #include <memory>
@@ -124,6 +113,8 @@ public:
     Site& Restore(std::string_view progId, Extender extender, const JsonPropertyBag& bag,
                   Site* parent = nullptr);
     void Remove(std::string_view name);
+    // Terminates and removes every control.
+    void Clear();
 
     [[nodiscard]] Site* Find(std::string_view name) const;
     // Error 5 naming the control when there is none of that name.
@@ -138,13 +129,6 @@ public:
 
     // The bag each control writes now, in form order.
     [[nodiscard]] JsonPropertyBag SaveBag(const Site& site) const;
-
-    // Form file text. Loading replaces every control; a malformed file raises HostError and
-    // leaves the form as it was.
-    [[nodiscard]] std::string SaveJson() const;
-    void LoadJson(std::string_view text);
-    void SaveFile(const std::string& path) const;
-    void LoadFile(const std::string& path);
 
 private:
     friend class Site;

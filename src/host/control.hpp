@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 #include "base/error.hpp"
 #include "platform/window.hpp"
@@ -52,11 +53,29 @@ public:
     void SetAboutBox(std::function<void()> show) { aboutBox_ = std::move(show); }
     void ShowAboutBox();
 
+    // The window a control being created goes in: the container names it while it creates a
+    // control, so the control's window is a child of its container from the start. Zero
+    // otherwise (a control made on its own gets a top-level window).
+    [[nodiscard]] platform::HWND NewControlParent() const { return newControlParent_; }
+    class CreatingIn {
+    public:
+        CreatingIn(HostContext& context, platform::HWND parent)
+            : context_(context), previous_(std::exchange(context.newControlParent_, parent)) {}
+        ~CreatingIn() { context_.newControlParent_ = previous_; }
+        CreatingIn(const CreatingIn&) = delete;
+        CreatingIn& operator=(const CreatingIn&) = delete;
+
+    private:
+        HostContext& context_;
+        platform::HWND previous_;
+    };
+
 private:
     platform::Platform* platform_;
     ClassRegistry classes_;
     std::shared_ptr<StdFont> defaultFont_;
     std::function<void()> aboutBox_;
+    platform::HWND newControlParent_;
 };
 
 // The host's side of one sited control.

@@ -365,6 +365,10 @@ public:
     virtual COLORREF GetSysColor(int index) = 0;
     virtual bool SetSysColors(std::span<const int> indices, std::span<const COLORREF> colors) = 0;
     virtual int GetDeviceCaps(HDC dc, int index) = 0;
+
+    // The device context as the system behind this seam knows it, for a control's hDC
+    // property: what a Win32 API call made with that number would need.
+    [[nodiscard]] virtual std::uintptr_t NativeHandle(HDC dc) = 0;
 };
 
 // ---------------------------------------------------------------------------------------------

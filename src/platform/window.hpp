@@ -1,12 +1,17 @@
 #pragma once
-// The window seam: windows with screen rectangles, z-order, regions, visibility, enabled state,
-// focus, capture and cursors; the pointer and key state; the virtual clock with its timers; and
-// the event loop that delivers input and timer ticks, with nested modal loops. Shaped like the
-// Win32 window manager the controls were written against; sim::SimWindows is the portable
+// The window seam, the face of the platform that controls see: windows with screen rectangles,
+// z-order, regions, visibility, enabled state, focus, capture and cursors; the pointer and key
+// state; timers; and the event loop with posted work, waits and nested modal loops. Shaped like
+// the Win32 window manager the controls were written against; sim::SimWindows is the portable
 // implementation, a Windows backend forwards to user32.
 //
+// What only a test, a script or a tool does to the platform (moving virtual time, feeding input,
+// composing the screen into pixels) is the other face, platform/driver.hpp; controls never
+// include it.
+//
 // Coordinates: "screen" = pixels of the virtual screen, origin top-left; "client" = pixels
-// relative to a window's top-left corner. Every field says which.
+// relative to the top-left corner of a window's client area (inside the frame of a captioned
+// window, the window's own corner otherwise). Every field says which.
 //
 // Sections: handles and events · window handler · the Windows interface · helpers
 
@@ -86,8 +91,12 @@ public:
     virtual void OnFocus(bool gained) { (void)gained; }
     // Capture ended without a button release reaching the window (another window took it).
     virtual void OnCaptureLost() {}
-    // The window's pixels are needed (for the screen or a snapshot): draw the visible content,
-    // client size, into dc. Windows with a persistent bitmap just copy it.
+    // The user asked the window to close (its close box). Whether it closes is the handler's
+    // decision, as WM_CLOSE leaves it to the window procedure.
+    virtual void OnClose() {}
+    // The window's pixels are needed (for the screen or a snapshot): draw the client area, client
+    // size, into dc; the platform draws the frame and caption bar of a captioned window itself.
+    // Windows with a persistent bitmap just copy it.
     virtual void OnPaint(HDC dc, const RECT& client) {
         (void)dc;
         (void)client;
@@ -100,6 +109,18 @@ public:
 struct WindowStyle {
     bool child = false;  // child windows are positioned relative to their parent's client area
     bool topmost = false;
+    // A top-level window with the platform's frame around it: a fixed 3D border, a caption bar
+    // showing the window text, and a close box whose click reaches the handler as OnClose. The
+    // frame is non-client area: the client area, its coordinates and the children are inside it.
+    bool caption = false;
+};
+
+// Where the platform draws a captioned window's title bar, screen coordinates (Win32's
+// GetTitleBarInfoEx, with the close button named).
+struct TITLEBARINFO {
+    RECT rcTitleBar;
+    RECT rcClose;
+    bool closePressed = false;  // the close box shows pressed now
 };
 
 // SetWindowPos flags.
@@ -129,12 +150,18 @@ public:
     // the old parent; refuses a parent inside the window itself.
     virtual HWND SetParent(HWND window, HWND newParent) = 0;
     virtual HWND GetDesktopWindow() = 0;
+    // The window as the system behind this seam knows it, for a control's hWnd property.
+    [[nodiscard]] virtual std::uintptr_t NativeHandle(HWND window) = 0;
     virtual bool SetWindowText(HWND window, std::string_view text) = 0;
     virtual std::string GetWindowText(HWND window) = 0;
 
     // Geometry.
     virtual bool GetWindowRect(HWND window, RECT* screen) = 0;
     virtual bool GetClientRect(HWND window, RECT* client) = 0;  // {0, 0, w, h}
+    // Grows a client rectangle to the window rectangle a window of that style needs.
+    virtual bool AdjustWindowRect(RECT* rect, WindowStyle style) = 0;
+    // False for a window without a caption bar.
+    virtual bool GetTitleBarInfo(HWND window, TITLEBARINFO* info) = 0;
     virtual bool MoveWindow(HWND window, const RECT& position) = 0;  // parent-relative for children
     virtual bool SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std::int32_t y,
                               std::int32_t cx, std::int32_t cy, unsigned flags) = 0;
@@ -178,66 +205,39 @@ public:
     // (and region) contains it; the desktop when none.
     virtual HWND WindowFromPoint(POINT screen) = 0;
 
-    // Screen.
+    // Screen. Its resolution is a device capability of the drawing seam (LOGPIXELSX/Y); see
+    // TwipsPerPixelX below.
     virtual SIZE ScreenSize() = 0;
-    virtual int TwipsPerPixelX() = 0;
-    virtual int TwipsPerPixelY() = 0;
-    // Composes the desktop and every visible window (z-order, regions, parents' clipping) into
-    // a bitmap of the screen size; or one window alone with its children, window-sized.
-    virtual std::vector<std::uint32_t> ComposeScreen() = 0;  // 0x00RRGGBB, top-down
-    virtual std::vector<std::uint32_t> ComposeWindow(HWND window) = 0;
 };
 
-// The virtual clock. Time moves only when Advance is called; timers fire in due order as it
-// passes them, each tick a separate call on the UI thread.
+// Timers and the time they run on. How time passes is the platform's business: the portable
+// platform's clock is virtual and moves only when its driver or a Wait moves it.
 class Clock {
 public:
     using TimerId = std::uint32_t;
     virtual ~Clock() = default;
-    [[nodiscard]] virtual std::int64_t Now() = 0;  // virtual milliseconds since start
+    [[nodiscard]] virtual std::int64_t Now() = 0;  // milliseconds since start
     // Periodic timer; intervals below the platform minimum are raised to it, as Win32 does.
     virtual TimerId SetTimer(std::uint32_t intervalMs, std::function<void()> tick) = 0;
     virtual bool KillTimer(TimerId id) = 0;
-    // Moves time forward by ms, firing due timers in order (a timer due twice fires twice).
-    virtual void Advance(std::int64_t ms) = 0;
-    // Due time of the earliest timer, or -1 when there is none.
-    [[nodiscard]] virtual std::int64_t NextDue() = 0;
 };
 
-// Scripted input: the event loop pulls the next step from here when it has nothing else to do
-// (a nested modal loop keeps pulling until its form closes).
-class InputSource {
-public:
-    virtual ~InputSource() = default;
-    // Performs the next step (input, time, a property operation); false when none is left.
-    virtual bool Step() = 0;
-};
-
-// The event loop. Input enters through the funnel (Mouse*/Key*), is routed to windows as the
-// platform routes it, and is timestamped with the virtual clock.
+// The event loop: posted work, waits that let events run, and nested modal loops.
 class EventLoop {
 public:
     virtual ~EventLoop() = default;
 
-    // Input funnel (screen coordinates). A press captures the pointer for the window under it
-    // until the release; a second press within the double-click time and distance is a double
-    // click.
-    virtual void MouseMove(POINT screen) = 0;
-    virtual void MouseDown(int button, int shift) = 0;
-    virtual void MouseUp(int button, int shift) = 0;
-    virtual void KeyDown(int keyCode, int shift) = 0;
-    virtual void KeyUp(int keyCode, int shift) = 0;
-    virtual void KeyPress(int character) = 0;
-
     // Runs pending work (posted tasks); returns the number of modal loops open.
     virtual int DoEvents() = 0;
     virtual void Post(std::function<void()> task) = 0;
+    // Lets ms pass while pending work, input and timers go on being handled, as a control's
+    // busy wait around DoEvents does. The platform decides how time passes (a message pump on
+    // a real desktop, the virtual clock moving on the portable platform).
+    virtual void Wait(std::int64_t ms) = 0;
 
-    // Runs a nested loop until stillOpen() turns false: pending work, then script steps; when
-    // the script has no more steps, time advances timer by timer (up to a limit). Raises the
-    // host's error when nothing left could end the loop, instead of hanging.
+    // Runs a nested loop until stillOpen() turns false, handling whatever arrives meanwhile.
+    // Raises the host's error when nothing left could end the loop, instead of hanging.
     virtual void RunModal(const std::function<bool()>& stillOpen, std::string_view what) = 0;
-    virtual void SetInputSource(InputSource* source) = 0;
 
     // Keys pass the filters, newest first, before they reach the focused window, as a dialog
     // manager sees Tab before the control does. A filter that returns true consumes the key.
@@ -260,5 +260,16 @@ public:
     virtual Sound& sound() = 0;
     virtual Shell& shell() = 0;
 };
+
+// Twips per screen pixel, from the screen's pixels per inch (1440 twips to the inch).
+inline constexpr int kTwipsPerInch = 1440;
+// The resolution a host without a screen measures with.
+inline constexpr int kDefaultPixelsPerInch = 96;
+inline int TwipsPerPixelX(Platform& platform) {
+    return kTwipsPerInch / platform.gdi().GetDeviceCaps(HDC{}, LOGPIXELSX);
+}
+inline int TwipsPerPixelY(Platform& platform) {
+    return kTwipsPerInch / platform.gdi().GetDeviceCaps(HDC{}, LOGPIXELSY);
+}
 
 }  // namespace korvex::platform

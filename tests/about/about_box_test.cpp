@@ -12,7 +12,7 @@
 #include "forms/form.hpp"
 #include "forms/frame.hpp"
 #include "forms/surface_control.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 using namespace korvex;
@@ -74,7 +74,7 @@ protected:
     }
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, dir);
+        ScriptRunner runner(form, platform.driver(), out, dir);
         runner.Run(script);
         return out.str();
     }
@@ -179,6 +179,7 @@ public:
     platform::EventLoop& loop() override { return sim.loop(); }
     platform::Sound& sound() override { return sim.sound(); }
     platform::Shell& shell() override { return watcher; }
+    platform::Driver& driver() { return sim.driver(); }
 
     platform::sim::SimPlatform sim;
     WatchingShell watcher{sim.windows()};
@@ -188,9 +189,9 @@ class AboutForm : public ::testing::Test {
 protected:
     AboutForm() { about.Me.Show(false); }
     void Click(POINT p) {
-        platform.loop().MouseMove(p);
-        platform.loop().MouseDown(platform::kButtonLeft, 0);
-        platform.loop().MouseUp(platform::kButtonLeft, 0);
+        platform.driver().MouseMove(p);
+        platform.driver().MouseDown(platform::kButtonLeft, 0);
+        platform.driver().MouseUp(platform::kButtonLeft, 0);
     }
 
     WatchingPlatform platform;
@@ -227,13 +228,13 @@ TEST_F(AboutForm, TextsAndFonts) {
 }
 
 TEST_F(AboutForm, TheLinkTurnsLightBlueUnderThePointerAndBackOverTheText) {
-    platform.loop().MouseMove(at.link);
+    platform.driver().MouseMove(at.link);
     EXPECT_EQ(about.lblButton.ForeColor(), 0x00FF0000u);
-    platform.loop().MouseMove(at.product);
+    platform.driver().MouseMove(at.product);
     EXPECT_EQ(about.lblButton.ForeColor(), 0x00FF0000u) << "elsewhere the light blue stays";
-    platform.loop().MouseMove(at.caption);
+    platform.driver().MouseMove(at.caption);
     EXPECT_EQ(about.lblButton.ForeColor(), 0x00FF0000u);
-    platform.loop().MouseMove(at.text);
+    platform.driver().MouseMove(at.text);
     EXPECT_EQ(about.lblButton.ForeColor(), 0x00800000u);
 }
 
@@ -274,12 +275,12 @@ TEST_F(AboutForm, AFailingShellIsNotReportedAndThePointerComesBack) {
 }
 
 TEST_F(AboutForm, TheCloseBoxClosesOnlyWhenReleasedOverIt) {
-    platform.loop().MouseMove(at.closeBox);
-    platform.loop().MouseDown(platform::kButtonLeft, 0);
+    platform.driver().MouseMove(at.closeBox);
+    platform.driver().MouseDown(platform::kButtonLeft, 0);
     EXPECT_TRUE(about.Me.CloseBoxPressed());
-    platform.loop().MouseMove(at.caption);
+    platform.driver().MouseMove(at.caption);
     EXPECT_FALSE(about.Me.CloseBoxPressed()) << "pops up when the pointer leaves it";
-    platform.loop().MouseUp(platform::kButtonLeft, 0);
+    platform.driver().MouseUp(platform::kButtonLeft, 0);
     EXPECT_TRUE(about.Me.Visible());
 
     int unloads = 0;
@@ -314,7 +315,7 @@ TEST(AboutBox, NeedsAScreen) {
 // part, and the close box with its black cross at the right.
 TEST_F(AboutForm, TheCaptionBarInThePixels) {
     auto& w = platform.windows();
-    const std::vector<std::uint32_t> px = w.ComposeWindow(about.Me.hWnd());
+    const std::vector<std::uint32_t> px = platform.driver().ComposeWindow(about.Me.hWnd());
     RECT r;
     w.GetWindowRect(about.Me.hWnd(), &r);
     const std::int32_t width = r.right - r.left;

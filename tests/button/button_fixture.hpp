@@ -10,7 +10,7 @@
 
 #include "controls/button/button.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::test {
@@ -53,7 +53,7 @@ class ButtonTest : public ::testing::Test {
 
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        host::ScriptRunner runner(form, out);
+        host::ScriptRunner runner(form, platform.driver(), out);
         runner.Run(script);
         return out.str();
     }
@@ -62,7 +62,7 @@ class ButtonTest : public ::testing::Test {
         const platform::HWND window = Get(name).SurfaceWindow();
         platform::RECT r;
         platform.windows().GetWindowRect(window, &r);
-        return {platform.windows().ComposeWindow(window), r.Width(), r.Height()};
+        return {platform.driver().ComposeWindow(window), r.Width(), r.Height()};
     }
 
     platform::sim::SimPlatform platform;

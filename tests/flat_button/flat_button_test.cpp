@@ -12,7 +12,7 @@
 
 #include "controls/button/flat_button.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::test {
@@ -87,7 +87,7 @@ protected:
 
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, dir);
+        ScriptRunner runner(form, platform.driver(), out, dir);
         runner.Run(script);
         return out.str();
     }
@@ -96,7 +96,7 @@ protected:
         const platform::HWND window = form.Get(name).GetControl().SurfaceWindow();
         platform::RECT r;
         platform.windows().GetWindowRect(window, &r);
-        return {platform.windows().ComposeWindow(window), r.Width(), r.Height()};
+        return {platform.driver().ComposeWindow(window), r.Width(), r.Height()};
     }
 
     FlatButton& Button(const std::string& name) { return dynamic_cast<FlatButton&>(form.Get(name).GetControl()); }
@@ -361,7 +361,7 @@ TEST_F(FlatButtonTest, DesignModePollStopsAndNeverHovers) {
     const Shot before = Pixels("F");
     EXPECT_EQ(Run("set F.Cancel True\nset F.Default True\nmove F\nkey down escape\nkey down enter\nwait 100\n"),
               "changed F.Cancel\nchanged F.Default\nevent F.MouseMove(0, 0, 555, 180)\n");
-    EXPECT_EQ(platform.clock().NextDue(), -1) << "the poll stopped itself";
+    EXPECT_EQ(platform.driver().NextDue(), -1) << "the poll stopped itself";
     EXPECT_EQ(Pixels("F").bits, before.bits);
 }
 

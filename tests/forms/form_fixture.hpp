@@ -137,7 +137,7 @@ class FormTest : public ::testing::Test {
 
     FormTest() {
         windows.ShowWindow(form, true);
-        const int tx = windows.TwipsPerPixelX(), ty = windows.TwipsPerPixelY();
+        const int tx = platform::TwipsPerPixelX(platform), ty = platform::TwipsPerPixelY(platform);
         surface.Move(static_cast<float>(kSurface.left * tx), static_cast<float>(kSurface.top * ty),
                      static_cast<float>(kSurface.Width() * tx),
                      static_cast<float>(kSurface.Height() * ty));
@@ -145,8 +145,8 @@ class FormTest : public ::testing::Test {
     }
 
     // Twips of a pixel count, from the platform's factor.
-    float Tx(int pixels) { return static_cast<float>(pixels * windows.TwipsPerPixelX()); }
-    float Ty(int pixels) { return static_cast<float>(pixels * windows.TwipsPerPixelY()); }
+    float Tx(int pixels) { return static_cast<float>(pixels * platform::TwipsPerPixelX(platform)); }
+    float Ty(int pixels) { return static_cast<float>(pixels * platform::TwipsPerPixelY(platform)); }
 
     [[nodiscard]] Pixels Surface() {
         return {windows.ComposeWindow(surface.hWnd()), {kSurface.Width(), kSurface.Height()}};
@@ -159,7 +159,7 @@ class FormTest : public ::testing::Test {
     }
     // A press a second after the last input, too late to make a double click.
     void Press(POINT client, int button = kButtonLeft) {
-        platform.clock().Advance(1000);
+        platform.driver().Advance(1000);
         MoveTo(client);
         loop.MouseDown(button, 0);
     }
@@ -181,7 +181,7 @@ class FormTest : public ::testing::Test {
     sim::SimPlatform platform{kScreen};
     sim::SimGdi& gdi = platform.gdi();
     sim::SimWindows& windows = platform.windows();
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     FormWindow formWindow{gdi};
     HWND form = windows.CreateWindow({}, RECT{0, 0, kScreen.cx, kScreen.cy}, {}, &formWindow);
     UserControlSurface surface{platform, form};

@@ -79,7 +79,7 @@ TEST_F(InputTest, DisabledOrHiddenObjectsAndShapesPassThePressBeneath) {
 
 TEST_F(InputTest, DoubleClickAddsDblClickAndASecondMouseUp) {
     Click({15, 12});
-    platform.clock().Advance(100);
+    platform.driver().Advance(100);
     PressQuickly({15, 12});
     Release({15, 12});
     EXPECT_EQ(TakeLog(), (Log{"label MouseDown 1 0 75,30", "label MouseUp 1 0 75,30", "label Click",

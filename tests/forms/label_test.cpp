@@ -31,7 +31,7 @@ class LabelTest : public FormTest {
         return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
     }
     int TextPixels(const std::string& text) {
-        return static_cast<int>(surface.TextWidth(text)) / windows.TwipsPerPixelX();
+        return static_cast<int>(surface.TextWidth(text)) / platform::TwipsPerPixelX(platform);
     }
 
     Label label{surface};

@@ -56,7 +56,7 @@ TEST_F(PictureTest, ThreeDBoxHasTheSunkenEdgeAndItsClientAreaInside) {
                                     "..............",
                                     "..............",
                                 }));
-    EXPECT_EQ(box.ScaleWidth(), static_cast<float>(6 * windows.TwipsPerPixelX()));
+    EXPECT_EQ(box.ScaleWidth(), static_cast<float>(6 * platform::TwipsPerPixelX(platform)));
     EXPECT_EQ(box.Width(), 10);
 
     box.Appearance(0);

@@ -130,14 +130,14 @@ TEST_F(SurfaceTest, PrintWritesLinesAndAdvancesByTheTextHeight) {
     const std::vector<POINT> ink =
         Surface().Find(kRed, {0, 0, kSurface.Width(), kSurface.Height()});
     ASSERT_FALSE(ink.empty());
-    const int linePixels = static_cast<int>(line) / windows.TwipsPerPixelY();
+    const int linePixels = static_cast<int>(line) / platform::TwipsPerPixelY(platform);
     bool secondLine = false;
     for (const POINT p : ink) {
         EXPECT_GE(p.y, 2);
         EXPECT_LT(p.y, 2 + 2 * linePixels);
         if (p.y >= 2 + linePixels) {
             secondLine = true;
-            EXPECT_LT(p.x, static_cast<int>(surface.TextWidth("d")) / windows.TwipsPerPixelX() +
+            EXPECT_LT(p.x, static_cast<int>(surface.TextWidth("d")) / platform::TwipsPerPixelX(platform) +
                                1);  // "d" at the left edge
         }
     }

@@ -8,7 +8,7 @@ namespace {
 
 TEST(TimerTest, TicksOnTheVirtualClockOnlyWhileRunning) {
     sim::SimPlatform platform{{64, 48}};
-    Clock& clock = platform.clock();
+    sim::SimClock& clock = platform.clock();
     std::vector<std::int64_t> ticks;
     auto timer = std::make_unique<Timer>(platform);
     timer->Tick = [&] { ticks.push_back(clock.Now()); };

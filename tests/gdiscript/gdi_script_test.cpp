@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-#include "platform/gdi_script.hpp"
+#include "driver/gdi_script.hpp"
 #include "platform/sim/sim_gdi.hpp"
 
 namespace korvex::platform {

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "host/container.hpp"
+#include "host/form_file.hpp"
 #include "base/error.hpp"
 #include "probe_control.hpp"
 
@@ -231,35 +232,35 @@ TEST_F(ContractTest, FormFileRoundTripsWithNesting) {
     Site& inner = form.Add("Korvex_Tools.Probe", {"Inner", 15, 30, 300, 150, false, true, 1}, &outer);
     form.LetProperty(inner, "Caption", "Innen");
     form.Caption = "Prüfung";
-    const std::string text = form.SaveJson();
+    const std::string text = SaveFormJson(form);
 
     HostContext otherContext;
     otherContext.Classes().Register(Probe::Class());
     Container other(otherContext);
-    other.LoadJson(text);
+    LoadFormJson(other, text);
     EXPECT_EQ(other.Caption, "Prüfung");
     ASSERT_NE(other.Find("Inner"), nullptr);
     EXPECT_EQ(other.Find("Inner")->Parent(), other.Find("Outer"));
     EXPECT_FALSE(other.Find("Inner")->GetExtender().Visible);
     EXPECT_EQ(other.GetProperty(*other.Find("Inner"), "Container"), Variant("Outer"));
     EXPECT_EQ(static_cast<Probe&>(other.Find("Inner")->GetControl()).Caption(), "Innen");
-    EXPECT_EQ(other.SaveJson(), text);
+    EXPECT_EQ(SaveFormJson(other), text);
 }
 
 TEST_F(ContractTest, MalformedFormFileLeavesTheFormAsItWas) {
     AddProbe("Keep");
-    const std::string before = form.SaveJson();
-    EXPECT_EQ(ErrorOf([&] { form.LoadJson("{ not json"); }), 380);
-    EXPECT_EQ(ErrorOf([&] { form.LoadJson(R"({"Controls": [{"Name": "A"}]})"); }), 380);
-    EXPECT_EQ(ErrorOf([&] { form.LoadJson(R"({"Controls": [{"ProgID": "Korvex_Tools.Probe", "Name": "A", "Left": "x"}]})"); }), 380);
+    const std::string before = SaveFormJson(form);
+    EXPECT_EQ(ErrorOf([&] { LoadFormJson(form, "{ not json"); }), 380);
+    EXPECT_EQ(ErrorOf([&] { LoadFormJson(form, R"({"Controls": [{"Name": "A"}]})"); }), 380);
+    EXPECT_EQ(ErrorOf([&] { LoadFormJson(form, R"({"Controls": [{"ProgID": "Korvex_Tools.Probe", "Name": "A", "Left": "x"}]})"); }), 380);
     EXPECT_EQ(ErrorOf([&] {
-                  form.LoadJson(R"({"Form": {"Caption": "changed"}, "Controls": [
+                  LoadFormJson(form, R"({"Form": {"Caption": "changed"}, "Controls": [
                       {"ProgID": "Korvex_Tools.Probe", "Name": "A"},
                       {"ProgID": "Korvex_Tools.Missing", "Name": "B"}]})");
               }),
               429);
-    EXPECT_EQ(form.SaveJson(), before);
-    EXPECT_EQ(ErrorOf([&] { form.LoadFile("/nonexistent/form.json"); }), 53);
+    EXPECT_EQ(SaveFormJson(form), before);
+    EXPECT_EQ(ErrorOf([&] { LoadFormFile(form, "/nonexistent/form.json"); }), 53);
 }
 
 }  // namespace

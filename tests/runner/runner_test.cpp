@@ -5,7 +5,8 @@
 #include <sstream>
 
 #include "host/probe_control.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
+#include "host/form_file.hpp"
 #include "platform/sim/sim_platform.hpp"
 
 using namespace korvex::host;
@@ -49,7 +50,7 @@ protected:
     }
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, dir);
+        ScriptRunner runner(form, platform.driver(), out, dir);
         runner.Run(script);
         return out.str();
     }
@@ -93,7 +94,7 @@ TEST_F(RunnerTest, HostErrorsAreReportedAndTheScriptGoesOn) {
 
 TEST_F(RunnerTest, MalformedLineStopsBeforeAnythingRuns) {
     std::ostringstream out;
-    ScriptRunner runner(form, out, dir);
+    ScriptRunner runner(form, platform.driver(), out, dir);
     try {
         runner.Run("set P1.Value 1\nmove 10\nkey jump 13\n");
         FAIL() << "no error for a malformed line";
@@ -136,7 +137,7 @@ TEST_F(RunnerTest, SavedFormLoadsBack) {
     other.Classes().Register(Probe::Class());
     other.Classes().Register(Modal::Class());
     Container copy(other);
-    copy.LoadFile((dir / "saved.json").string());
+    LoadFormFile(copy, (dir / "saved.json").string());
     EXPECT_EQ(copy.GetProperty(copy.Get("P1"), "Caption"), Variant("Gespeichert"));
 }
 

@@ -9,7 +9,7 @@
 #include "forms/label.hpp"
 #include "forms/surface_control.hpp"
 #include "forms/timer.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "platform/png.hpp"
 #include "platform/sim/sim_platform.hpp"
 
@@ -35,6 +35,8 @@ public:
         UserControl.events.GotFocus = [this] { RaiseEvent(kGotFocus); };
         UserControl.events.LostFocus = [this] { RaiseEvent(kLostFocus); };
         timer.Tick = [this] { RaiseEvent(kTick); };
+        // Where the window stands while the control is still being built.
+        bornIn = UserControl.Platform().windows().GetParent(UserControl.hWnd());
     }
 
     static const ClassInfo& Class() {
@@ -62,6 +64,8 @@ public:
         timer.Interval(New_TickInterval);
         timer.Enabled(New_TickInterval > 0);
     }
+
+    platform::HWND bornIn;
 
     // Cuts the window to an ellipse: the corners belong to what lies beneath.
     void Round() {
@@ -94,7 +98,7 @@ protected:
     }
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, dir);
+        ScriptRunner runner(form, platform.driver(), out, dir);
         runner.Run(script);
         return out.str();
     }
@@ -117,6 +121,20 @@ TEST_F(SessionTest, InputGoesToTheTopmostWindowAndThroughRegions) {
               "event P1.MouseDown(1, 0, 915, 15)\n"
               "event P1.MouseUp(1, 0, 915, 15)\n"
               "event P1.Click()\n");
+}
+
+// A control's window is a child of its container's window from the moment it exists: the form's
+// window for a control on the form, the containing control's window for one inside it; after the
+// switch between modes the new instances are born there again.
+TEST_F(SessionTest, ControlWindowsAreBornInTheirContainer) {
+    Site& inner = form.Add("Korvex_Tools.Pad", {"P3", 15, 15, 300, 300}, &form.Get("P1"));
+    const auto bornIn = [&](const std::string& name) { return static_cast<Pad&>(form.Get(name).GetControl()).bornIn; };
+    EXPECT_EQ(bornIn("P1"), form.FormWindow());
+    EXPECT_EQ(bornIn("P3"), form.Get("P1").GetControl().SurfaceWindow());
+    form.SwitchMode(false);
+    EXPECT_EQ(bornIn("P2"), form.FormWindow());
+    EXPECT_EQ(bornIn("P3"), form.Get("P1").GetControl().SurfaceWindow());
+    EXPECT_EQ(platform.windows().GetParent(inner.GetControl().SurfaceWindow()), form.Get("P1").GetControl().SurfaceWindow());
 }
 
 TEST_F(SessionTest, DragOutOfTheWindowKeepsTheCapture) {

@@ -82,7 +82,7 @@ public:
 class SoundsTest : public ::testing::Test {
 protected:
     const std::vector<SoundRequest>& Requests() { return platform.sound().Requests(); }
-    void Advance(std::int64_t ms) { platform.clock().Advance(ms); }
+    void Advance(std::int64_t ms) { platform.driver().Advance(ms); }
 
     platform::sim::SimPlatform platform;
     foundation::cSounds sounds{platform};

@@ -29,7 +29,7 @@ public:
 
 TEST(EventLoop, PostedTasksRunInOrderOnePassAtATime) {
     sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     std::vector<std::string> ran;
     loop.Post([&] {
         ran.push_back("first");
@@ -47,7 +47,7 @@ TEST(EventLoop, PostedTasksRunInOrderOnePassAtATime) {
 TEST(EventLoop, ModalLoopClosedByScriptedInput) {
     sim::SimPlatform platform;
     Windows& win = platform.windows();
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     std::vector<std::string> log;
     Recorder form("form", log), ok("ok", log);
     const HWND wForm = win.CreateWindow({}, {100, 100, 300, 200}, {}, &form);
@@ -75,7 +75,7 @@ TEST(EventLoop, ModalLoopClosedByScriptedInput) {
 // A step opens a nested modal loop that takes the next steps from the same script.
 TEST(EventLoop, NestedModalLoopsShareTheScript) {
     sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     bool outerOpen = true, innerOpen = true;
     std::vector<std::string> trace;
     Script script;
@@ -114,7 +114,7 @@ TEST(EventLoop, ModalLoopLetsTimersCloseTheForm) {
 // 60 000 virtual ms while only a poll timer ticks. The loop is left cleanly either way.
 TEST(EventLoop, ModalDeadlockRaisesInsteadOfHanging) {
     sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     Script empty;
     loop.SetInputSource(&empty);
     auto runForever = [&] { loop.RunModal([] { return true; }, "form frmAbout"); };
@@ -143,6 +143,25 @@ TEST(EventLoop, ModalDeadlockRaisesInsteadOfHanging) {
     other.clock().SetTimer(61'000, [&] { open = false; });
     EXPECT_THROW(other.loop().RunModal([&] { return open; }, "form late"), host::HostError);
     EXPECT_TRUE(open);
+}
+
+// A wait lets exactly that much virtual time pass, and what falls due meanwhile happens at its
+// time: posted work before the clock moves on, timer ticks as they come due.
+TEST(EventLoop, WaitLetsTimeAndEventsRun) {
+    sim::SimPlatform platform;
+    EventLoop& loop = platform.loop();
+    std::vector<std::string> trace;
+    platform.clock().SetTimer(30, [&] {
+        trace.push_back("tick " + std::to_string(platform.clock().Now()));
+        loop.Post([&] { trace.push_back("posted at " + std::to_string(platform.clock().Now())); });
+    });
+    loop.Post([&] { trace.push_back("posted at " + std::to_string(platform.clock().Now())); });
+    loop.Wait(100);
+    EXPECT_EQ(platform.clock().Now(), 100);
+    EXPECT_EQ(trace, (std::vector<std::string>{"posted at 0", "tick 30", "posted at 30", "tick 60", "posted at 60",
+                                               "tick 90", "posted at 90"}));
+    loop.Wait(0);
+    EXPECT_EQ(platform.clock().Now(), 100);
 }
 
 }  // namespace

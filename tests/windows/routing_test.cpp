@@ -35,7 +35,7 @@ protected:
 
     sim::SimPlatform platform{{200, 150}};
     sim::SimWindows& win = platform.windows();
-    EventLoop& loop = platform.loop();
+    sim::SimEventLoop& loop = platform.loop();
     Log log;
     Recorder a{"A", log}, b{"B", log}, c{"C", log};
 };
@@ -167,7 +167,7 @@ TEST_F(Routing, DisabledWindowsDropInput) {
 TEST_F(Routing, DoubleClickTimeAndDistance) {
     Top({0, 0, 100, 100}, &a);
     Top({100, 0, 200, 100}, &b);
-    Clock& clock = platform.clock();
+    sim::SimClock& clock = platform.clock();
     auto pressKind = [&](POINT p, int button, std::int64_t waitMs) {
         clock.Advance(waitMs);
         loop.MouseMove(p);

@@ -81,8 +81,8 @@ TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
     EXPECT_TRUE(win.IsWindowVisible(dialog));
     EXPECT_EQ(win.SetFocus(dialog), HWND{});
     EXPECT_EQ(win.GetFocus(), dialog);
-    platform.loop().MouseMove({150, 100});
-    platform.loop().MouseMove({20, 20});  // the disabled owner: dropped
+    platform.driver().MouseMove({150, 100});
+    platform.driver().MouseMove({20, 20});  // the disabled owner: dropped
     EXPECT_EQ(log, (std::vector<std::string>{"dialog focus+", "dialog move 0 (50,50)"}));
 
     EXPECT_TRUE(win.DestroyWindow(owner));
@@ -100,10 +100,10 @@ TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
 }
 
 TEST(WindowTree, GeometryVisibilityAndRegionOwnership) {
-    sim::SimPlatform platform{{640, 480}, 12};
+    sim::SimPlatform platform{{640, 480}, 120};
     sim::SimWindows& win = platform.windows();
     EXPECT_EQ(win.ScreenSize(), (SIZE{640, 480}));
-    EXPECT_EQ(win.TwipsPerPixelX(), 12);
+    EXPECT_EQ(TwipsPerPixelX(platform), 12);
     RECT r;
     ASSERT_TRUE(win.GetWindowRect(win.GetDesktopWindow(), &r));
     EXPECT_EQ(r, (RECT{0, 0, 640, 480}));
@@ -162,10 +162,10 @@ TEST(WindowTree, TwoPlatformsAreIndependent) {
     one.windows().SetFocus(w);
     EXPECT_TRUE(two.windows().ZOrder({}).empty());
     EXPECT_EQ(two.windows().GetFocus(), HWND{});
-    two.loop().MouseMove({10, 10});
-    two.loop().KeyDown('A', 0);
+    two.driver().MouseMove({10, 10});
+    two.driver().KeyDown('A', 0);
     EXPECT_EQ(log, (std::vector<std::string>{"A focus+"}));
-    one.clock().Advance(100);
+    one.driver().Advance(100);
     EXPECT_EQ(two.clock().Now(), 0);
 }
 

@@ -168,9 +168,6 @@ class Button final : public forms::SurfaceControl {
   private:
     // The face of an XPflat button, whatever ButtonColor says.
     static constexpr host::OLE_COLOR kXPflatFace = 0x00F1FCFE;
-    // The host's units per pixel for the sizes the button sets itself.
-    static constexpr float kTwipsPerPixel = 15;
-
     // ---- state machine (button.cpp)
     void Press(std::int16_t MouseButton, std::int16_t Shift, float x, float y);
     void Release(std::int16_t MouseButton, std::int16_t Shift, float x, float y);

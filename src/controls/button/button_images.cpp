@@ -130,8 +130,10 @@ void Button::ShowBigPicture(std::int16_t s) {
     imgBild.Visible(false);
     PicBild1.AutoSize(true);
     PicBild1.Picture(Bild1[static_cast<std::size_t>(s - 1)]);
-    UserControl.Move(UserControl.Left(), UserControl.Top(), (PicBild1.ScaleWidth() + 2) * kTwipsPerPixel,
-                     (PicBild1.ScaleHeight() + 2) * kTwipsPerPixel);
+    const auto tx = static_cast<float>(UserControl.Scale().TwipsPerPixelX());
+    const auto ty = static_cast<float>(UserControl.Scale().TwipsPerPixelY());
+    UserControl.Move(UserControl.Left(), UserControl.Top(), (PicBild1.ScaleWidth() + 2) * tx,
+                     (PicBild1.ScaleHeight() + 2) * ty);
     LayoutPass();
 }
 

@@ -152,8 +152,9 @@ void Button::EnforceMinimumSize() {
             break;
     }
     if (w == startW && h == startH) return;
-    UserControl.Move(UserControl.Left(), UserControl.Top(), std::ceil(w) * kTwipsPerPixel,
-                     std::ceil(h) * kTwipsPerPixel);
+    const auto tx = static_cast<float>(UserControl.Scale().TwipsPerPixelX());
+    const auto ty = static_cast<float>(UserControl.Scale().TwipsPerPixelY());
+    UserControl.Move(UserControl.Left(), UserControl.Top(), std::ceil(w) * tx, std::ceil(h) * ty);
     PlaceFace();
 }
 

@@ -27,7 +27,6 @@ constexpr OLE_COLOR kButtonText = 0x80000012;
 constexpr OLE_COLOR kButtonFace = 0x8000000F;
 constexpr std::int16_t kKeyReturn = 13;
 constexpr std::int64_t kFireHoldMs = 100;
-constexpr std::int64_t kDayMs = 86'400'000;
 
 // The bevel colours of the three looks.
 constexpr OLE_COLOR kRing = 0x00C0C0C0;
@@ -344,23 +343,9 @@ void FlatButton::OnPoll() {
 void FlatButton::Fire() {
     fKeyLatch = true;
     DoMouseDown(1, 0, 1, 1);
-    WaitLettingEventsRun(kFireHoldMs);
+    // Events keep running while the button shows pressed.
+    UserControl.Platform().loop().Wait(kFireHoldMs);
     DoMouseUp(1, 0, 1, 1);
-}
-
-// Reads the clock as time of day, so a wait across midnight (where the count starts again at 0)
-// still ends after ms.
-void FlatButton::WaitLettingEventsRun(std::int64_t ms) {
-    platform::Platform& p = UserControl.Platform();
-    const auto timeOfDay = [&p] { return p.clock().Now() % kDayMs; };
-    const std::int64_t start = timeOfDay();
-    for (;;) {
-        p.loop().DoEvents();
-        std::int64_t elapsed = timeOfDay() - start;
-        if (elapsed < 0) elapsed += kDayMs;
-        if (elapsed >= ms) return;
-        p.clock().Advance(1);
-    }
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -461,8 +446,8 @@ void FlatButton::Paint() {
     platform::Platform& p = UserControl.Platform();
     platform::Gdi& gdi = p.gdi();
     const platform::HDC dc = UserControl.hDC();
-    const auto width = static_cast<std::int32_t>(std::lround(UserControl.Width() / p.windows().TwipsPerPixelX()));
-    const auto height = static_cast<std::int32_t>(std::lround(UserControl.Height() / p.windows().TwipsPerPixelY()));
+    const auto width = static_cast<std::int32_t>(std::lround(UserControl.Width() / platform::TwipsPerPixelX(p)));
+    const auto height = static_cast<std::int32_t>(std::lround(UserControl.Height() / platform::TwipsPerPixelY(p)));
     const platform::RECT face{0, 0, width, height};
     const OLE_COLOR back = UserControl.BackColor();
     const Look look = CurrentLook();

@@ -112,8 +112,6 @@ class FlatButton final : public forms::SurfaceControl {
     void DoMouseUp(std::int16_t Button, std::int16_t Shift, float x, float y);
     void OnPoll();
     void Fire();
-    // Lets the loop run for ms milliseconds of the seconds-of-day clock.
-    void WaitLettingEventsRun(std::int64_t ms);
 
     void ComputeAccessKey();
     void WatchFont();

@@ -27,8 +27,8 @@ Icons::Icons(host::HostContext& context) : SurfaceControl(context) {}
 
 void Icons::UserControl_Resize() {
     platform::Platform& p = UserControl.Platform();
-    const float width = static_cast<float>(kSidePixels * p.windows().TwipsPerPixelX());
-    const float height = static_cast<float>(kSidePixels * p.windows().TwipsPerPixelY());
+    const float width = static_cast<float>(kSidePixels * platform::TwipsPerPixelX(p));
+    const float height = static_cast<float>(kSidePixels * platform::TwipsPerPixelY(p));
     // The host answers a size change with another Resize, which then finds the size right.
     if (UserControl.Width() != width || UserControl.Height() != height) {
         UserControl.Move(UserControl.Left(), UserControl.Top(), width, height);

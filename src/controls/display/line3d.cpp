@@ -48,10 +48,6 @@ const ClassInfo& Line3D::Class() {
     return info;
 }
 
-namespace {
-constexpr std::int16_t kTwipsPerStripPixel = 15;
-}  // namespace
-
 Line3D::Line3D(host::HostContext& context)
     : SurfaceControl(context), Line1(UserControl), Line2(UserControl) {
     for (forms::Shape* strip : {&Line1, &Line2}) {
@@ -143,8 +139,12 @@ void Line3D::Orientation(OrientationConstants New_Orientation) {
 // again; that nested pass measures the length and finds the thickness already right, so it ends
 // there. The length is read after each surface change because the nested pass may update it.
 void Line3D::DrawLine() {
-    const std::int16_t thickness = host::MulInteger(BorderWidth_, 2 * kTwipsPerStripPixel);
-    const std::int16_t strip = host::MulInteger(BorderWidth_, kTwipsPerStripPixel);
+    // Twips of one pixel across the line.
+    const auto perPixel = static_cast<std::int16_t>(Orientation_ != OrientationConstants::lVertical
+                                                        ? UserControl.Scale().TwipsPerPixelY()
+                                                        : UserControl.Scale().TwipsPerPixelX());
+    const std::int16_t thickness = host::MulInteger(BorderWidth_, static_cast<std::int16_t>(2 * perPixel));
+    const std::int16_t strip = host::MulInteger(BorderWidth_, perPixel);
     if (Orientation_ != OrientationConstants::lVertical) {
         UserControl.Height(thickness);
         UserControl.Width(length_);

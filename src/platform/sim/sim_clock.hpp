@@ -26,8 +26,10 @@ public:
     [[nodiscard]] std::int64_t Now() override { return now_; }
     TimerId SetTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
     bool KillTimer(TimerId id) override;
-    void Advance(std::int64_t ms) override;
-    [[nodiscard]] std::int64_t NextDue() override;
+    // The driver's side (see platform/driver.hpp): moves time forward by ms, firing due timers
+    // in order (a timer due twice fires twice); the due time of the earliest timer, or -1.
+    void Advance(std::int64_t ms);
+    [[nodiscard]] std::int64_t NextDue();
 
 private:
     struct Timer {

@@ -46,7 +46,8 @@ DashPattern PatternFor(int style, int width) {
 // ---------------------------------------------------------------------------------------------
 // Construction and handles
 
-SimGdi::SimGdi(SIZE screen) : screen_(screen), fonts_(std::make_unique<FontEngine>()) {
+SimGdi::SimGdi(SIZE screen, int pixelsPerInch)
+    : screen_(screen), pixelsPerInch_(pixelsPerInch), fonts_(std::make_unique<FontEngine>()) {
     sysColors_ = ClassicSysColors();
     stock_.fill(0);
     stock_[WHITE_BRUSH] = Allocate(BrushObj{false, RGB(255, 255, 255)}, true);
@@ -372,7 +373,7 @@ int SimGdi::GetDeviceCaps(HDC, int index) {
         case VERTRES: return screen_.cy;
         case BITSPIXEL: return 32;
         case LOGPIXELSX:
-        case LOGPIXELSY: return 96;
+        case LOGPIXELSY: return pixelsPerInch_;
         default: return 0;
     }
 }

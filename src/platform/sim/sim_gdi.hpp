@@ -33,7 +33,8 @@ class FontEngine;
 
 class SimGdi final : public Gdi {
 public:
-    explicit SimGdi(SIZE screen = {1024, 768});
+    // pixelsPerInch is what LOGPIXELSX and LOGPIXELSY report (96: 15 twips to a pixel).
+    explicit SimGdi(SIZE screen = {1024, 768}, int pixelsPerInch = 96);
     ~SimGdi() override;
     SimGdi(const SimGdi&) = delete;
     SimGdi& operator=(const SimGdi&) = delete;
@@ -107,6 +108,8 @@ public:
     COLORREF GetSysColor(int index) override;
     bool SetSysColors(std::span<const int> indices, std::span<const COLORREF> colors) override;
     int GetDeviceCaps(HDC dc, int index) override;
+    // The software device's handles are its own.
+    [[nodiscard]] std::uintptr_t NativeHandle(HDC dc) override { return dc.value; }
 
 private:
     struct PenObj {
@@ -204,6 +207,7 @@ private:
     std::vector<std::uint32_t> freeSlots_;
     std::array<COLORREF, kSysColorCount> sysColors_{};
     SIZE screen_{};
+    int pixelsPerInch_ = 96;
     std::array<std::uint32_t, 18> stock_{};
     std::uint32_t stockBitmap_ = 0;
     std::unique_ptr<FontEngine> fonts_;

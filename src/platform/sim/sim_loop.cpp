@@ -68,6 +68,15 @@ int SimEventLoop::DoEvents() {
     return modalDepth_;
 }
 
+void SimEventLoop::Wait(std::int64_t ms) {
+    const std::int64_t start = clock_.Now();
+    for (;;) {
+        RunPosted();
+        if (clock_.Now() - start >= ms) return;
+        clock_.Advance(1);
+    }
+}
+
 // One round: posted tasks, then the close check, then one scripted step. With the script spent
 // the clock jumps to the next timer (one at a time, so the check runs between ticks) until the
 // idle budget is used up. A step may open a nested modal loop; it pulls from the same script.

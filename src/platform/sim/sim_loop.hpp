@@ -11,6 +11,8 @@
 #include <functional>
 #include <string_view>
 
+#include "platform/driver.hpp"
+#include "platform/sim/sim_clock.hpp"
 #include "platform/sim/sim_windows.hpp"
 #include "platform/window.hpp"
 
@@ -21,23 +23,28 @@ public:
     // Virtual time a modal loop may let pass, timer by timer, after its script has run out.
     static constexpr std::int64_t kIdleLimitMs = 60'000;
 
-    SimEventLoop(SimWindows& windows, Clock& clock) : windows_(windows), clock_(clock) {}
+    SimEventLoop(SimWindows& windows, SimClock& clock) : windows_(windows), clock_(clock) {}
     SimEventLoop(const SimEventLoop&) = delete;
     SimEventLoop& operator=(const SimEventLoop&) = delete;
 
-    void MouseMove(POINT screen) override;
-    void MouseDown(int button, int shift) override;
-    void MouseUp(int button, int shift) override;
-    void KeyDown(int keyCode, int shift) override;
-    void KeyUp(int keyCode, int shift) override;
-    void KeyPress(int character) override;
-
     int DoEvents() override;
     void Post(std::function<void()> task) override;
+    // Pending work runs, then the virtual clock moves one millisecond, until ms have passed.
+    void Wait(std::int64_t ms) override;
+    // Pending work, then script steps; with the script spent, time runs timer by timer for at
+    // most kIdleLimitMs before the host's error ends the loop.
     void RunModal(const std::function<bool()>& stillOpen, std::string_view what) override;
     std::uint32_t AddKeyFilter(KeyFilter filter) override;
     void RemoveKeyFilter(std::uint32_t id) override;
-    void SetInputSource(InputSource* source) override { source_ = source; }
+
+    // The driver's side (see platform/driver.hpp): the input funnel and the script source.
+    void MouseMove(POINT screen);
+    void MouseDown(int button, int shift);
+    void MouseUp(int button, int shift);
+    void KeyDown(int keyCode, int shift);
+    void KeyUp(int keyCode, int shift);
+    void KeyPress(int character);
+    void SetInputSource(InputSource* source) { source_ = source; }
 
 private:
     void Key(KeyEvent::Kind kind, int keyCode, int shift);
@@ -48,7 +55,7 @@ private:
     void RunPosted();
 
     SimWindows& windows_;
-    Clock& clock_;
+    SimClock& clock_;
     InputSource* source_ = nullptr;
     std::deque<std::function<void()>> posted_;
     int modalDepth_ = 0;

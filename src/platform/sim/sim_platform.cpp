@@ -4,7 +4,7 @@
 
 namespace korvex::platform::sim {
 
-SimPlatform::SimPlatform(SIZE screen, int twipsPerPixel)
-    : gdi_(screen), windows_(gdi_, screen, twipsPerPixel), loop_(windows_, clock_) {}
+SimPlatform::SimPlatform(SIZE screen, int pixelsPerInch)
+    : gdi_(screen, pixelsPerInch), windows_(gdi_, screen), loop_(windows_, clock_) {}
 
 }  // namespace korvex::platform::sim

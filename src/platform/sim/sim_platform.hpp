@@ -2,7 +2,11 @@
 // SimPlatform: one portable platform instance, owning its drawing device, window manager,
 // virtual clock and event loop. Everything lives in the instance, so two platforms in one
 // process (two hosts in one test) never see each other.
+//
+// Controls get it as a platform::Platform; whoever runs the platform (a test, the script
+// runner, the korvex tool) also reaches its driver face through driver().
 
+#include "platform/driver.hpp"
 #include "platform/sim/sim_clock.hpp"
 #include "platform/sim/sim_gdi.hpp"
 #include "platform/sim/sim_loop.hpp"
@@ -12,9 +16,36 @@
 
 namespace korvex::platform::sim {
 
+// The driver face of the portable parts: each operation forwards to the part that owns it.
+class SimDriver final : public Driver {
+  public:
+    SimDriver(SimWindows& windows, SimClock& clock, SimEventLoop& loop)
+        : windows_(windows), clock_(clock), loop_(loop) {}
+
+    void Advance(std::int64_t ms) override { clock_.Advance(ms); }
+    [[nodiscard]] std::int64_t NextDue() override { return clock_.NextDue(); }
+    void MouseMove(POINT screen) override { loop_.MouseMove(screen); }
+    void MouseDown(int button, int shift) override { loop_.MouseDown(button, shift); }
+    void MouseUp(int button, int shift) override { loop_.MouseUp(button, shift); }
+    void KeyDown(int keyCode, int shift) override { loop_.KeyDown(keyCode, shift); }
+    void KeyUp(int keyCode, int shift) override { loop_.KeyUp(keyCode, shift); }
+    void KeyPress(int character) override { loop_.KeyPress(character); }
+    void SetInputSource(InputSource* source) override { loop_.SetInputSource(source); }
+    std::vector<std::uint32_t> ComposeScreen() override { return windows_.ComposeScreen(); }
+    std::vector<std::uint32_t> ComposeWindow(HWND window) override {
+        return windows_.ComposeWindow(window);
+    }
+
+  private:
+    SimWindows& windows_;
+    SimClock& clock_;
+    SimEventLoop& loop_;
+};
+
 class SimPlatform final : public Platform {
-public:
-    explicit SimPlatform(SIZE screen = {1024, 768}, int twipsPerPixel = 15);
+  public:
+    // pixelsPerInch is the screen's LOGPIXELSX and LOGPIXELSY: 96 gives 15 twips to a pixel.
+    explicit SimPlatform(SIZE screen = {1024, 768}, int pixelsPerInch = 96);
     SimPlatform(const SimPlatform&) = delete;
     SimPlatform& operator=(const SimPlatform&) = delete;
 
@@ -26,7 +57,10 @@ public:
     SimSound& sound() override { return sound_; }
     SimShell& shell() override { return shell_; }
 
-private:
+    // The driver face: time, input, scripts and pixels.
+    Driver& driver() { return driver_; }
+
+  private:
     // Declaration order is destruction order reversed: the windows give their regions back to
     // the device before it goes.
     SimGdi gdi_;
@@ -35,6 +69,7 @@ private:
     SimEventLoop loop_;
     SimSound sound_{clock_};
     SimShell shell_{clock_};
+    SimDriver driver_{windows_, clock_, loop_};
 };
 
 }  // namespace korvex::platform::sim

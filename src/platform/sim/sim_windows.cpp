@@ -22,6 +22,8 @@ void Erase(std::vector<std::uint32_t>& list, std::uint32_t value) {
     list.erase(std::remove(list.begin(), list.end(), value), list.end());
 }
 
+bool Inside(const RECT& r, POINT p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
+
 std::size_t IndexOf(const std::vector<std::uint32_t>& list, std::uint32_t value) {
     return static_cast<std::size_t>(std::find(list.begin(), list.end(), value) - list.begin());
 }
@@ -31,8 +33,7 @@ std::size_t IndexOf(const std::vector<std::uint32_t>& list, std::uint32_t value)
 // ---------------------------------------------------------------------------------------------
 // Construction
 
-SimWindows::SimWindows(Gdi& gdi, SIZE screen, int twipsPerPixel)
-    : gdi_(gdi), screen_(screen), twipsPerPixel_(twipsPerPixel) {
+SimWindows::SimWindows(Gdi& gdi, SIZE screen) : gdi_(gdi), screen_(screen) {
     Window desktop;
     desktop.visible = true;
     desktop.rect = {0, 0, screen.cx, screen.cy};
@@ -62,6 +63,7 @@ HWND SimWindows::CreateWindow(HWND parent, const RECT& position, WindowStyle sty
 
     Window window;
     window.child = style.child;
+    window.caption = style.caption && !style.child;
     window.parent = style.child ? parentHandle : kDesktop;
     if (!style.child && parentHandle) {
         // An owner is always a top-level window: a child named as owner stands for its
@@ -152,11 +154,27 @@ std::string SimWindows::GetWindowText(HWND window) {
 // ---------------------------------------------------------------------------------------------
 // Geometry and z-order
 
+// A child sits in its parent's client area, which starts inside the frame of a captioned parent.
 POINT SimWindows::Origin(std::uint32_t window) {
     POINT origin;
     for (const Window* w = Find(window); w; w = w->child ? Find(w->parent) : nullptr) {
         origin.x += w->rect.left;
         origin.y += w->rect.top;
+        if (const Window* parent = w->child ? Find(w->parent) : nullptr) {
+            const RECT client = ClientArea(*parent);
+            origin.x += client.left;
+            origin.y += client.top;
+        }
+    }
+    return origin;
+}
+
+POINT SimWindows::ClientOrigin(std::uint32_t window) {
+    POINT origin = Origin(window);
+    if (const Window* w = Find(window)) {
+        const RECT client = ClientArea(*w);
+        origin.x += client.left;
+        origin.y += client.top;
     }
     return origin;
 }
@@ -172,7 +190,8 @@ bool SimWindows::GetWindowRect(HWND window, RECT* screen) {
 bool SimWindows::GetClientRect(HWND window, RECT* client) {
     const Window* w = Find(window);
     if (!w || !client) return false;
-    *client = {0, 0, w->rect.Width(), w->rect.Height()};
+    const RECT area = ClientArea(*w);
+    *client = {0, 0, area.Width(), area.Height()};
     return true;
 }
 
@@ -200,13 +219,13 @@ bool SimWindows::SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std
 
 POINT SimWindows::ClientToScreen(HWND window, POINT client) {
     if (!Find(window)) return client;
-    const POINT o = Origin(window.value);
+    const POINT o = ClientOrigin(window.value);
     return {client.x + o.x, client.y + o.y};
 }
 
 POINT SimWindows::ScreenToClient(HWND window, POINT screen) {
     if (!Find(window)) return screen;
-    const POINT o = Origin(window.value);
+    const POINT o = ClientOrigin(window.value);
     return {screen.x - o.x, screen.y - o.y};
 }
 
@@ -328,6 +347,7 @@ bool SimWindows::ShowWindow(HWND window, bool visible) {
     const bool was = w->visible;
     w->visible = visible;
     if (!visible) {
+        w->closePressed = false;
         if (focus_ && IsSelfOrDescendant(window.value, focus_)) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -399,8 +419,7 @@ HWND SimWindows::SetCapture(HWND window) {
     if (window.value == kDesktop || !Find(window)) return {};
     capture_ = window.value;
     implicitCapture_ = false;  // an explicit request outlives the button release
-    if (old && old != window)
-        if (Window* w = Find(old); w && w->handler) w->handler->OnCaptureLost();
+    if (old && old != window) CaptureLost(old.value);
     return old;
 }
 
@@ -414,8 +433,7 @@ void SimWindows::DropCapture(bool notify) {
     const std::uint32_t old = capture_;
     capture_ = 0;
     implicitCapture_ = false;
-    if (notify)
-        if (Window* w = Find(old); w && w->handler) w->handler->OnCaptureLost();
+    if (notify) CaptureLost(old);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -499,6 +517,10 @@ std::uint32_t SimWindows::HitTest(POINT screen) {
         found = next;
         level = Find(next);
         if (!level->enabled) return found;
+        // Children live in the client area; the frame of a captioned window covers them.
+        const RECT client = ClientArea(*level);
+        const POINT o = Origin(next);
+        if (!Inside(client, {screen.x - o.x, screen.y - o.y})) return found;
     }
 }
 
@@ -517,11 +539,20 @@ std::uint32_t SimWindows::MouseTarget() {
     return hit && ChainEnabled(hit) ? hit : 0;
 }
 
+// Input on the frame of a captioned window (or while its close box is held) is the window
+// manager's own; the handler sees the client area only.
 void SimWindows::Deliver(std::uint32_t window, MouseEvent event) {
-    const Window* w = Find(window);
-    if (!w || !w->handler) return;
+    Window* w = Find(window);
+    if (!w) return;
     const POINT o = Origin(window);
-    event.client = {event.screen.x - o.x, event.screen.y - o.y};
+    const POINT inWindow{event.screen.x - o.x, event.screen.y - o.y};
+    const RECT client = ClientArea(*w);
+    if (w->caption && (w->closePressed || !Inside(client, inWindow))) {
+        NonClientMouse(*w, event, inWindow);
+        return;
+    }
+    if (!w->handler) return;
+    event.client = {inWindow.x - client.left, inWindow.y - client.top};
     w->handler->OnMouse(event);
 }
 
@@ -661,14 +692,13 @@ void SimWindows::ComposeInto(HDC target, std::uint32_t window, POINT origin, HRG
     }
 
     WindowHandler* handler = w->handler;
+    const RECT client = ClientArea(*w);
     const HDC dc = gdi_.CreateCompatibleDC(target);
     const HBITMAP bitmap = gdi_.CreateDIBSection32(width, height);
     if (dc && bitmap) {
         ScopedSelect select(gdi_, dc, bitmap);
-        const HBRUSH erase = gdi_.CreateSolidBrush(gdi_.GetSysColor(COLOR_WINDOW));
-        gdi_.FillRect(dc, {0, 0, width, height}, erase);
-        gdi_.DeleteObject(erase);
-        if (handler) handler->OnPaint(dc, RECT{0, 0, width, height});
+        if (w->caption) PaintFrame(dc, *w);
+        PaintClient(dc, handler, client);
         gdi_.SelectClipRgn(target, own);
         gdi_.BitBlt(target, origin.x, origin.y, width, height, dc, 0, 0, SRCCOPY);
         gdi_.SelectClipRgn(target, {});
@@ -676,14 +706,51 @@ void SimWindows::ComposeInto(HDC target, std::uint32_t window, POINT origin, HRG
     if (dc) gdi_.DeleteDC(dc);
     if (bitmap) gdi_.DeleteObject(bitmap);
 
-    // OnPaint may have changed the tree; look the window up again.
+    // The children compose inside the client area. OnPaint may have changed the tree; look the
+    // window up again.
     if (const Window* again = Find(window)) {
+        const POINT inner{origin.x + client.left, origin.y + client.top};
+        if (again->caption) {
+            const HRGN area = gdi_.CreateRectRgn(inner.x, inner.y, inner.x + client.Width(), inner.y + client.Height());
+            gdi_.CombineRgn(own, own, area, RGN_AND);
+            gdi_.DeleteObject(area);
+        }
         const std::vector<std::uint32_t> children = again->children;
         for (auto it = children.rbegin(); it != children.rend(); ++it)
             if (const Window* c = Find(*it); c && c->visible)
-                ComposeInto(target, *it, {origin.x + c->rect.left, origin.y + c->rect.top}, own);
+                ComposeInto(target, *it, {inner.x + c->rect.left, inner.y + c->rect.top}, own);
     }
     gdi_.DeleteObject(own);
+}
+
+// The client area, erased first with the window colour as the standard class brush would, then
+// painted by the handler. A window without a frame paints straight into its own bitmap.
+void SimWindows::PaintClient(HDC dc, WindowHandler* handler, const RECT& client) {
+    if (client.IsEmpty()) return;
+    const bool framed = client.left != 0 || client.top != 0;
+    const HDC target = framed ? gdi_.CreateCompatibleDC(dc) : dc;
+    const HBITMAP bitmap = framed ? gdi_.CreateDIBSection32(client.Width(), client.Height()) : HBITMAP{};
+    if (!target || (framed && !bitmap)) {
+        if (framed && target) gdi_.DeleteDC(target);
+        if (bitmap) gdi_.DeleteObject(bitmap);
+        return;
+    }
+    {
+        const HGDIOBJ previous = framed ? gdi_.SelectObject(target, bitmap) : HGDIOBJ{};
+        const RECT area{0, 0, client.Width(), client.Height()};
+        const HBRUSH erase = gdi_.CreateSolidBrush(gdi_.GetSysColor(COLOR_WINDOW));
+        gdi_.FillRect(target, area, erase);
+        gdi_.DeleteObject(erase);
+        if (handler) handler->OnPaint(target, area);
+        if (framed) {
+            gdi_.BitBlt(dc, client.left, client.top, client.Width(), client.Height(), target, 0, 0, SRCCOPY);
+            gdi_.SelectObject(target, previous);
+        }
+    }
+    if (framed) {
+        gdi_.DeleteDC(target);
+        gdi_.DeleteObject(bitmap);
+    }
 }
 
 }  // namespace korvex::platform::sim

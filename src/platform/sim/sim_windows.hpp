@@ -7,7 +7,10 @@
 // - The desktop is a window of its own; top-level windows are its children. A top-level window
 //   created with a parent but without the child style is owned by that window: it stays above
 //   its owner, is destroyed with it, and is positioned in screen coordinates.
-// - A window has no non-client area here: its client area is its whole rectangle.
+// - Only a captioned top-level window (WindowStyle::caption) has a non-client area: the classic
+//   fixed frame, caption bar and close box, which SimWindows draws and whose close box it
+//   tracks, telling the handler OnClose when it is clicked. Every other window's client area is
+//   its whole rectangle.
 // - Visibility and enabled state follow the chain of parents (not owners), so a modal form
 //   stays usable while its disabled owner does not.
 // - Mouse input goes to the capture window or to the window hit under the pointer. Hit-testing
@@ -37,8 +40,20 @@ public:
     static constexpr std::int32_t kDoubleClickWidth = 4;
     static constexpr std::int32_t kDoubleClickHeight = 4;
 
+    // Classic metrics of a captioned window, in pixels (SM_CXFIXEDFRAME, SM_CYCAPTION less its
+    // separator line, the caption buttons' size). Window layout, W x H its outer size:
+    //   frame        3 px on every side (raised 3D edge, then one pixel of face colour)
+    //   caption bar  (3, 3) to (W - 3, 21): 18 px high
+    //   separator    row 21 in face colour
+    //   client       (3, 22) to (W - 3, H - 3)
+    //   close box    16 x 14 px, 2 px in from the caption bar's top and right edges
+    static constexpr std::int32_t kFrameWidth = 3;
+    static constexpr std::int32_t kCaptionHeight = 18;
+    static constexpr std::int32_t kCloseBoxWidth = 16;
+    static constexpr std::int32_t kCloseBoxHeight = 14;
+
     // Draws through gdi (whose regions SetWindowRgn takes over); gdi must outlive this object.
-    SimWindows(Gdi& gdi, SIZE screen = {1024, 768}, int twipsPerPixel = 15);
+    SimWindows(Gdi& gdi, SIZE screen = {1024, 768});
     ~SimWindows() override;
     SimWindows(const SimWindows&) = delete;
     SimWindows& operator=(const SimWindows&) = delete;
@@ -50,11 +65,15 @@ public:
     HWND GetParent(HWND window) override;
     HWND SetParent(HWND window, HWND newParent) override;
     HWND GetDesktopWindow() override { return HWND{kDesktop}; }
+    // The portable window manager's handles are its own.
+    [[nodiscard]] std::uintptr_t NativeHandle(HWND window) override { return window.value; }
     bool SetWindowText(HWND window, std::string_view text) override;
     std::string GetWindowText(HWND window) override;
 
     bool GetWindowRect(HWND window, RECT* screen) override;
     bool GetClientRect(HWND window, RECT* client) override;
+    bool AdjustWindowRect(RECT* rect, WindowStyle style) override;
+    bool GetTitleBarInfo(HWND window, TITLEBARINFO* info) override;
     bool MoveWindow(HWND window, const RECT& position) override;
     bool SetWindowPos(HWND window, HWND insertAfter, std::int32_t x, std::int32_t y,
                       std::int32_t cx, std::int32_t cy, unsigned flags) override;
@@ -87,10 +106,10 @@ public:
     HWND WindowFromPoint(POINT screen) override;
 
     SIZE ScreenSize() override { return screen_; }
-    int TwipsPerPixelX() override { return twipsPerPixel_; }
-    int TwipsPerPixelY() override { return twipsPerPixel_; }
-    std::vector<std::uint32_t> ComposeScreen() override;
-    std::vector<std::uint32_t> ComposeWindow(HWND window) override;
+
+    // The driver's pixels (see platform/driver.hpp).
+    std::vector<std::uint32_t> ComposeScreen();
+    std::vector<std::uint32_t> ComposeWindow(HWND window);
 
     // Input routing, fed by SimEventLoop with the virtual time of each event.
     void RouteMouseMove(POINT screen, std::int64_t time);
@@ -109,6 +128,9 @@ private:
         std::uint32_t owner = 0;   // top-level windows only: the window this one stays above
         bool child = false;
         bool topmost = false;
+        bool caption = false;
+        bool closePressed = false;  // the left button went down on the close box and is held
+        bool closeHot = false;      // ... and the pointer is over it now
         bool visible = false;
         bool enabled = true;
         RECT rect;  // parent's client coordinates for children, screen for top-level windows
@@ -135,7 +157,21 @@ private:
     bool IsSelfOrDescendant(std::uint32_t ancestor, std::uint32_t window);
     bool ChainVisible(std::uint32_t window);
     bool ChainEnabled(std::uint32_t window);
-    POINT Origin(std::uint32_t window);  // top-left corner in screen coordinates
+    POINT Origin(std::uint32_t window);        // top-left corner in screen coordinates
+    POINT ClientOrigin(std::uint32_t window);  // the client area's top-left corner, screen
+    // The client area in window coordinates.
+    static RECT ClientArea(const Window& w);
+
+    // The non-client area of a captioned window (sim_frame.cpp): its parts in window
+    // coordinates, the close box's push-button behaviour, and the drawing.
+    static RECT CaptionRect(const Window& w);
+    static RECT CloseBoxRect(const Window& w);
+    void NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow);
+    void PaintFrame(HDC dc, const Window& w);
+    void PaintCaption(HDC dc, const Window& w, const RECT& bar);
+    void PaintCloseBox(HDC dc, const Window& w);
+    // Capture left the window without the release reaching it.
+    void CaptureLost(std::uint32_t window);
 
     // Z-order among siblings; see SetWindowPos for the rules of each insertAfter value.
     bool Restack(std::uint32_t window, HWND insertAfter);
@@ -154,11 +190,11 @@ private:
     // Composition: paints window (at origin in target's coordinates) and its visible children,
     // clipped by clip (target coordinates, zero for none), the window rectangle and its region.
     void ComposeInto(HDC target, std::uint32_t window, POINT origin, HRGN clip);
+    void PaintClient(HDC dc, WindowHandler* handler, const RECT& client);
     std::vector<std::uint32_t> Render(SIZE size, std::uint32_t window, POINT origin);
 
     Gdi& gdi_;
     SIZE screen_;
-    int twipsPerPixel_;
     std::map<std::uint32_t, Window> windows_;  // includes the desktop
     std::uint32_t nextHandle_ = kDesktop + 4;
     std::uint32_t focus_ = 0;

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/gdi_script.hpp"
+#include "driver/gdi_script.hpp"
 #include "platform/win32/win32_gdi.hpp"
 
 namespace korvex::platform::win32 {

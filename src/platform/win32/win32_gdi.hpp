@@ -85,6 +85,7 @@ class Win32Gdi final : public Gdi {
     COLORREF GetSysColor(int index) override;
     bool SetSysColors(std::span<const int> indices, std::span<const COLORREF> colors) override;
     int GetDeviceCaps(HDC dc, int index) override;
+    [[nodiscard]] std::uintptr_t NativeHandle(HDC dc) override;
 
   private:
     // Win32 handles are pointers; ours are 32-bit numbers, so both directions go through tables.

@@ -13,7 +13,7 @@
 
 #include "forms/graphics.hpp"
 #include "host/container.hpp"
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 #include "library/library.hpp"
 #include "platform/sim/sim_platform.hpp"
 #include "support/error_of.hpp"
@@ -85,7 +85,7 @@ class DisplayTest : public ::testing::Test {
 
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, out, std::filesystem::path(KORVEX_BINARY_DIR) / "display_test");
+        ScriptRunner runner(form, platform.driver(), out, std::filesystem::path(KORVEX_BINARY_DIR) / "display_test");
         runner.Run(script);
         return out.str();
     }
@@ -94,7 +94,7 @@ class DisplayTest : public ::testing::Test {
         const platform::HWND window = form.Get(name).GetControl().SurfaceWindow();
         platform::RECT client;
         platform.windows().GetClientRect(window, &client);
-        return {platform.windows().ComposeWindow(window), client.Width(), client.Height()};
+        return {platform.driver().ComposeWindow(window), client.Width(), client.Height()};
     }
     std::uint32_t Sys(int index) {
         const platform::COLORREF c = platform.gdi().GetSysColor(index);

@@ -122,7 +122,7 @@ TEST_F(Label3DTest, TransparentLabelShowsTheFormAroundItsGlyphs) {
     form.BackColor = 0x0000FF00;  // green
     AddPlain(15);
     Let("L", "BackStyle", 1);
-    const std::vector<std::uint32_t> screen = platform.windows().ComposeScreen();
+    const std::vector<std::uint32_t> screen = platform.driver().ComposeScreen();
     const int width = platform.windows().ScreenSize().cx;
     std::map<std::uint32_t, int> seen;
     // The control covers 10..129, 10..49 on the screen.

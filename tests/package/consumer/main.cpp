@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "host/container.hpp"
+#include "host/form_file.hpp"
 #include "library/library.hpp"
 #include "platform/sim/sim_platform.hpp"
 
@@ -11,7 +12,7 @@ int main() {
     korvex::host::HostContext context(&platform);
     korvex::RegisterLibrary(context);
     korvex::host::Container form(context);
-    form.LoadJson(R"({"Controls": [{"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1",
+    korvex::host::LoadFormJson(form, R"({"Controls": [{"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1",
                       "Left": 120, "Top": 240, "Width": 3000, "Height": 30}]})");
     form.SwitchMode(true);
     form.Show();

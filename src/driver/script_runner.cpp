@@ -1,9 +1,10 @@
-#include "host/script_runner.hpp"
+#include "driver/script_runner.hpp"
 
 #include <map>
 #include <ostream>
 #include <sstream>
 
+#include "host/form_file.hpp"
 #include "host/numeric.hpp"
 #include "host/text.hpp"
 #include "platform/png.hpp"
@@ -138,18 +139,20 @@ Variant ScriptRunner::ParseValue(const std::string& token) {
     return token;  // a bare word is text
 }
 
-ScriptRunner::ScriptRunner(Container& form, std::ostream& out, std::filesystem::path outDir)
+ScriptRunner::ScriptRunner(Container& form, platform::Driver& driver, std::ostream& out,
+                           std::filesystem::path outDir)
     : form_(form),
       platform_(*form.Context().Platform()),
+      driver_(driver),
       out_(out),
       outDir_(std::move(outDir)),
       previousSink_(form.Sink()) {
     form_.SetSink(this);
-    platform_.loop().SetInputSource(this);
+    driver_.SetInputSource(this);
 }
 
 ScriptRunner::~ScriptRunner() {
-    platform_.loop().SetInputSource(nullptr);
+    driver_.SetInputSource(nullptr);
     form_.SetSink(previousSink_);
 }
 
@@ -290,7 +293,7 @@ platform::HWND ScriptRunner::TopWindow() const {
 void ScriptRunner::Execute(const Line& line) {
     const auto& w = line.words;
     const std::string command = Lower(w[0]);
-    platform::EventLoop& loop = platform_.loop();
+    platform::Driver& loop = driver_;
     platform::Windows& windows = platform_.windows();
     Pointer pointer;
     ParseButtonWords(w, command == "down" || command == "up" || command == "click" || command == "dblclick" ? 1 : w.size(), pointer);
@@ -333,7 +336,7 @@ void ScriptRunner::Execute(const Line& line) {
         if (!site) throw NoControl(w[1]);
         windows.SetFocus(site->GetControl().SurfaceWindow());
     } else if (command == "wait") {
-        platform_.clock().Advance(std::stoll(w[1]));
+        driver_.Advance(std::stoll(w[1]));
     } else if (command == "set") {
         auto [site, property] = Member(w[1]);
         form_.LetProperty(*site, property, ParseValue(w[2]));
@@ -369,10 +372,10 @@ void ScriptRunner::Execute(const Line& line) {
             if (!window || !windows.GetWindowRect(window, &r)) {
                 throw HostError(kErrInvalidCall, "There is no window to take a snapshot of (" + w[2] + ")", "korvex");
             }
-            pixels = windows.ComposeWindow(window);
+            pixels = driver_.ComposeWindow(window);
             size = {r.Width(), r.Height()};
         } else {
-            pixels = windows.ComposeScreen();
+            pixels = driver_.ComposeScreen();
         }
         const std::string path = (outDir_ / w[1]).string();
         try {
@@ -381,7 +384,7 @@ void ScriptRunner::Execute(const Line& line) {
             throw HostError(kErrPathFileAccess, std::string("Path/File access error (") + e.what() + ")", "korvex");
         }
     } else if (command == "save") {
-        form_.SaveFile((outDir_ / w[1]).string());
+        SaveFormFile(form_, (outDir_ / w[1]).string());
     }
 }
 

@@ -26,6 +26,7 @@
 #include <vector>
 
 #include "host/container.hpp"
+#include "platform/driver.hpp"
 #include "platform/window.hpp"
 
 namespace korvex::host {
@@ -42,9 +43,9 @@ private:
 
 class ScriptRunner final : public platform::InputSource, public EventSink {
 public:
-    // The form must belong to a host context with a platform. Output goes to `out`; snapshots
-    // and saved forms are written below `outDir`.
-    ScriptRunner(Container& form, std::ostream& out, std::filesystem::path outDir = ".");
+    // The form must belong to a host context with a platform, which `driver` drives. Output
+    // goes to `out`; snapshots and saved forms are written below `outDir`.
+    ScriptRunner(Container& form, platform::Driver& driver, std::ostream& out, std::filesystem::path outDir = ".");
     ~ScriptRunner() override;
     ScriptRunner(const ScriptRunner&) = delete;
     ScriptRunner& operator=(const ScriptRunner&) = delete;
@@ -76,6 +77,7 @@ private:
 
     Container& form_;
     platform::Platform& platform_;
+    platform::Driver& driver_;
     std::ostream& out_;
     std::filesystem::path outDir_;
     EventSink* previousSink_;

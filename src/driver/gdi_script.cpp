@@ -1,4 +1,4 @@
-#include "platform/gdi_script.hpp"
+#include "driver/gdi_script.hpp"
 
 #include <algorithm>
 #include <array>
