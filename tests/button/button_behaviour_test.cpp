@@ -81,7 +81,7 @@ TEST_F(ButtonTest, PushButtonClickRaisesDownClickUpAndLeavesValueTrue) {
               "B.Value = True\n");
     // Setting Value on a push button only stores it.
     EXPECT_EQ(Run("set B.Value False\nget B.Value\n"), "changed B.Value\nB.Value = False\n");
-    EXPECT_EQ(Get().FrameStateShown(), 2) << "released under the pointer: the hover look";
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 2) << "released under the pointer: the hover look";
 }
 
 TEST_F(ButtonTest, SwitchLatchesOnFirstClickAndComesOutOnSecond) {
@@ -94,7 +94,7 @@ TEST_F(ButtonTest, SwitchLatchesOnFirstClickAndComesOutOnSecond) {
               "event B.Click()\n"
               "B.Value = True\n"
               "B.Switched = 1\n");
-    EXPECT_EQ(Get().FrameStateShown(), 3);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 3);
     EXPECT_EQ(Run("wait 600\nclick\nget B.Value\nget B.Switched\n"),
               "event B.MouseDown(1, 0, 4, 4)\n"
               "changed B.Value\n"
@@ -102,7 +102,7 @@ TEST_F(ButtonTest, SwitchLatchesOnFirstClickAndComesOutOnSecond) {
               "event B.MouseUp(1, 0, 4, 4)\n"
               "B.Value = False\n"
               "B.Switched = 0\n");
-    EXPECT_EQ(Get().FrameStateShown(), 2);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 2);
 }
 
 TEST_F(ButtonTest, RightButtonLatchesASwitchAsRight) {
@@ -147,22 +147,22 @@ TEST_F(ButtonTest, ValueDrivesLatchingWithoutEventsExceptGroup) {
     Let("S", "OptionMode", 1);
     Let("G", "OptionMode", 2);
     EXPECT_EQ(Run("set S.Value True\nset G.Value True\n"), "changed S.Value\nchanged G.Value\nevent G.Group()\n");
-    EXPECT_EQ(Get("S").FrameStateShown(), 3);
-    EXPECT_EQ(Get("S").ImageStateShown(), 3);
+    EXPECT_EQ(static_cast<int>(Get("S").State().frame), 3);
+    EXPECT_EQ(static_cast<int>(Get("S").State().image), 3);
 
     // Value False on a latched switch raises nothing and shows the hover look; the hover poll
     // runs again and takes it back to normal once the pointer is seen elsewhere.
     Run("click right\n");  // nowhere near the buttons: Switched of S stays as the setter left it
     EXPECT_EQ(Run("set S.Value False\nget S.Switched\n"), "changed S.Value\nS.Switched = 0\n");
-    EXPECT_EQ(Get("S").FrameStateShown(), 2);
-    EXPECT_EQ(Get("S").ImageStateShown(), 2);
+    EXPECT_EQ(static_cast<int>(Get("S").State().frame), 2);
+    EXPECT_EQ(static_cast<int>(Get("S").State().image), 2);
     Run("move 600 500\nwait 100\n");
-    EXPECT_EQ(Get("S").FrameStateShown(), 1);
+    EXPECT_EQ(static_cast<int>(Get("S").State().frame), 1);
 
     // A disabled switch stores Value without latching.
     Let("S", "EnabledB", false);
     Run("set S.Value True\n");
-    EXPECT_EQ(Get("S").FrameStateShown(), 1);
+    EXPECT_EQ(static_cast<int>(Get("S").State().frame), 1);
     EXPECT_TRUE(Read("S", "Value").ToBool());
 }
 
@@ -170,20 +170,20 @@ TEST_F(ButtonTest, HoverPollShowsAndLeavesTheHoverLook) {
     Add();
     Let("B", "BorderStyle", 5);
     Run("move B\nwait 100\n");
-    EXPECT_EQ(Get().FrameStateShown(), 2);
-    EXPECT_EQ(Get().ImageStateShown(), 2);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 2);
+    EXPECT_EQ(static_cast<int>(Get().State().image), 2);
     // The hot XPStyle frame: orange inside the blue outline.
     const Shot hot = Pixels();
     EXPECT_EQ(hot.at(1, 20), 0xF8B230u);
     Run("move 5 5\nwait 100\n");
-    EXPECT_EQ(Get().FrameStateShown(), 1);
-    EXPECT_EQ(Get().ImageStateShown(), 1);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 1);
+    EXPECT_EQ(static_cast<int>(Get().State().image), 1);
     EXPECT_NE(Pixels().at(1, 20), 0xF8B230u);
 
     // Cool and XPcool rest without a frame.
     Let("B", "BorderStyle", 6);
     Run("move B\nwait 100\nmove 5 5\nwait 100\n");
-    EXPECT_EQ(Get().FrameStateShown(), 0);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 0);
 }
 
 // Entering during a press shows the normal XPStyle frame, not the hot one.
@@ -192,7 +192,7 @@ TEST_F(ButtonTest, PointerEnteringDuringAPressIsNotHot) {
     Let("B", "BorderStyle", 5);
     Let("B", "OptionMode", 1);
     Run("set B.Value True\nmove B\nwait 100\nset B.Value False\n");
-    EXPECT_EQ(Get().FrameStateShown(), 2);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 2);
     EXPECT_NE(Pixels().at(1, 20), 0xF8B230u);
 }
 
@@ -205,7 +205,7 @@ TEST_F(DesignModeButtonTest, HoverPollChangesNothing) {
     Add();
     const Shot before = Pixels();
     Run("move B\nwait 200\nmove 5 5\nwait 200\nmove B\nwait 200\n");
-    EXPECT_EQ(Get().FrameStateShown(), 1);
+    EXPECT_EQ(static_cast<int>(Get().State().frame), 1);
     EXPECT_EQ(Pixels().bits, before.bits);
 }
 
