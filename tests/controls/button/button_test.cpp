@@ -43,7 +43,7 @@ const std::vector<std::pair<const char*, Variant>> kDefaults = {
     {"Caption", "Caption"}, {"ToolTipText", "Quick-Info"}, {"ButtonShow", 21}, {"BorderStyle", 2},
     {"TextAlignment", 2}, {"ButtonColor", 0x8000000FU}, {"BackColorB", 0x8000000FU}, {"FontShadowColor", 0x00FFFFFF},
     {"FontColor", 0}, {"Gradient", true}, {"ToolTip", true}, {"EnabledB", true}, {"MousePointer", 0},
-    {"OptionMode", 0}, {"Font3D", 0}};
+    {"OptionMode", 0}, {"Font3D", 0}, {"Value", false}, {"IconSize", false}, {"FocusRect", false}};
 const std::vector<std::pair<const char*, Variant>> kChanges = {
     {"OptionMode", 2}, {"IconSize", true}, {"BorderStyle", 5}, {"Gradient", false}, {"ButtonShow", 24},
     {"TextAlignment", 3}, {"BackColorB", 0x00102030}, {"ButtonColor", 0x00C0FFEE}, {"Caption", "Drucken"},

@@ -65,10 +65,11 @@ TEST_F(FlatButtonTest, PersistsInOrderAndRoundTrips) {
     form.Add("Korvex_Tools.FlatButton", kF);
     EXPECT_TRUE(Keys("F").empty());
     const std::vector<std::string> fresh = State("F");
-    EXPECT_EQ(fresh[0], "Caption=\"F\"");
-    EXPECT_EQ(fresh[2], "TextColor=-2147483630");
-    EXPECT_EQ(fresh[4], "BackColor=-2147483633");
-    EXPECT_EQ(fresh[5], "UseMnemonic=True");
+    EXPECT_EQ(fresh, (std::vector<std::string>{"Caption=\"F\"", "Font=Font(\"MS Sans Serif\")",
+                                               "TextColor=-2147483630", "HoverColor=-2147483630",
+                                               "BackColor=-2147483633", "UseMnemonic=True",
+                                               "Default=False", "Cancel=False", "FocusRect=False",
+                                               "BackFocus=False", "Enabled=1", "AccessKey=0"}));
     form.Restore("Korvex_Tools.FlatButton", {"F2", 300, 1200, 1125, 375}, host::JsonPropertyBag{});
     std::vector<std::string> restored = State("F2");
     restored[0] = "Caption=\"F\"";  // its own name
