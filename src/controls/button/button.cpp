@@ -5,9 +5,9 @@
 
 #include <span>
 
-#include "foundation/hover.hpp"
 #include "foundation/sounds.hpp"
 #include "host/type_info.hpp"
+#include "platform/sound.hpp"
 
 namespace korvex::controls {
 

@@ -1,38 +1,34 @@
 // Button's behaviour: mouse, keys, focus, the hover poll and the Value setter turned into state
 // changes, painting steps and raised events.
 //
-// The press cycle, step by step (phase: PressPhase; events in the order raised):
+// The press cycle of each kind of button, step by step (events in the order raised):
 //
-//   step               optButton                    optSwitch                 optGroup
-//   pointer in (poll)  hover, hotEntry unless        as optButton              as optButton
-//                      pressed; look Hover
-//   press              phase Down, look Down;       Up: phase Latched, poll   Up: phase Latched,
-//   poll
-//                      MouseDown                    off, look Down;           off, look Down;
-//                      Group,
-//                                                   MouseDown                 MouseDown
-//                                                   Latched: phase Up (look   Latched: MouseDown
-//                                                   only waits); MouseDown
-//   pointer out (poll) nothing while Down           nothing (poll off)        nothing (poll off)
-//   pointer in (poll)  nothing while Down           nothing (poll off)        nothing (poll off)
-//   release            phase Up, poll on, look      Latched: Value = True;    Latched, first time:
-//                      Hover; Value = True; Click,  Click                     Value = True; Click
-//                      MouseUp                      Up: look Hover, Value =   Latched again:
-//                      nothing
-//                                                   False, Switched bFalse;
-//                                                   Click, MouseUp
-//   pointer out (poll) hover off; look Normal (Plain for Cool and XPcool)
+//   step               kind              state afterwards                         raised
+//   pointer in (poll)  any, not Down     hover; hotEntry unless pressed;          -
+//                                        look Hover
+//   press              push              phase Down; look Down                    MouseDown
+//   press              switch or group,  phase Latched, poll off; look Down       Group (group
+//                      not latched                                                only), MouseDown
+//   press              switch, latched   phase Up; the look waits for release     MouseDown
+//   press              group, latched    nothing                                  MouseDown
+//   pointer out / in   Down or Latched   nothing (the poll skips Down and is      -
+//                                        off while latched)
+//   release            push              phase Up, poll on; look Hover;           Click, MouseUp
+//                                        Value = True
+//   release            switch, Up        phase Up, poll on; look Hover;           Click, MouseUp
+//                                        Value = False; Switched bFalse
+//   release            switch, latched   Value = True                             Click
+//   release            group, latched    first time Value = True, then nothing    Click, once
+//   pointer out (poll) any, not Down     hover off; look Normal (Plain for        -
+//                                        Cool and XPcool)
 //
 // Value = True on an unpressed switch or group button latches it as a press does (Group for a
 // group button, no other event); Value = False on a latched one releases it to the hover look
 // without an event. A push button only stores Value. Enter, with FocusRect, is a press with
 // button 1 at 0, 0 on key down and the release on key up.
 
-#include <span>
-
 #include "controls/button/button.hpp"
 #include "foundation/hover.hpp"
-#include "platform/sound.hpp"
 
 namespace korvex::controls {
 

@@ -16,17 +16,15 @@ using controls::Button;
 TEST_F(ButtonsTest, MemberTableIsInSlotOrder) {
     const host::ClassInfo& info = Button::Class();
     EXPECT_EQ(info.progId, "Korvex_Tools.Button");
-    std::string names, events;
-    for (const host::MemberInfo& m : info.members) names += m.name + (m.ReadOnly() ? "(ro) " : " ");
-    for (const host::EventInfo& e : info.events) events += std::to_string(e.id) + e.name + " ";
     EXPECT_EQ(
-        names,
+        Members(info),
         "ShowAboutBox NotFrmFocus DrawRectB Refresh PlaySound EndPlaySound PictureUp PictureDown "
         "PictureOver EnabledB OptionMode Value IconSize BorderStyle Gradient ButtonShow "
         "TextAlignment BackColorB ButtonColor Caption Font3D FontColor FontShadowColor ToolTip "
         "ToolTipText FocusRect Font MouseIcon MousePointer Switched(ro) HDC(ro) hwnd(ro) "
         "HasDC(ro) ");
-    EXPECT_EQ(events, "1Click 2MouseDown 3MouseMove 4MouseUp 5KeyDown 6KeyPress 7KeyUp 8Group ");
+    EXPECT_EQ(Events(info),
+              "1Click 2MouseDown 3MouseMove 4MouseUp 5KeyDown 6KeyPress 7KeyUp 8Group ");
     EXPECT_EQ(info.FindEvent("MouseUp")->params.size(), 4u);
     const host::EnumInfo* images = info.FindEnum("EnumButton");
     ASSERT_EQ(images->members.size(), 52u);
