@@ -379,18 +379,6 @@ TEST_F(ButtonsTest, DesignerPicturesSmallAndLarge) {
     EXPECT_NE(Pixels().at(1, 1), 0x0000FFu);
 }
 
-class DesignModeButtonTest : public ButtonsTest {
-  protected:
-    DesignModeButtonTest() : ButtonsTest(false) {}
-};
-
-TEST_F(DesignModeButtonTest, HoverPollChangesNothing) {
-    Add();
-    const Shot before = Pixels();
-    Run("move B\nwait 200\nmove 5 5\nwait 200\nmove B\nwait 200\n");
-    EXPECT_EQ(Pixels().bits, before.bits);
-}
-
 TEST_F(ButtonsTest, SoundsPlayFromMemoryAndStopOnlyTheirOwn) {
     Button& b = Add();
     for (std::int16_t id : {102, 100, 107}) b.PlaySound(id);

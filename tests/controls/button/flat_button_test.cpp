@@ -176,25 +176,19 @@ TEST_F(FlatButtonTest, Sessions) {
     }
 }
 
-TEST_F(FlatButtonTest, PressTakesTheFocusAndFocusRectShowsIt) {
-    Running();
-    Run("set F.FocusRect True\nmove F 10 10\nwait 20\nclick\n");
-    EXPECT_TRUE(Read("F", "BackFocus").ToBool());
-    Run("focus G\n");
-    EXPECT_FALSE(Read("F", "BackFocus").ToBool());
-    EXPECT_FALSE(Read("G", "BackFocus").ToBool()) << "G has no FocusRect";
-    Run("call G.sFocus\n");
-    EXPECT_TRUE(Read("G", "BackFocus").ToBool());
-}
-
-TEST_F(FlatButtonTest, DesignModePollStopsAndNeverHovers) {
+// At design time neither button shows the hover look; the flat button's poll stops itself.
+TEST_F(FlatButtonTest, DesignModePollsChangeNothing) {
     form.Add("Korvex_Tools.FlatButton", kF);
-    const Shot before = Pixels("F");
+    Add("B", 300, 1200);
+    const Shot flat = Pixels("F"), button = Pixels("B");
     EXPECT_EQ(Run("set F.Cancel True\nset F.Default True\nmove F\nkey down escape\nkey down "
                   "enter\nwait 100\n"),
               "changed F.Cancel\nchanged F.Default\nevent F.MouseMove(0, 0, 555, 180)\n");
+    EXPECT_EQ(Pixels("F").bits, flat.bits);
+    Run("key up escape\nkey up enter\nmove B\nwait 200\nmove 5 5\nwait 200\nmove B\nwait 200\n");
+    EXPECT_EQ(Pixels("B").bits, button.bits);
+    form.Remove("B");
     EXPECT_EQ(platform.clock().NextDue(), -1) << "the poll stopped itself";
-    EXPECT_EQ(Pixels("F").bits, before.bits);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -288,21 +282,27 @@ TEST_F(FlatButtonTest, AccessLetterIsUnderlined) {
         << "and ends before the a";
 }
 
-// A dotted rectangle three pixels inside the edge, every other pixel.
-TEST_F(FlatButtonTest, FocusIndicationIsADottedRectangle) {
+// A press takes the focus; with FocusRect it shows as a dotted rectangle three pixels inside the
+// edge, every other pixel, gone with the focus. sFocus shows it without FocusRect.
+TEST_F(FlatButtonTest, FocusShowsAsADottedRectangle) {
     Running();
-    Run("set F.Caption \"\"\nset F.FocusRect True\nfocus F\n");
+    Run("set F.Caption \"\"\nset F.FocusRect True\nmove F 10 10\nwait 20\nclick\nmove 400 "
+        "300\nwait 20\n");
+    EXPECT_TRUE(Read("F", "BackFocus").ToBool());
     const Shot shot = Pixels("F");
     std::string top, left;
     for (int i = 2; i < 10; ++i) {
         top += shot.at(i, 3) == kBlack ? '#' : '.';
         left += shot.at(3, i) == kBlack ? '#' : '.';
     }
-    EXPECT_EQ(top, ".#.#.#.#");
-    EXPECT_EQ(left, ".#.#.#.#");
+    EXPECT_EQ(top + " " + left, ".#.#.#.# .#.#.#.#");
     EXPECT_EQ(shot.Box(kBlack), (std::vector<int>{3, 3, kW - 4, kH - 4}));
     Run("focus G\n");
+    EXPECT_FALSE(Read("F", "BackFocus").ToBool());
     EXPECT_EQ(Pixels("F").Box(kBlack)[0], -1);
+    EXPECT_FALSE(Read("G", "BackFocus").ToBool()) << "G has no FocusRect";
+    Run("call G.sFocus\n");
+    EXPECT_TRUE(Read("G", "BackFocus").ToBool());
 }
 
 }  // namespace
