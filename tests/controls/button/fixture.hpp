@@ -60,13 +60,10 @@ struct Shot {
     }
 };
 
-// A member table in slot order ("Caption Font hwnd(ro) sFocus() ") and its events ("1Click ").
+// A member table in slot order ("Caption Font hwnd(ro) sFocus ") and its events ("1Click ").
 inline std::string Members(const host::ClassInfo& info) {
     std::string out;
-    for (const host::MemberInfo& m : info.members)
-        out += m.name + (m.kind == host::MemberInfo::Kind::Method ? " "
-                         : m.ReadOnly()                           ? "(ro) "
-                                                                  : " ");
+    for (const host::MemberInfo& m : info.members) out += m.name + (m.ReadOnly() ? "(ro) " : " ");
     return out;
 }
 inline std::string Events(const host::ClassInfo& info) {
