@@ -68,9 +68,9 @@ void BM_ButtonHoverTransition(benchmark::State& state) {
     ButtonForm f;
     // The driver must really change the look, or the figure measures nothing.
     f.PollAt(f.inside);
-    const bool entered = f.button().FrameStateShown() == 2;
+    const bool entered = f.button().State().frame == controls::FrameLook::Hover;
     f.PollAt(f.outside);
-    if (!entered || f.button().FrameStateShown() != 1) {
+    if (!entered || f.button().State().frame != controls::FrameLook::Normal) {
         state.SkipWithError("the hover poll did not change the button's look");
         return;
     }

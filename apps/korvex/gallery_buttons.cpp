@@ -72,7 +72,7 @@ Json ButtonControl(const std::string& name, std::int32_t x, std::int32_t y, std:
 }
 
 std::string EnumName(std::int32_t value) {
-    return controls::ButtonImageNames()[static_cast<std::size_t>(value)].first;
+    return std::string(host::EnumOf<controls::EnumButton>().NameOf(value));
 }
 
 // ---------------------------------------------------------------------------------------------

@@ -1,9 +1,10 @@
+// Button: the property declarations, member table, construction, persistence and the property
+// setters. Setters store into the model, then run the painting steps the change needs.
+
 #include "controls/button/button.hpp"
 
 #include <span>
 
-#include "base/error.hpp"
-#include "foundation/hover.hpp"
 #include "foundation/sounds.hpp"
 #include "host/type_info.hpp"
 #include "platform/sound.hpp"
@@ -18,44 +19,86 @@ using host::PropertyBag;
 using host::TypeCode;
 using host::Variant;
 
-static_assert(static_cast<int>(EnumButton::btnOK) == 21 && static_cast<int>(EnumButton::pOff) == 51);
+static_assert(static_cast<int>(EnumButton::btnOK) == 21 &&
+              static_cast<int>(EnumButton::pOff) == 51);
 
 namespace {
-
-constexpr std::int16_t kKeyReturn = 13;
-constexpr std::int16_t kLeftButton = 1;
-constexpr std::int16_t kRightButton = 2;
-constexpr std::uint32_t kFocusDelayMs = 10;
 constexpr OLE_COLOR kButtonFace = 0x8000000F;
-
-template <class E>
-std::int32_t AsLong(E value) {
-    return static_cast<std::int32_t>(value);
-}
-
-template <class E>
-E ReadEnum(PropertyBag& bag, const char* key, E absent) {
-    return static_cast<E>(bag.ReadProperty(key, AsLong(absent)).ToLong());
-}
-
 }  // namespace
 
-const std::vector<std::pair<std::string, std::int32_t>>& ButtonImageNames() {
-    static const std::vector<std::pair<std::string, std::int32_t>> names = [] {
-        const char* const list[] = {
-            "Benutzerdefiniert", "btnCancel", "btnConvert", "btnColor", "btnCopy", "btnComputer", "btnCut",
-            "btnCDRom", "btnDVD", "btnDelete", "btnDesktop", "btnEdit", "btnFavorites", "btnFill", "btnHelp",
-            "btnHome", "btnIE", "btnInfo", "btnMail", "btnMusic", "btnNew", "btnOK", "btnOpen", "btnPaste",
-            "btnPrinter", "btnProperties", "btnRedo", "btnSave", "btnSave2", "btnScan", "btnSearch",
-            "btnSecurity", "btnSpeaker", "btnStop", "btnTextEditor", "btnTools", "btnUndo", "btnRefresh",
-            "btnUser", "btnView", "btnClock", "btnX", "CheckBox", "LEDred", "LEDgreen", "LEDyellow", "LEDblue",
-            "btnIcon", "btnSmallIcon", "btnList", "btnReport", "pOff"};
-        std::vector<std::pair<std::string, std::int32_t>> out;
-        for (std::int32_t i = 0; i < static_cast<std::int32_t>(std::size(list)); ++i) out.emplace_back(list[i], i);
-        return out;
-    }();
-    return names;
-}
+// Every key is read and written with the value a new control starts with.
+struct Button::Props {
+    using Picture = std::shared_ptr<host::StdPicture>;
+    template <class V>
+    using P = host::Property<Button, V>;
+    static inline const P<Picture> PictureUp{
+        .name = "PictureUp", .get = &Button::PictureUp, .set = &Button::PictureUp};
+    static inline const P<Picture> PictureDown{
+        .name = "PictureDown", .get = &Button::PictureDown, .set = &Button::PictureDown};
+    static inline const P<Picture> PictureOver{
+        .name = "PictureOver", .get = &Button::PictureOver, .set = &Button::PictureOver};
+    static inline const P<bool> EnabledB{
+        .name = "EnabledB", .get = &Button::EnabledB, .set = &Button::EnabledB, .read = true};
+    static inline const P<EnumMode> OptionMode{.name = "OptionMode",
+                                               .get = &Button::OptionMode,
+                                               .set = &Button::OptionMode,
+                                               .read = EnumMode::optButton};
+    static inline const P<bool> Value{
+        .name = "Value", .get = &Button::Value, .set = &Button::Value, .read = false};
+    static inline const P<bool> IconSize{
+        .name = "IconSize", .get = &Button::IconSize, .set = &Button::IconSize, .read = false};
+    static inline const P<EnumStyle> BorderStyle{.name = "BorderStyle",
+                                                 .get = &Button::BorderStyle,
+                                                 .set = &Button::BorderStyle,
+                                                 .read = EnumStyle::Flat};
+    static inline const P<bool> Gradient{
+        .name = "Gradient", .get = &Button::Gradient, .set = &Button::Gradient, .read = true};
+    static inline const P<EnumButton> ButtonShow{.name = "ButtonShow",
+                                                 .get = &Button::ButtonShow,
+                                                 .set = &Button::ButtonShow,
+                                                 .read = EnumButton::btnOK};
+    static inline const P<EnumTextAlignment> TextAlignment{.name = "TextAlignment",
+                                                           .get = &Button::TextAlignment,
+                                                           .set = &Button::TextAlignment,
+                                                           .read = EnumTextAlignment::tRight};
+    static inline const P<OLE_COLOR> BackColorB{.name = "BackColorB",
+                                                .get = &Button::BackColorB,
+                                                .set = &Button::BackColorB,
+                                                .read = kButtonFace};
+    static inline const P<OLE_COLOR> ButtonColor{.name = "ButtonColor",
+                                                 .get = &Button::ButtonColor,
+                                                 .set = &Button::ButtonColor,
+                                                 .read = kButtonFace};
+    static inline const P<std::string> Caption{
+        .name = "Caption", .get = &Button::Caption, .set = &Button::Caption, .read = "Caption"};
+    static inline const P<Enum3D> Font3D{
+        .name = "Font3D", .get = &Button::Font3D, .set = &Button::Font3D, .read = Enum3D::pTop};
+    static inline const P<OLE_COLOR> FontColor{.name = "FontColor",
+                                               .get = &Button::FontColor,
+                                               .set = &Button::FontColor,
+                                               .read = OLE_COLOR{0}};
+    static inline const P<OLE_COLOR> FontShadowColor{.name = "FontShadowColor",
+                                                     .get = &Button::FontShadowColor,
+                                                     .set = &Button::FontShadowColor,
+                                                     .read = OLE_COLOR{0x00FFFFFF}};
+    static inline const P<bool> ToolTip{
+        .name = "ToolTip", .get = &Button::ToolTip, .set = &Button::ToolTip, .read = true};
+    static inline const P<std::string> ToolTipText{.name = "ToolTipText",
+                                                   .get = &Button::ToolTipText,
+                                                   .set = &Button::ToolTipText,
+                                                   .read = "Quick-Info"};
+    static inline const P<bool> FocusRect{
+        .name = "FocusRect", .get = &Button::FocusRect, .set = &Button::FocusRect, .read = false};
+    // The ambient font.
+    static inline const P<std::shared_ptr<host::StdFont>> Font{
+        .name = "Font", .get = &Button::Font, .set = &Button::Font};
+    static inline const P<Picture> MouseIcon{
+        .name = "MouseIcon", .get = &Button::MouseIcon, .set = &Button::MouseIcon};
+    static inline const P<MousePointerConst> MousePointer{.name = "MousePointer",
+                                                          .get = &Button::MousePointer,
+                                                          .set = &Button::MousePointer,
+                                                          .bag = host::BagKind::Integer};
+};
 
 const ClassInfo& Button::Class() {
     static const ClassInfo info =
@@ -69,55 +112,46 @@ const ClassInfo& Button::Class() {
             .Method("PlaySound", {Arg("ResourceId", TypeCode::Integer)},
                     [](Button& b, std::span<Variant> a) { b.PlaySound(a[0].ToInteger()); })
             .Method("EndPlaySound", {}, [](Button& b, std::span<Variant>) { b.EndPlaySound(); })
-            .Property(KORVEX_PROPERTY(PictureUp))
-            .Property(KORVEX_PROPERTY(PictureDown))
-            .Property(KORVEX_PROPERTY(PictureOver))
-            .Property(KORVEX_PROPERTY(EnabledB))
-            .Property(KORVEX_PROPERTY(OptionMode), "EnumMode")
-            .Property(KORVEX_PROPERTY(Value))
-            .Property(KORVEX_PROPERTY(IconSize))
-            .Property(KORVEX_PROPERTY(BorderStyle), "EnumStyle")
-            .Property(KORVEX_PROPERTY(Gradient))
-            .Property(KORVEX_PROPERTY(ButtonShow), "EnumButton")
-            .Property(KORVEX_PROPERTY(TextAlignment), "EnumTextAlignment")
-            .Property(KORVEX_PROPERTY(BackColorB))
-            .Property(KORVEX_PROPERTY(ButtonColor))
-            .Property(KORVEX_PROPERTY(Caption))
-            .Property(KORVEX_PROPERTY(Font3D), "Enum3D")
-            .Property(KORVEX_PROPERTY(FontColor))
-            .Property(KORVEX_PROPERTY(FontShadowColor))
-            .Property(KORVEX_PROPERTY(ToolTip))
-            .Property(KORVEX_PROPERTY(ToolTipText))
-            .Property(KORVEX_PROPERTY(FocusRect))
-            .Property(KORVEX_PROPERTY(Font))
-            .Property(KORVEX_PROPERTY(MouseIcon))
-            .Property(KORVEX_PROPERTY(MousePointer), "MousePointerConst")
+            .Property(Props::PictureUp)
+            .Property(Props::PictureDown)
+            .Property(Props::PictureOver)
+            .Property(Props::EnabledB)
+            .Property(Props::OptionMode)
+            .Property(Props::Value)
+            .Property(Props::IconSize)
+            .Property(Props::BorderStyle)
+            .Property(Props::Gradient)
+            .Property(Props::ButtonShow)
+            .Property(Props::TextAlignment)
+            .Property(Props::BackColorB)
+            .Property(Props::ButtonColor)
+            .Property(Props::Caption)
+            .Property(Props::Font3D)
+            .Property(Props::FontColor)
+            .Property(Props::FontShadowColor)
+            .Property(Props::ToolTip)
+            .Property(Props::ToolTipText)
+            .Property(Props::FocusRect)
+            .Property(Props::Font)
+            .Property(Props::MouseIcon)
+            .Property(Props::MousePointer)
             .ReadOnly(KORVEX_READONLY(Switched), "EnumSwitched")
             .ReadOnly(KORVEX_READONLY(HDC))
             .ReadOnly(KORVEX_READONLY(hwnd))
             .ReadOnly(KORVEX_READONLY(HasDC))
-            .Event("Click")
-            .Event("MouseDown", host::MouseEventArgs())
-            .Event("MouseMove", host::MouseEventArgs())
-            .Event("MouseUp", host::MouseEventArgs())
-            .Event("KeyDown", host::KeyEventArgs())
-            .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", host::KeyEventArgs())
-            .Event("Group")
-            .Enum("EnumMode", {{"optButton", 0}, {"optSwitch", 1}, {"optGroup", 2}})
-            .Enum("EnumSwitched", {{"bFalse", 0}, {"bLeft", 1}, {"bRight", 2}})
-            .Enum("EnumStyle", {{"nOff", 0},
-                                {"Cool", 1},
-                                {"Flat", 2},
-                                {"nStandard", 3},
-                                {"extra", 4},
-                                {"XPStyle", 5},
-                                {"XPcool", 6},
-                                {"XPflat", 7}})
-            .Enum("Enum3D", {{"pTop", 0}, {"pTopOver", 1}, {"pDown", 2}, {"pDownOver", 3}, {"pStandard", 4}})
-            .Enum("EnumTextAlignment", {{"tOff", 0}, {"Arrow", 1}, {"tRight", 2}, {"tBottom", 3}})
-            .Enum("EnumButton", ButtonImageNames())
-            .Enum("MousePointerConst", host::MousePointerMembers("bMouseIcon"))
+            .Events<ButtonEvents>({{ButtonEvents::MouseDown, host::MouseEventArgs()},
+                                   {ButtonEvents::MouseMove, host::MouseEventArgs()},
+                                   {ButtonEvents::MouseUp, host::MouseEventArgs()},
+                                   {ButtonEvents::KeyDown, host::KeyEventArgs()},
+                                   {ButtonEvents::KeyPress, {Arg("KeyAscii", TypeCode::Integer)}},
+                                   {ButtonEvents::KeyUp, host::KeyEventArgs()}})
+            .Enum<EnumMode>()
+            .Enum<EnumSwitched>()
+            .Enum<EnumStyle>()
+            .Enum<Enum3D>()
+            .Enum<EnumTextAlignment>()
+            .Enum<EnumButton>()
+            .Enum<MousePointerConst>()
             .Build();
     return info;
 }
@@ -133,8 +167,10 @@ std::shared_ptr<host::StdPicture> ArrowGlyph(std::uint32_t colour) {
     constexpr int kWidth = 5, kHeight = 10;
     std::vector<std::uint32_t> pixels(kWidth * kHeight, 0);
     for (int x = 0; x < kWidth; ++x)
-        for (int y = x; y <= 8 - x; ++y) pixels[static_cast<std::size_t>(y * kWidth + x)] = 0xFF000000u | colour;
-    return std::make_shared<host::StdPicture>(host::PictureType::Bitmap, kWidth, kHeight, std::move(pixels));
+        for (int y = x; y <= 8 - x; ++y)
+            pixels[static_cast<std::size_t>(y * kWidth + x)] = 0xFF000000u | colour;
+    return std::make_shared<host::StdPicture>(host::PictureType::Bitmap, kWidth, kHeight,
+                                              std::move(pixels));
 }
 
 }  // namespace
@@ -148,7 +184,9 @@ Button::Button(host::HostContext& context)
       pfl(PicBild1),
       pfle(PicBild1),
       timer(UserControl.Platform()),
-      tmrRect(UserControl.Platform()) {
+      tmrRect(UserControl.Platform()),
+      painter_(ButtonParts{UserControl, PicBild1, imgBild, lbl1, lbl2, pfl, pfle}, look_, state_) {
+    StartValues();
     // The design data: everything measured in pixels, a borderless face, self-sizing transparent
     // captions, the hidden arrow glyphs.
     UserControl.ScaleMode(forms::ScaleModeConstants::vbPixels);
@@ -162,49 +200,7 @@ Button::Button(host::HostContext& context)
     pfle.Picture(ArrowGlyph(0x808080));
     pfl.Visible(false);
     pfle.Visible(false);
-
-    timer.Interval(static_cast<std::int32_t>(foundation::kHoverPollMs));
-    timer.Tick = [this] { OnHoverTick(); };
-    tmrRect.Interval(kFocusDelayMs);
-    tmrRect.Enabled(false);
-    tmrRect.Tick = [this] {
-        DrawFocusRect();
-        tmrRect.Enabled(false);
-    };
-
-    ForwardInput(PicBild1.events);
-    for (forms::InputLightweight* element : std::initializer_list<forms::InputLightweight*>{&imgBild, &lbl1, &lbl2, &pfl})
-        ForwardInput(element->events);
-
-    forms::SurfaceEvents& face = PicBild1.events;
-    face.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) {
-        if (KeyCode == kKeyReturn && FocusRect_) Press(kLeftButton, 0, 0, 0);
-        RaiseEvent(kKeyDown, KeyCode, Shift);
-    };
-    face.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) {
-        if (KeyCode == kKeyReturn && FocusRect_) {
-            Release(kLeftButton, 0, 0, 0);
-            mRecheck = true;
-            DrawFocusRect();
-        }
-        RaiseEvent(kKeyUp, KeyCode, Shift);
-    };
-    face.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(kKeyPress, KeyAscii); };
-    face.GotFocus = [this] {
-        if (!FocusRect_) return;
-        mHasFocus = true;
-        // Focus that came with a press shows once the pointer moves on.
-        if (!mPressed) tmrRect.Enabled(true);
-    };
-    face.LostFocus = [this] {
-        if (!FocusRect_) return;
-        mHasFocus = false;
-        DrawFocusRect();
-    };
-    // The host gives the focus to the control; the face is what takes keys.
-    UserControl.events.GotFocus = [this] {
-        if (PicBild1.Enabled()) PicBild1.SetFocus();
-    };
+    WireInput();
 }
 
 Button::~Button() {
@@ -212,127 +208,124 @@ Button::~Button() {
     if (soundStarted_) EndPlaySound();
 }
 
-void Button::ForwardInput(forms::MouseEvents& events) {
-    events.MouseDown = [this](std::int16_t MouseButton, std::int16_t Shift, float x, float y) {
-        Press(MouseButton, Shift, x, y);
-        if (PicBild1.Enabled()) PicBild1.SetFocus();
-    };
-    events.MouseMove = [this](std::int16_t MouseButton, std::int16_t Shift, float x, float y) {
-        lastX_ = x;
-        lastY_ = y;
-        RaiseEvent(kMouseMove, MouseButton, Shift, x, y);
-    };
-    events.MouseUp = [this](std::int16_t MouseButton, std::int16_t Shift, float x, float y) {
-        lastX_ = x;
-        lastY_ = y;
-        Release(MouseButton, Shift, x, y);
-    };
-    // The second press of a double click arrives as DblClick; it presses the button as any
-    // other press does.
-    events.DblClick = [this] {
-        Press(kLeftButton, 0, lastX_, lastY_);
-    };
+// The values a new control has, stored without running any setter.
+void Button::StartValues() {
+    look_.pictures = {Props::PictureUp.Initial(*this), Props::PictureOver.Initial(*this),
+                      Props::PictureDown.Initial(*this)};
+    look_.enabled = Props::EnabledB.Initial(*this);
+    OptionMode_ = Props::OptionMode.Initial(*this);
+    Value_ = Props::Value.Initial(*this);
+    look_.iconSize = Props::IconSize.Initial(*this);
+    look_.style = Props::BorderStyle.Initial(*this);
+    look_.gradient = Props::Gradient.Initial(*this);
+    look_.show = Props::ButtonShow.Initial(*this);
+    look_.textAlignment = Props::TextAlignment.Initial(*this);
+    look_.buttonColor = Props::ButtonColor.Initial(*this);
+    look_.caption = Props::Caption.Initial(*this);
+    look_.font3D = Props::Font3D.Initial(*this);
+    look_.fontColor = Props::FontColor.Initial(*this);
+    look_.fontShadowColor = Props::FontShadowColor.Initial(*this);
+    ToolTip_ = Props::ToolTip.Initial(*this);
+    ToolTipText_ = Props::ToolTipText.Initial(*this);
+    FocusRect_ = Props::FocusRect.Initial(*this);
 }
 
 void Button::UserControl_Initialize() {
-    EnabledB(true);
-    ButtonColor(kButtonFace);
-    ComputeColours();
-    BorderStyle(EnumStyle::Flat);
-    LayoutPass();
-    for (std::int32_t id = foundation::kFirstWaveResource; id <= foundation::kLastWaveResource; ++id)
-        mWave[static_cast<std::size_t>(id - foundation::kFirstWaveResource)] = foundation::LoadResData(id, "WAVE");
+    EnabledB(Props::EnabledB.Initial(*this));
+    ButtonColor(Props::ButtonColor.Initial(*this));
+    painter_.ComputeColours();
+    BorderStyle(Props::BorderStyle.Initial(*this));
+    Layout();
+    for (std::int32_t id = foundation::kFirstWaveResource; id <= foundation::kLastWaveResource;
+         ++id)
+        mWave[static_cast<std::size_t>(id - foundation::kFirstWaveResource)] =
+            foundation::LoadResData(id, "WAVE");
 }
 
+// Stored directly, except ButtonShow and Font, which go through their setters.
 void Button::UserControl_InitProperties() {
-    Bild1[0] = Bild1[1] = Bild1[2] = nullptr;
-    EnabledB_ = true;
-    OptionMode_ = EnumMode::optButton;
-    Value_ = false;
-    IconSize_ = false;
-    BorderStyle_ = EnumStyle::Flat;
-    Gradient_ = true;
-    TextAlignment_ = EnumTextAlignment::tRight;
-    UserControl.BackColor(kButtonFace);
-    ButtonColor_ = kButtonFace;
-    Caption_ = "Caption";
-    Font3D_ = Enum3D::pTop;
-    FontColor_ = 0;
-    FontShadowColor_ = 0x00FFFFFF;
-    ToolTip_ = true;
-    ToolTipText_ = "Quick-Info";
-    FocusRect_ = false;
-    UserControl.MousePointer(0);
-    mFrameState = 1;
-    ButtonShow(EnumButton::btnOK);
-    Font(Ambient().Font);
+    StartValues();
+    UserControl.BackColor(Props::BackColorB.Initial(*this));
+    UserControl.MousePointer(static_cast<std::int16_t>(Props::MousePointer.Initial(*this)));
+    state_.frame = FrameLook::Normal;
+    ButtonShow(Props::ButtonShow.Initial(*this));
+    Font(Props::Font.Initial(*this));
 }
 
 void Button::UserControl_ReadProperties(PropertyBag& PropBag) {
-    PictureUp(PropBag.ReadProperty("PictureUp", Variant::Nothing()).ToPicture());
-    PictureDown(PropBag.ReadProperty("PictureDown", Variant::Nothing()).ToPicture());
-    PictureOver(PropBag.ReadProperty("PictureOver", Variant::Nothing()).ToPicture());
-    EnabledB(PropBag.ReadProperty("EnabledB", true).ToBool());
-    OptionMode(ReadEnum(PropBag, "OptionMode", EnumMode::optButton));
-    Value(PropBag.ReadProperty("Value", false).ToBool());
-    IconSize(PropBag.ReadProperty("IconSize", false).ToBool());
-    BorderStyle(ReadEnum(PropBag, "BorderStyle", EnumStyle::Flat));
-    Gradient(PropBag.ReadProperty("Gradient", true).ToBool());
-    ButtonShow(ReadEnum(PropBag, "ButtonShow", EnumButton::btnOK));
-    TextAlignment(ReadEnum(PropBag, "TextAlignment", EnumTextAlignment::tRight));
-    BackColorB(static_cast<OLE_COLOR>(PropBag.ReadProperty("BackColorB", kButtonFace).ToLong()));
-    ButtonColor(static_cast<OLE_COLOR>(PropBag.ReadProperty("ButtonColor", kButtonFace).ToLong()));
-    Caption(PropBag.ReadProperty("Caption", "Caption").ToString());
-    Font3D(ReadEnum(PropBag, "Font3D", Enum3D::pTop));
-    FontColor(static_cast<OLE_COLOR>(PropBag.ReadProperty("FontColor", OLE_COLOR{0}).ToLong()));
-    FontShadowColor(static_cast<OLE_COLOR>(PropBag.ReadProperty("FontShadowColor", OLE_COLOR{0x00FFFFFF}).ToLong()));
-    ToolTip(PropBag.ReadProperty("ToolTip", true).ToBool());
-    ToolTipText(PropBag.ReadProperty("ToolTipText", "Quick-Info").ToString());
-    FocusRect(PropBag.ReadProperty("FocusRect", false).ToBool());
-    Font(PropBag.ReadProperty("Font", Ambient().Font).ToFont());
-    MouseIcon(PropBag.ReadProperty("MouseIcon", Variant::Nothing()).ToPicture());
+    Props::PictureUp.Load(*this, PropBag);
+    Props::PictureDown.Load(*this, PropBag);
+    Props::PictureOver.Load(*this, PropBag);
+    Props::EnabledB.Load(*this, PropBag);
+    Props::OptionMode.Load(*this, PropBag);
+    Props::Value.Load(*this, PropBag);
+    // Read after EnabledB, and a disabled button keeps its size: a disabled control loads False.
+    Props::IconSize.Load(*this, PropBag);
+    Props::BorderStyle.Load(*this, PropBag);
+    Props::Gradient.Load(*this, PropBag);
+    Props::ButtonShow.Load(*this, PropBag);
+    Props::TextAlignment.Load(*this, PropBag);
+    Props::BackColorB.Load(*this, PropBag);
+    Props::ButtonColor.Load(*this, PropBag);
+    Props::Caption.Load(*this, PropBag);
+    Props::Font3D.Load(*this, PropBag);
+    Props::FontColor.Load(*this, PropBag);
+    Props::FontShadowColor.Load(*this, PropBag);
+    Props::ToolTip.Load(*this, PropBag);
+    Props::ToolTipText.Load(*this, PropBag);
+    Props::FocusRect.Load(*this, PropBag);
+    Props::Font.Load(*this, PropBag);
+    Props::MouseIcon.Load(*this, PropBag);
     // Last, so that the pointer shows with its icon already in place.
-    MousePointer(static_cast<MousePointerConst>(PropBag.ReadProperty("MousePointer", std::int16_t{0}).ToInteger()));
+    Props::MousePointer.Load(*this, PropBag);
 }
 
 void Button::UserControl_WriteProperties(PropertyBag& PropBag) {
-    PropBag.WriteProperty("PictureUp", Bild1[0], Variant::Nothing());
-    PropBag.WriteProperty("PictureDown", Bild1[2], Variant::Nothing());
-    PropBag.WriteProperty("PictureOver", Bild1[1], Variant::Nothing());
-    PropBag.WriteProperty("EnabledB", EnabledB_, true);
-    PropBag.WriteProperty("OptionMode", AsLong(OptionMode_), std::int32_t{0});
-    PropBag.WriteProperty("Value", Value_, false);
-    PropBag.WriteProperty("IconSize", IconSize_, false);
-    PropBag.WriteProperty("BorderStyle", AsLong(BorderStyle_), std::int32_t{2});
-    PropBag.WriteProperty("Gradient", Gradient_, true);
-    PropBag.WriteProperty("ButtonShow", AsLong(ButtonShow_), std::int32_t{21});
-    PropBag.WriteProperty("TextAlignment", AsLong(TextAlignment_), std::int32_t{2});
-    PropBag.WriteProperty("BackColorB", UserControl.BackColor(), kButtonFace);
-    PropBag.WriteProperty("ButtonColor", ButtonColor_, kButtonFace);
-    PropBag.WriteProperty("Caption", Caption_, "Caption");
-    PropBag.WriteProperty("Font3D", AsLong(Font3D_), std::int32_t{0});
-    PropBag.WriteProperty("FontColor", FontColor_, OLE_COLOR{0});
-    PropBag.WriteProperty("FontShadowColor", FontShadowColor_, OLE_COLOR{0x00FFFFFF});
-    PropBag.WriteProperty("ToolTip", ToolTip_, true);
-    PropBag.WriteProperty("ToolTipText", ToolTipText_, "Quick-Info");
-    PropBag.WriteProperty("FocusRect", FocusRect_, false);
-    PropBag.WriteProperty("Font", Font_, Ambient().Font);
-    PropBag.WriteProperty("MouseIcon", UserControl.MouseIcon(), Variant::Nothing());
-    PropBag.WriteProperty("MousePointer", UserControl.MousePointer(), std::int16_t{0});
+    Props::PictureUp.Save(*this, PropBag);
+    Props::PictureDown.Save(*this, PropBag);
+    Props::PictureOver.Save(*this, PropBag);
+    Props::EnabledB.Save(*this, PropBag);
+    Props::OptionMode.Save(*this, PropBag);
+    Props::Value.Save(*this, PropBag);
+    Props::IconSize.Save(*this, PropBag);
+    Props::BorderStyle.Save(*this, PropBag);
+    Props::Gradient.Save(*this, PropBag);
+    Props::ButtonShow.Save(*this, PropBag);
+    Props::TextAlignment.Save(*this, PropBag);
+    Props::BackColorB.Save(*this, PropBag);
+    Props::ButtonColor.Save(*this, PropBag);
+    Props::Caption.Save(*this, PropBag);
+    Props::Font3D.Save(*this, PropBag);
+    Props::FontColor.Save(*this, PropBag);
+    Props::FontShadowColor.Save(*this, PropBag);
+    Props::ToolTip.Save(*this, PropBag);
+    Props::ToolTipText.Save(*this, PropBag);
+    Props::FocusRect.Save(*this, PropBag);
+    Props::Font.Save(*this, PropBag);
+    Props::MouseIcon.Save(*this, PropBag);
+    Props::MousePointer.Save(*this, PropBag);
 }
 
 // ---------------------------------------------------------------------------------------------
 // Properties
 
+namespace {
+// The image that goes with a frame: the frameless rest shows the normal one.
+ImageLook ImageOf(FrameLook frame) {
+    return frame == FrameLook::Plain ? ImageLook::Normal : static_cast<ImageLook>(frame);
+}
+}  // namespace
+
 // A picture wider or higher than the built-in images switches the face to showing it whole.
-void Button::SetPicture(int index, std::shared_ptr<host::StdPicture> picture) {
-    if (picture && (picture->PixelWidth() > 32 || picture->PixelHeight() > 32)) mBigPicture = true;
-    Bild1[static_cast<std::size_t>(index)] = std::move(picture);
+void Button::SetPicture(std::size_t index, std::shared_ptr<host::StdPicture> picture) {
+    if (picture && (picture->PixelWidth() > 32 || picture->PixelHeight() > 32))
+        state_.bigPicture = true;
+    look_.pictures[index] = std::move(picture);
 }
 
 void Button::PictureUp(std::shared_ptr<host::StdPicture> New_PictureUp) {
     SetPicture(0, std::move(New_PictureUp));
-    if (ButtonShow_ == EnumButton::Benutzerdefiniert) ImageState(mFrameState);
+    if (look_.show == EnumButton::Benutzerdefiniert) ShowImage(ImageOf(state_.frame));
     PropertyChanged("PictureUp");
 }
 
@@ -347,13 +340,13 @@ void Button::PictureOver(std::shared_ptr<host::StdPicture> New_PictureOver) {
 }
 
 void Button::EnabledB(bool New_EnabledB) {
-    EnabledB_ = New_EnabledB;
-    FrameState(1);
-    CaptionColours();
-    ImageState(1);
-    if (BorderStyle_ == EnumStyle::XPStyle && EnabledB_) GradientState(1);
-    LayoutPass();
-    if (EnabledB_) timer.Enabled(true);
+    look_.enabled = New_EnabledB;
+    ShowFrame(FrameLook::Normal);
+    painter_.CaptionColours();
+    ShowImage(ImageLook::Normal);
+    if (look_.style == EnumStyle::XPStyle && look_.enabled) painter_.Gradient(GradientLook::Normal);
+    Layout();
+    if (look_.enabled) timer.Enabled(true);
     PropertyChanged("EnabledB");
 }
 
@@ -364,86 +357,85 @@ void Button::OptionMode(EnumMode New_OptionMode) {
 
 void Button::IconSize(bool New_IconSize) {
     // A disabled button shows the embossed image at its current size; the size waits.
-    if (!EnabledB_) return;
-    IconSize_ = New_IconSize;
-    ImageState(mFrameState);
-    LayoutPass();
-    FrameState(mFrameState);
-    GradientState(1);
+    if (!look_.enabled) return;
+    look_.iconSize = New_IconSize;
+    ShowImage(ImageOf(state_.frame));
+    Layout();
+    ShowFrame(state_.frame);
+    painter_.Gradient(GradientLook::Normal);
     PropertyChanged("IconSize");
 }
 
 void Button::BorderStyle(EnumStyle New_BorderStyle) {
-    BorderStyle_ = New_BorderStyle;
-    LayoutPass();
-    ImageState(1);
+    look_.style = New_BorderStyle;
+    Layout();
+    ShowImage(ImageLook::Normal);
     PropertyChanged("BorderStyle");
 }
 
 void Button::Gradient(bool New_Gradient) {
-    Gradient_ = New_Gradient;
-    if (BorderStyle_ != EnumStyle::XPflat && BorderStyle_ != EnumStyle::Cool) GradientState(1);
+    look_.gradient = New_Gradient;
+    if (look_.style != EnumStyle::XPflat && look_.style != EnumStyle::Cool)
+        painter_.Gradient(GradientLook::Normal);
     PropertyChanged("Gradient");
 }
 
 void Button::ButtonShow(EnumButton New_ButtonShow) {
-    ButtonShow_ = New_ButtonShow;
-    if (ButtonShow_ != EnumButton::Benutzerdefiniert) mBigPicture = false;
-    ImageState(1);
+    look_.show = New_ButtonShow;
+    if (look_.show != EnumButton::Benutzerdefiniert) state_.bigPicture = false;
+    ShowImage(ImageLook::Normal);
     PropertyChanged("ButtonShow");
 }
 
 void Button::TextAlignment(EnumTextAlignment New_TextAlignment) {
-    TextAlignment_ = New_TextAlignment;
-    CaptionColours();
-    LayoutPass();
-    FrameState(mFrameState);
-    GradientState(1);
+    look_.textAlignment = New_TextAlignment;
+    painter_.CaptionColours();
+    Layout();
+    ShowFrame(state_.frame);
+    painter_.Gradient(GradientLook::Normal);
     PropertyChanged("TextAlignment");
 }
 
 void Button::BackColorB(OLE_COLOR New_BackColorB) {
     UserControl.BackColor(New_BackColorB);
-    FrameState(mFrameState);
+    ShowFrame(state_.frame);
     PropertyChanged("BackColorB");
 }
 
 void Button::ButtonColor(OLE_COLOR New_ButtonColor) {
-    ButtonColor_ = New_ButtonColor;
-    SetFaceBack(New_ButtonColor);
-    if (BorderStyle_ == EnumStyle::XPflat) SetFaceBack(kXPflatFace);
-    ComputeColours();
-    FrameState(mFrameState);
-    if (mLatched && IsXP()) {
-        GradientState(2);
-    } else if (BorderStyle_ != EnumStyle::Cool && BorderStyle_ != EnumStyle::XPcool) {
-        GradientState(1);
+    look_.buttonColor = New_ButtonColor;
+    painter_.TakeButtonColour();
+    ShowFrame(state_.frame);
+    if (state_.Latched() && look_.IsXP()) {
+        painter_.Gradient(GradientLook::Turned);
+    } else if (!look_.RestsPlain()) {
+        painter_.Gradient(GradientLook::Normal);
     }
     PropertyChanged("ButtonColor");
 }
 
 void Button::Caption(std::string New_Caption) {
-    Caption_ = std::move(New_Caption);
-    CaptionColours();
-    LayoutPass();
+    look_.caption = std::move(New_Caption);
+    painter_.CaptionColours();
+    Layout();
     PropertyChanged("Caption");
 }
 
 void Button::Font3D(Enum3D New_Font3D) {
-    Font3D_ = New_Font3D;
-    LayoutPass();
+    look_.font3D = New_Font3D;
+    Layout();
     PropertyChanged("Font3D");
 }
 
 void Button::FontColor(OLE_COLOR New_FontColor) {
-    FontColor_ = New_FontColor;
-    CaptionColours();
+    look_.fontColor = New_FontColor;
+    painter_.CaptionColours();
     PropertyChanged("FontColor");
 }
 
 void Button::FontShadowColor(OLE_COLOR New_FontShadowColor) {
-    FontShadowColor_ = New_FontShadowColor;
-    CaptionColours();
+    look_.fontShadowColor = New_FontShadowColor;
+    painter_.CaptionColours();
     PropertyChanged("FontShadowColor");
 }
 
@@ -470,9 +462,9 @@ void Button::FocusRect(bool New_FocusRect) {
 }
 
 void Button::Font(std::shared_ptr<host::StdFont> New_Font) {
-    Font_ = std::move(New_Font);
-    CaptionColours();
-    LayoutPass();
+    look_.font = std::move(New_Font);
+    painter_.CaptionColours();
+    Layout();
     PropertyChanged("Font");
 }
 
@@ -484,141 +476,11 @@ void Button::MouseIcon(std::shared_ptr<host::StdPicture> New_MouseIcon) {
 
 // Error 380 for a value that names no pointer; the face shows the same pointer as the control.
 void Button::MousePointer(MousePointerConst New_MousePointer) {
-    const auto pointer = host::CheckMousePointer(Variant(static_cast<std::int32_t>(New_MousePointer)));
+    const auto pointer =
+        host::CheckMousePointer(Variant(static_cast<std::int32_t>(New_MousePointer)));
     UserControl.MousePointer(pointer);
     PicBild1.MousePointer(pointer);
     PropertyChanged("MousePointer");
-}
-
-// ---------------------------------------------------------------------------------------------
-// The state machine
-
-void Button::Press(std::int16_t MouseButton, std::int16_t Shift, float x, float y) {
-    mPressed = true;
-    if (!mLatched) {
-        if (MouseButton == kLeftButton) Switched_ = EnumSwitched::bLeft;
-        if (MouseButton == kRightButton) Switched_ = EnumSwitched::bRight;
-    }
-    mHotEntry = false;
-    if (OptionMode_ == EnumMode::optButton) {
-        mHover = true;
-        mLatched = false;
-        mDown = true;
-        mGroupClicked = false;
-        LayoutPass();
-        ImageState(3);
-        FrameState(3);
-        if (IsXP()) GradientState(2);
-    } else if (mLatched) {
-        // A switch comes out at the release; a latched group button stays in.
-        if (OptionMode_ == EnumMode::optSwitch) {
-            mGroupClicked = false;
-            mLatched = false;
-        }
-    } else {
-        mLatched = true;
-        timer.Enabled(false);
-        LayoutPass();
-        ImageState(3);
-        FrameState(3);
-        if (IsXP()) GradientState(2);
-        if (OptionMode_ == EnumMode::optGroup) RaiseEvent(kGroup);
-    }
-    RaiseEvent(kMouseDown, MouseButton, Shift, x, y);
-}
-
-void Button::Release(std::int16_t MouseButton, std::int16_t Shift, float x, float y) {
-    mPressed = false;
-    if (mLatched) {
-        if (OptionMode_ == EnumMode::optGroup) {
-            if (mGroupClicked) return;
-            mGroupClicked = true;
-        }
-        Value(true);
-        RaiseEvent(kClick);
-        return;
-    }
-    mHover = true;
-    mDown = false;
-    timer.Enabled(true);
-    LayoutPass();
-    mHotEntry = false;
-    ImageState(2);
-    FrameState(2);
-    if (IsXP()) GradientState(1);
-    if (OptionMode_ == EnumMode::optSwitch) {
-        Value(false);
-        Switched_ = EnumSwitched::bFalse;
-    } else {
-        Value(true);
-    }
-    RaiseEvent(kClick);
-    RaiseEvent(kMouseUp, MouseButton, Shift, x, y);
-}
-
-void Button::Value(bool New_Value) {
-    Value_ = New_Value;
-    PropertyChanged("Value");
-    if (!EnabledB_ || OptionMode_ == EnumMode::optButton) return;
-    if (New_Value && !mPressed) {
-        mPressed = true;
-        mHotEntry = false;
-        if (mLatched) return;
-        mLatched = true;
-        timer.Enabled(false);
-        LayoutPass();
-        FrameState(3);
-        ImageState(3);
-        if (IsXP()) GradientState(2);
-        if (OptionMode_ == EnumMode::optGroup) RaiseEvent(kGroup);
-    } else if (mLatched) {
-        mPressed = false;
-        mHover = true;
-        mDown = false;
-        timer.Enabled(true);
-        mHotEntry = false;
-        LayoutPass();
-        FrameState(2);
-        ImageState(2);
-        if (IsXP()) GradientState(1);
-        mLatched = false;
-        mGroupClicked = false;
-        Switched_ = EnumSwitched::bFalse;
-    }
-}
-
-void Button::OnHoverTick() {
-    platform::Windows& windows = Platform().windows();
-    platform::POINT cursor;
-    windows.GetCursorPos(&cursor);
-    if (cursor == mLastCursor && !mRecheck) return;
-    if (!mDown) {
-        const bool inside = foundation::IsMouseInto(windows, UserControl.hWnd());
-        if (inside != mHover) {
-            // At design time the look stays; the position is not recorded, so the next tick
-            // asks again.
-            if (!Ambient().UserMode) return;
-            if (!inside) {
-                mHotEntry = false;
-                LayoutPass();
-                ImageState(1);
-                const bool flatNormal = BorderStyle_ == EnumStyle::Cool || BorderStyle_ == EnumStyle::XPcool;
-                FrameState(flatNormal ? 0 : 1);
-                mHover = false;
-            } else {
-                mHover = true;
-                if (!mPressed) mHotEntry = true;
-                LayoutPass();
-                if (BorderStyle_ == EnumStyle::XPcool) GradientState(1);
-                ImageState(2);
-                FrameState(2);
-                if (ToolTip_) SetToolTips();
-            }
-            if (FocusRect_) DrawFocusRect();
-        }
-    }
-    mRecheck = false;
-    mLastCursor = cursor;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -627,9 +489,9 @@ void Button::OnHoverTick() {
 void Button::NotFrmFocus(const Variant& cFocus) {
     if (!FocusRect_) return;
     const bool suppress = cFocus.ToBool();
-    if (suppress == mNoFrmFocus) return;
-    mNoFrmFocus = suppress;
-    DrawFocusRect();
+    if (suppress == state_.noFrmFocus) return;
+    state_.noFrmFocus = suppress;
+    ShowFocus();
 }
 
 void Button::DrawRectB(bool RECT) {
@@ -637,17 +499,19 @@ void Button::DrawRectB(bool RECT) {
 }
 
 void Button::Refresh() {
-    LayoutPass();
-    ImageState(mImageState);
-    if (mHasFocus && FocusRect_) DrawFocusRect();
+    Layout();
+    ShowImage(state_.image);
+    if (state_.hasFocus && FocusRect_) ShowFocus();
 }
 
 void Button::PlaySound(std::int16_t ResourceId) {
-    if (ResourceId < foundation::kFirstWaveResource || ResourceId > foundation::kLastWaveResource) return;
+    if (ResourceId < foundation::kFirstWaveResource || ResourceId > foundation::kLastWaveResource)
+        return;
     const auto& wave = mWave[static_cast<std::size_t>(ResourceId - foundation::kFirstWaveResource)];
     if (wave.empty()) return;
     soundStarted_ = Platform().sound().sndPlaySoundA(std::span<const std::uint8_t>(wave),
-                                                     foundation::kResourceSoundFlags) || soundStarted_;
+                                                     foundation::kResourceSoundFlags) ||
+                    soundStarted_;
 }
 
 void Button::EndPlaySound() {

@@ -23,8 +23,6 @@ using host::Variant;
 
 namespace {
 
-constexpr OLE_COLOR kButtonText = 0x80000012;
-constexpr OLE_COLOR kButtonFace = 0x8000000F;
 constexpr std::int16_t kKeyReturn = 13;
 constexpr std::int64_t kFireHoldMs = 100;
 
@@ -130,34 +128,77 @@ void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& r
 // ---------------------------------------------------------------------------------------------
 // Member table
 
+// The caption's default is the display name, on writing and on reading, so a new button stores
+// nothing and keeps its name as caption. "Enabled" is persisted but has no member in the table:
+// the host's extender owns that name.
+struct FlatButton::Props {
+    template <class V>
+    using P = host::Property<FlatButton, V>;
+    static std::string DisplayName(const FlatButton& b) { return b.Ambient().DisplayName; }
+    static inline const P<std::string> Caption{.name = "Caption",
+                                               .get = &FlatButton::Caption,
+                                               .set = &FlatButton::Caption,
+                                               .read = {&DisplayName, "the display name"}};
+    // The ambient font.
+    static inline const P<std::shared_ptr<host::StdFont>> Font{
+        .name = "Font", .get = &FlatButton::Font, .set = &FlatButton::Font};
+    static inline const P<bool> Enabled{
+        .name = "Enabled", .get = &FlatButton::Enabled, .set = &FlatButton::Enabled, .read = true};
+    static inline const P<OLE_COLOR> TextColor{.name = "TextColor",
+                                               .get = &FlatButton::TextColor,
+                                               .set = &FlatButton::TextColor,
+                                               .read = 0x80000012U};
+    static inline const P<OLE_COLOR> HoverColor{.name = "HoverColor",
+                                                .get = &FlatButton::HoverColor,
+                                                .set = &FlatButton::HoverColor,
+                                                .read = 0x80000012U};
+    static inline const P<OLE_COLOR> BackColor{.name = "BackColor",
+                                               .get = &FlatButton::BackColor,
+                                               .set = &FlatButton::BackColor,
+                                               .read = 0x8000000FU};
+    static inline const P<bool> UseMnemonic{.name = "UseMnemonic",
+                                            .get = &FlatButton::UseMnemonic,
+                                            .set = &FlatButton::UseMnemonic,
+                                            .read = true};
+    static inline const P<bool> Default{
+        .name = "Default", .get = &FlatButton::Default, .set = &FlatButton::Default, .read = false};
+    static inline const P<bool> Cancel{
+        .name = "Cancel", .get = &FlatButton::Cancel, .set = &FlatButton::Cancel, .read = false};
+    static inline const P<bool> FocusRect{.name = "FocusRect",
+                                          .get = &FlatButton::FocusRect,
+                                          .set = &FlatButton::FocusRect,
+                                          .read = false};
+};
+
 const ClassInfo& FlatButton::Class() {
     static const ClassInfo info =
         ClassBuilder<FlatButton>("FlatButton", "Korvex_Tools.FlatButton")
-            .Property(KORVEX_PROPERTY(Caption))
-            .Property(KORVEX_PROPERTY(Font))
-            .Property(KORVEX_PROPERTY(TextColor))
-            .Property(KORVEX_PROPERTY(HoverColor))
-            .Property(KORVEX_PROPERTY(BackColor))
-            .Property(KORVEX_PROPERTY(UseMnemonic))
-            .Property(KORVEX_PROPERTY(Default))
-            .Property(KORVEX_PROPERTY(Cancel))
-            .Property(KORVEX_PROPERTY(FocusRect))
+            .Property(Props::Caption)
+            .Property(Props::Font)
+            .Property(Props::TextColor)
+            .Property(Props::HoverColor)
+            .Property(Props::BackColor)
+            .Property(Props::UseMnemonic)
+            .Property(Props::Default)
+            .Property(Props::Cancel)
+            .Property(Props::FocusRect)
             .ReadOnly(KORVEX_READONLY(hwnd))
             .ReadOnly(KORVEX_READONLY(HDC))
             .ReadOnly(KORVEX_READONLY(BackFocus))
             .Method("sFocus", {}, [](FlatButton& c, std::span<Variant>) { c.sFocus(); })
-            .Event("Click")
-            .Event("MouseDown", host::MouseEventArgs())
-            .Event("MouseUp", host::MouseEventArgs())
-            .Event("MouseMove", host::MouseEventArgs())
-            .Event("KeyDown", host::KeyEventArgs())
-            .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-            .Event("KeyUp", host::KeyEventArgs())
+            .Events<FlatButtonEvents>(
+                {{FlatButtonEvents::MouseDown, host::MouseEventArgs()},
+                 {FlatButtonEvents::MouseUp, host::MouseEventArgs()},
+                 {FlatButtonEvents::MouseMove, host::MouseEventArgs()},
+                 {FlatButtonEvents::KeyDown, host::KeyEventArgs()},
+                 {FlatButtonEvents::KeyPress, {Arg("KeyAscii", TypeCode::Integer)}},
+                 {FlatButtonEvents::KeyUp, host::KeyEventArgs()}})
             .Build();
     return info;
 }
 
 FlatButton::FlatButton(host::HostContext& context) : SurfaceControl(context), tmrEvents(UserControl.Platform()) {
+    StartValues();
     tmrEvents.Interval(1);
     tmrEvents.Tick = [this] { OnPoll(); };
 
@@ -181,12 +222,12 @@ FlatButton::FlatButton(host::HostContext& context) : SurfaceControl(context), tm
     };
     surface.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) {
         if (KeyCode == kKeyReturn) DoMouseDown(1, 0, 0, 0);
-        RaiseEvent(kKeyDown, KeyCode, Shift);
+        RaiseEvent(FlatButtonEvents::KeyDown, KeyCode, Shift);
     };
-    surface.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(kKeyPress, KeyAscii); };
+    surface.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(FlatButtonEvents::KeyPress, KeyAscii); };
     surface.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) {
         if (KeyCode == kKeyReturn) DoMouseUp(1, 0, 0, 0);
-        RaiseEvent(kKeyUp, KeyCode, Shift);
+        RaiseEvent(FlatButtonEvents::KeyUp, KeyCode, Shift);
     };
     surface.GotFocus = [this] {
         if (!FocusRect_) return;
@@ -204,51 +245,54 @@ FlatButton::FlatButton(host::HostContext& context) : SurfaceControl(context), tm
 // ---------------------------------------------------------------------------------------------
 // Lifecycle
 
+// The values a new button has, apart from its caption and font, which come from the host.
+void FlatButton::StartValues() {
+    TextColor_ = Props::TextColor.Initial(*this);
+    HoverColor_ = Props::HoverColor.Initial(*this);
+    UseMnemonic_ = Props::UseMnemonic.Initial(*this);
+    Default_ = Props::Default.Initial(*this);
+    Cancel_ = Props::Cancel.Initial(*this);
+    FocusRect_ = Props::FocusRect.Initial(*this);
+}
+
 void FlatButton::UserControl_InitProperties() {
-    Caption_ = Ambient().DisplayName;
-    if (const auto font = Ambient().Font) UserControl.Font(font);
+    Caption_ = Props::Caption.Initial(*this);
+    if (const auto font = Props::Font.Initial(*this)) UserControl.Font(font);
     WatchFont();
-    UserControl.Enabled(true);
-    TextColor_ = kButtonText;
-    HoverColor_ = kButtonText;
-    UserControl.BackColor(kButtonFace);
-    UseMnemonic_ = true;
-    Default_ = false;
-    Cancel_ = false;
-    FocusRect_ = false;
+    UserControl.Enabled(Props::Enabled.Initial(*this));
+    StartValues();
+    UserControl.BackColor(Props::BackColor.Initial(*this));
     ComputeAccessKey();
 }
 
-// Keys in this order, each with the default it is written with.
+// Stored directly, without the setters' repaints and change notes; one paint at the end.
 void FlatButton::UserControl_ReadProperties(host::PropertyBag& PropBag) {
-    const host::AmbientProperties ambient = Ambient();
-    Caption_ = PropBag.ReadProperty("Caption", ambient.DisplayName).ToString();
-    if (const auto font = PropBag.ReadProperty("Font", ambient.Font).ToFont()) UserControl.Font(font);
+    Caption_ = Props::Caption.Read(*this, PropBag);
+    if (const auto font = Props::Font.Read(*this, PropBag)) UserControl.Font(font);
     WatchFont();
-    UserControl.Enabled(PropBag.ReadProperty("Enabled", true).ToBool());
-    TextColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("TextColor", Variant(kButtonText)).ToLong());
-    HoverColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("HoverColor", Variant(kButtonText)).ToLong());
-    UserControl.BackColor(static_cast<OLE_COLOR>(PropBag.ReadProperty("BackColor", Variant(kButtonFace)).ToLong()));
-    UseMnemonic_ = PropBag.ReadProperty("UseMnemonic", true).ToBool();
-    Default_ = PropBag.ReadProperty("Default", false).ToBool();
-    Cancel_ = PropBag.ReadProperty("Cancel", false).ToBool();
-    FocusRect_ = PropBag.ReadProperty("FocusRect", false).ToBool();
+    UserControl.Enabled(Props::Enabled.Read(*this, PropBag));
+    TextColor_ = Props::TextColor.Read(*this, PropBag);
+    HoverColor_ = Props::HoverColor.Read(*this, PropBag);
+    UserControl.BackColor(Props::BackColor.Read(*this, PropBag));
+    UseMnemonic_ = Props::UseMnemonic.Read(*this, PropBag);
+    Default_ = Props::Default.Read(*this, PropBag);
+    Cancel_ = Props::Cancel.Read(*this, PropBag);
+    FocusRect_ = Props::FocusRect.Read(*this, PropBag);
     ComputeAccessKey();
     Paint();
 }
 
 void FlatButton::UserControl_WriteProperties(host::PropertyBag& PropBag) {
-    const host::AmbientProperties ambient = Ambient();
-    PropBag.WriteProperty("Caption", Caption_, ambient.DisplayName);
-    PropBag.WriteProperty("Font", UserControl.Font(), ambient.Font);
-    PropBag.WriteProperty("Enabled", UserControl.Enabled(), true);
-    PropBag.WriteProperty("TextColor", Variant(TextColor_), Variant(kButtonText));
-    PropBag.WriteProperty("HoverColor", Variant(HoverColor_), Variant(kButtonText));
-    PropBag.WriteProperty("BackColor", Variant(UserControl.BackColor()), Variant(kButtonFace));
-    PropBag.WriteProperty("UseMnemonic", UseMnemonic_, true);
-    PropBag.WriteProperty("Default", Default_, false);
-    PropBag.WriteProperty("Cancel", Cancel_, false);
-    PropBag.WriteProperty("FocusRect", FocusRect_, false);
+    Props::Caption.Save(*this, PropBag);
+    Props::Font.Save(*this, PropBag);
+    Props::Enabled.Save(*this, PropBag);
+    Props::TextColor.Save(*this, PropBag);
+    Props::HoverColor.Save(*this, PropBag);
+    Props::BackColor.Save(*this, PropBag);
+    Props::UseMnemonic.Save(*this, PropBag);
+    Props::Default.Save(*this, PropBag);
+    Props::Cancel.Save(*this, PropBag);
+    Props::FocusRect.Save(*this, PropBag);
 }
 
 void FlatButton::UserControl_Resize() {
@@ -261,7 +305,7 @@ void FlatButton::UserControl_Resize() {
 void FlatButton::DoMouseDown(std::int16_t Button, std::int16_t Shift, float x, float y) {
     fMouseDown = true;
     fEnteredDown = false;
-    RaiseEvent(kMouseDown, Button, Shift, x, y);
+    RaiseEvent(FlatButtonEvents::MouseDown, Button, Shift, x, y);
     if (Button != 0) {
         fPressedLook = true;
         Paint();
@@ -282,7 +326,7 @@ void FlatButton::DoMouseMove(std::int16_t Button, std::int16_t Shift, float x, f
             fEnteredDown = false;
         }
     }
-    RaiseEvent(kMouseMove, Button, Shift, x, y);
+    RaiseEvent(FlatButtonEvents::MouseMove, Button, Shift, x, y);
 }
 
 // The host may drop the control from a MouseUp handler (a message box closing on its button);
@@ -293,11 +337,11 @@ void FlatButton::DoMouseUp(std::int16_t Button, std::int16_t Shift, float x, flo
     lastY_ = y;
     fMouseDown = false;
     fEnteredDown = false;
-    RaiseEvent(kMouseUp, Button, Shift, x, y);
+    RaiseEvent(FlatButtonEvents::MouseUp, Button, Shift, x, y);
     const bool wasPressed = fPressedLook;
     fPressedLook = false;
     Paint();
-    if (wasPressed) RaiseEvent(kClick);
+    if (wasPressed) RaiseEvent(FlatButtonEvents::Click);
 }
 
 // The poll: pointer first, then the keys. Design mode stops it for good; a new instance is made

@@ -30,6 +30,7 @@
 
 #include "forms/surface_control.hpp"
 #include "forms/timer.hpp"
+#include "host/declare.hpp"
 #include "host/font.hpp"
 #include "host/ole_types.hpp"
 #include "host/property_bag.hpp"
@@ -42,18 +43,10 @@ void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& r
                    host::OLE_COLOR color1, host::OLE_COLOR color2, host::OLE_COLOR color3,
                    host::OLE_COLOR color4, std::int32_t penStyle, std::int32_t width);
 
+KORVEX_EVENTS(FlatButtonEvents, Click, MouseDown, MouseUp, MouseMove, KeyDown, KeyPress, KeyUp)
+
 class FlatButton final : public forms::SurfaceControl {
   public:
-    enum EventId : std::int32_t {
-        kClick = 1,
-        kMouseDown,
-        kMouseUp,
-        kMouseMove,
-        kKeyDown,
-        kKeyPress,
-        kKeyUp,
-    };
-
     // The looks the face can show; Paint derives one from the state.
     enum class Look { Normal, Hover, Pressed };
 
@@ -106,6 +99,9 @@ class FlatButton final : public forms::SurfaceControl {
     [[nodiscard]] std::string DisplayCaption() const;
 
   private:
+    struct Props;  // the property declarations
+
+    void StartValues();
     // Input routines shared by the mouse, the keyboard and the poll.
     void DoMouseDown(std::int16_t Button, std::int16_t Shift, float x, float y);
     void DoMouseMove(std::int16_t Button, std::int16_t Shift, float x, float y);
@@ -121,9 +117,9 @@ class FlatButton final : public forms::SurfaceControl {
 
     // State record.
     std::string Caption_;
-    host::OLE_COLOR TextColor_ = 0x80000012;
-    host::OLE_COLOR HoverColor_ = 0x80000012;
-    bool UseMnemonic_ = true;
+    host::OLE_COLOR TextColor_ = 0;
+    host::OLE_COLOR HoverColor_ = 0;
+    bool UseMnemonic_ = false;
     bool Default_ = false;
     bool Cancel_ = false;
     bool FocusRect_ = false;
