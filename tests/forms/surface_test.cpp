@@ -11,32 +11,29 @@ class SurfaceTest : public FormTest {
   protected:
     // A small surface so that whole maps fit in a test: 12 x 8 pixels.
     void Shrink() { surface.Move(surface.Left(), surface.Top(), Tx(12), Ty(8)); }
-    std::vector<std::string> Map() {
-        const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
-        return Pixels{windows.ComposeWindow(surface.hWnd()), {12, 8}}.Map(
-            {0, 0, 12, 8},
-            {{face, '.'}, {kRed, 'r'}, {kBlue, 'b'}, {RGB(0, 0, 0), 'k'}, {kYellow, 'y'}});
+    Rows Map() {
+        return FormTest::Map({0, 0, 12, 8},
+                             {{kRed, 'r'}, {kBlue, 'b'}, {RGB(0, 0, 0), 'k'}, {kYellow, 'y'}});
+    }
+    // Whether the whole surface shows one colour.
+    bool AllOf(COLORREF c) {
+        return Surface().Count(c) == static_cast<std::size_t>(kSurface.Width() * kSurface.Height());
     }
 };
 
 TEST_F(SurfaceTest, ClsFillsTheBackColourAndResetsThePrintPosition) {
-    const Pixels before = Surface();
-    const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
-    EXPECT_EQ(before.Find(face, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
-              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    EXPECT_TRUE(AllOf(gdi.GetSysColor(COLOR_BTNFACE)));
 
     surface.Print("text");
     surface.Line(0, 0, Tx(50), Ty(30), kRed);
     surface.BackColor(kYellow);  // a new back colour clears the drawing too
-    EXPECT_EQ(Surface().Find(kYellow, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
-              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    EXPECT_TRUE(AllOf(kYellow));
     surface.Line(0, 0, Tx(50), Ty(30), kRed);
     surface.CurrentX(Tx(3));
     surface.Cls();
     EXPECT_EQ(surface.CurrentX(), 0);
     EXPECT_EQ(surface.CurrentY(), 0);
-    EXPECT_EQ(Surface().Find(kYellow, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
-              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    EXPECT_TRUE(AllOf(kYellow));
     // A system colour is read when painting, so a scheme change shows at the next Cls.
     surface.BackColor(0x80000000u | COLOR_BTNFACE);
     const std::array<int, 1> index{COLOR_BTNFACE};
@@ -127,8 +124,7 @@ TEST_F(SurfaceTest, PrintWritesLinesAndAdvancesByTheTextHeight) {
     EXPECT_EQ(surface.CurrentX(), 0);
     EXPECT_EQ(surface.CurrentY(), Ty(2) + 2 * line);
 
-    const std::vector<POINT> ink =
-        Surface().Find(kRed, {0, 0, kSurface.Width(), kSurface.Height()});
+    const std::vector<POINT> ink = Surface().Find(kRed);
     ASSERT_FALSE(ink.empty());
     const int linePixels = static_cast<int>(line) / windows.TwipsPerPixelY();
     bool secondLine = false;
@@ -176,8 +172,7 @@ TEST_F(SurfaceTest, ResizeIsRaisedForSizeChangesAndKeepsTheDrawing) {
     EXPECT_EQ(surface.ScaleWidth(), 100);
     surface.Height(surface.Height());
     EXPECT_EQ(resizes, 1);
-    EXPECT_TRUE(
-        (Pixels{windows.ComposeWindow(surface.hWnd()), {100, kSurface.Height()}}.is(2, 2, kRed)));
+    EXPECT_TRUE(Surface().is(2, 2, kRed));
 }
 
 TEST_F(SurfaceTest, TransparentSurfaceShowsTheFormAndPassesItsInput) {
@@ -193,7 +188,7 @@ TEST_F(SurfaceTest, TransparentSurfaceShowsTheFormAndPassesItsInput) {
     shape.BackColor(kBlue);
     surface.BackStyle(0);
 
-    const Pixels screen = Screen();
+    const Shot screen = Screen();
     const RECT onScreen{kSurface.left, kSurface.top, kSurface.right, kSurface.bottom};
     const std::vector<POINT> ink = screen.Find(kRed, onScreen);
     ASSERT_FALSE(ink.empty());
