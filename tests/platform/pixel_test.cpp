@@ -9,15 +9,15 @@
 #include <string>
 #include <vector>
 
-#include "sim_canvas.hpp"
+#include "support/shot.hpp"
 
 namespace korvex::platform {
 namespace {
 
-using testing::SameRows;
-using testing::SimCanvas;
-
-using Rows = std::vector<std::string>;
+using test::kSentinelPixel;
+using test::Rows;
+using test::SameRows;
+using SimCanvas = test::Canvas;
 
 // Scheme colours made distinct, so each stroke of an edge is visible on its own.
 constexpr COLORREF kLight = RGB(1, 1, 1), kDark = RGB(2, 2, 2), kShadow = RGB(3, 3, 3),
@@ -33,47 +33,50 @@ void UseDistinctScheme(sim::SimGdi& gdi) {
     ASSERT_TRUE(gdi.SetSysColors(idx, col));
 }
 
-Rows Edge(unsigned edge, unsigned flags, bool* result = nullptr) {
+Rows Edge(unsigned edge, unsigned flags, int rop2 = R2_COPYPEN, bool* result = nullptr) {
     SimCanvas c(7, 5);
     UseDistinctScheme(c.gdi);
+    c.gdi.SetROP2(c.dc, rop2);
     RECT r{0, 0, 7, 5};
     const bool ok = c.gdi.DrawEdge(c.dc, &r, edge, flags);
     if (result) *result = ok;
     return c.Map(kEdgeLegend);
 }
 
-TEST(DrawEdge, RingsOfEveryEdgeKindWithMiddle) {
+TEST(DrawEdge, RingsOfEveryEdgeKindAndFlag) {
+    struct Case {
+        unsigned edge, flags;
+        Rows want;
+        int rop2 = R2_COPYPEN;
+    };
     const unsigned f = BF_RECT | BF_MIDDLE;
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, f), {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_SUNKEN, f), {"SSSSSSH", "SDDDDLH", "SDFFFLH", "SLLLLLH", "HHHHHHH"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_ETCHED, f), {"SSSSSSH", "SHHHHSH", "SHFFFSH", "SSSSSSH", "HHHHHHH"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_BUMP, f), {"LLLLLLD", "LDDDDLD", "LDFFFLD", "LLLLLLD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(BDR_RAISEDOUTER, f), {"LLLLLLD", "LFFFFFD", "LFFFFFD", "LFFFFFD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(BDR_SUNKENOUTER, f), {"SSSSSSH", "SFFFFFH", "SFFFFFH", "SFFFFFH", "HHHHHHH"}));
-}
-
-TEST(DrawEdge, LoneInnerFlagPaintsTheOuterRing) {
-    const unsigned f = BF_RECT | BF_MIDDLE;
-    EXPECT_TRUE(SameRows(Edge(BDR_RAISEDINNER, f), {"HHHHHHS", "HFFFFFS", "HFFFFFS", "HFFFFFS", "SSSSSSS"}));
-    EXPECT_TRUE(SameRows(Edge(BDR_SUNKENINNER, f), {"DDDDDDL", "DFFFFFL", "DFFFFFL", "DFFFFFL", "LLLLLLL"}));
-}
-
-TEST(DrawEdge, InnerStrokesRunToTheFarEdgeWhenOnlyTwoSidesAreDrawn) {
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_TOPLEFT), {"LLLLLLL", "LHHHHHH", "LH.....", "LH.....", "LH....."}));
-}
-
-TEST(DrawEdge, SoftFlatAndMonoVariants) {
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_RECT | BF_SOFT | BF_MIDDLE),
-                         {"HHHHHHD", "HLLLLSD", "HLFFFSD", "HSSSSSD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_SUNKEN, BF_RECT | BF_FLAT | BF_MIDDLE),
-                         {"SSSSSSS", "SFFFFFS", "SFFFFFS", "SFFFFFS", "SSSSSSS"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_RECT | BF_MONO),
-                         {"KKKKKKK", "KWWWWWK", "KW...WK", "KWWWWWK", "KKKKKKK"}));
+    const Case cases[] = {
+        {EDGE_RAISED, f, {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}},
+        {EDGE_SUNKEN, f, {"SSSSSSH", "SDDDDLH", "SDFFFLH", "SLLLLLH", "HHHHHHH"}},
+        {EDGE_ETCHED, f, {"SSSSSSH", "SHHHHSH", "SHFFFSH", "SSSSSSH", "HHHHHHH"}},
+        {EDGE_BUMP, f, {"LLLLLLD", "LDDDDLD", "LDFFFLD", "LLLLLLD", "DDDDDDD"}},
+        {BDR_RAISEDOUTER, f, {"LLLLLLD", "LFFFFFD", "LFFFFFD", "LFFFFFD", "DDDDDDD"}},
+        {BDR_SUNKENOUTER, f, {"SSSSSSH", "SFFFFFH", "SFFFFFH", "SFFFFFH", "HHHHHHH"}},
+        // A lone inner flag paints the outer ring.
+        {BDR_RAISEDINNER, f, {"HHHHHHS", "HFFFFFS", "HFFFFFS", "HFFFFFS", "SSSSSSS"}},
+        {BDR_SUNKENINNER, f, {"DDDDDDL", "DFFFFFL", "DFFFFFL", "DFFFFFL", "LLLLLLL"}},
+        // With two sides only, the inner strokes run to the far edge.
+        {EDGE_RAISED, BF_TOPLEFT, {"LLLLLLL", "LHHHHHH", "LH.....", "LH.....", "LH....."}},
+        {EDGE_RAISED, f | BF_SOFT, {"HHHHHHD", "HLLLLSD", "HLFFFSD", "HSSSSSD", "DDDDDDD"}},
+        {EDGE_SUNKEN, f | BF_FLAT, {"SSSSSSS", "SFFFFFS", "SFFFFFS", "SFFFFFS", "SSSSSSS"}},
+        {EDGE_RAISED, BF_RECT | BF_MONO, {"KKKKKKK", "KWWWWWK", "KW...WK", "KWWWWWK", "KKKKKKK"}},
+        // The ROP2 is ignored.
+        {EDGE_RAISED, f, {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}, R2_XORPEN},
+    };
+    for (const Case& c : cases)
+        EXPECT_TRUE(SameRows(Edge(c.edge, c.flags, c.rop2), c.want))
+            << "edge " << c.edge << " flags " << c.flags << " rop2 " << c.rop2;
 }
 
 TEST(DrawEdge, InvalidCombinationsFailAndSkipTheMiddleWhileAdjustShrinksByTheRings) {
     bool ok = true;
-    const Rows both = Edge(BDR_RAISEDOUTER | BDR_SUNKENOUTER | BDR_RAISEDINNER, BF_RECT | BF_MIDDLE, &ok);
+    const Rows both =
+        Edge(BDR_RAISEDOUTER | BDR_SUNKENOUTER | BDR_RAISEDINNER, BF_RECT | BF_MIDDLE, R2_COPYPEN, &ok);
     EXPECT_FALSE(ok);
     EXPECT_EQ(both[2][3], '.') << "no middle for an invalid combination";
 
@@ -96,15 +99,6 @@ TEST(DrawEdge, DiagonalRunsFromTheBottomLeftToTheTopRightCorner) {
     POINT cp{};
     c.gdi.GetCurrentPositionEx(c.dc, &cp);
     EXPECT_EQ(cp, (POINT{0, 0})) << "the current position is put back";
-}
-
-TEST(DrawEdge, IgnoresTheRop2) {
-    SimCanvas c(7, 5);
-    UseDistinctScheme(c.gdi);
-    c.gdi.SetROP2(c.dc, R2_XORPEN);
-    RECT r{0, 0, 7, 5};
-    c.gdi.DrawEdge(c.dc, &r, EDGE_RAISED, BF_RECT | BF_MIDDLE);
-    EXPECT_TRUE(SameRows(c.Map(kEdgeLegend), {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -265,7 +259,7 @@ TEST(Regions, FrameRgnPaintsARingInsideAndHonoursTheRop2) {
                                                   ".##....##.", ".##....##.", ".########.", ".........."}));
     c.gdi.SetROP2(c.dc, R2_NOT);
     c.gdi.PaintRgn(c.dc, r);
-    EXPECT_EQ(c.Raw(3, 3), ~testing::kSentinelPixel);
+    EXPECT_EQ(c.Raw(3, 3), ~kSentinelPixel);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -283,7 +277,7 @@ struct BlitPair {
         gdi.SelectObject(dst, b);
         s = gdi.BitmapPixels(a);
         d = gdi.BitmapPixels(b);
-        std::fill_n(d.bits, dw * dh, testing::kSentinelPixel);
+        std::fill_n(d.bits, dw * dh, kSentinelPixel);
     }
 };
 
@@ -369,11 +363,11 @@ TEST(StretchBlt, NegativeExtentsIncludeTheAnchorAndMirror) {
     std::copy_n(px, 3, p.s.bits);
     // Destination x = 3 going left over three pixels: covers 1..3, mirrored.
     p.gdi.StretchBlt(p.dst, 3, 0, -3, 1, p.src, 0, 0, 3, 1, SRCCOPY);
-    EXPECT_EQ(p.d.bits[0], testing::kSentinelPixel);
+    EXPECT_EQ(p.d.bits[0], kSentinelPixel);
     EXPECT_EQ(p.d.bits[1], 3u);
     EXPECT_EQ(p.d.bits[2], 2u);
     EXPECT_EQ(p.d.bits[3], 1u);
-    EXPECT_EQ(p.d.bits[4], testing::kSentinelPixel);
+    EXPECT_EQ(p.d.bits[4], kSentinelPixel);
 }
 
 TEST(BitBlt, RasterOpsCombineSourceDestinationAndBrush) {
@@ -406,25 +400,37 @@ TEST(BitBlt, RasterOpsCombineSourceDestinationAndBrush) {
 // ROP2 and the primitives that honour or ignore it
 
 TEST(Rop2, AllSixteenCodesOverAKnownBackground) {
-    const std::uint32_t background = 0x5A3CC396;  // top byte set: ROP2 works on the whole word
-    const COLORREF pen = RGB(0x12, 0x34, 0xF0);
-    const std::uint32_t p = 0x001234F0;
+    // Each code's definition in pen P and destination D, over a background with its top byte
+    // set: ROP2 works on the whole word.
+    using Mix = std::uint32_t (*)(std::uint32_t, std::uint32_t);
+    const std::array<Mix, 16> mixes = {
+        [](std::uint32_t, std::uint32_t) { return 0u; },
+        [](std::uint32_t p, std::uint32_t d) { return ~(p | d); },
+        [](std::uint32_t p, std::uint32_t d) { return ~p & d; },
+        [](std::uint32_t p, std::uint32_t) { return ~p; },
+        [](std::uint32_t p, std::uint32_t d) { return p & ~d; },
+        [](std::uint32_t, std::uint32_t d) { return ~d; },
+        [](std::uint32_t p, std::uint32_t d) { return p ^ d; },
+        [](std::uint32_t p, std::uint32_t d) { return ~(p & d); },
+        [](std::uint32_t p, std::uint32_t d) { return p & d; },
+        [](std::uint32_t p, std::uint32_t d) { return ~(p ^ d); },
+        [](std::uint32_t, std::uint32_t d) { return d; },
+        [](std::uint32_t p, std::uint32_t d) { return ~p | d; },
+        [](std::uint32_t p, std::uint32_t) { return p; },
+        [](std::uint32_t p, std::uint32_t d) { return p | ~d; },
+        [](std::uint32_t p, std::uint32_t d) { return p | d; },
+        [](std::uint32_t, std::uint32_t) { return ~0u; }};
+    const std::uint32_t background = 0x5A3CC396, pen = 0x001234F0;
     SimCanvas c(6, 16);
     c.Fill(background);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 1, pen));
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 1, RGB(0x12, 0x34, 0xF0)));
     for (int code = R2_BLACK; code <= R2_WHITE; ++code) {
         c.gdi.SetROP2(c.dc, code);
         c.gdi.MoveToEx(c.dc, 0, code - 1, nullptr);
         c.gdi.LineTo(c.dc, 4, code - 1);
-    }
-    for (int code = R2_BLACK; code <= R2_WHITE; ++code) {
-        // Result bit = bit (2*P + D) of code - 1.
-        std::uint32_t want = 0;
-        for (unsigned b = 0; b < 32; ++b) {
-            const unsigned pb = (p >> b) & 1u, db = (background >> b) & 1u;
-            want |= ((static_cast<unsigned>(code - 1) >> (2 * pb + db)) & 1u) << b;
-        }
-        for (std::int32_t x = 0; x < 4; ++x) EXPECT_EQ(c.Raw(x, code - 1), want) << "code " << code << " x " << x;
+        for (std::int32_t x = 0; x < 4; ++x)
+            EXPECT_EQ(c.Raw(x, code - 1), mixes[static_cast<std::size_t>(code - 1)](pen, background))
+                << std::hex << "code " << code << " x " << x;
         EXPECT_EQ(c.Raw(4, code - 1), background) << "the end point is never drawn (code " << code << ")";
     }
 }
@@ -435,7 +441,7 @@ TEST(Rop2, ShapesRegionsAndPixelsHonourItRectFillsBlitsAndEdgesDoNot) {
     c.gdi.SelectObject(c.dc, brush);
     c.gdi.SelectObject(c.dc, c.gdi.GetStockObject(NULL_PEN));
     c.gdi.SetROP2(c.dc, R2_XORPEN);
-    const std::uint32_t xored = testing::kSentinelPixel ^ 0x00FFFFFFu, copied = 0x00FFFFFFu;
+    const std::uint32_t xored = kSentinelPixel ^ 0x00FFFFFFu, copied = 0x00FFFFFFu;
     c.gdi.Rectangle(c.dc, 0, 0, 3, 2);  // null pen: fills (0,0) and (1,0)
     const HRGN one = c.gdi.CreateRectRgn(2, 0, 3, 1);
     c.gdi.PaintRgn(c.dc, one);
@@ -507,7 +513,7 @@ Rows WideStroke(std::int32_t w, std::int32_t h, std::int32_t width, std::span<co
         c.gdi.Polyline(c.dc, points);
     }
     // Under XOR a pixel hit once shows as 'x'; one hit twice would be back to '.'.
-    return c.Map({{kPen, '#'}, {sim::ToColorRef(sim::ToPixel(kPen) ^ testing::kSentinelPixel), 'x'}});
+    return c.Map({{kPen, '#'}, {sim::ToColorRef(sim::ToPixel(kPen) ^ kSentinelPixel), 'x'}});
 }
 
 TEST(WidePens, AxisLinesHaveRoundCapsReachingPastBothEnds) {
@@ -581,7 +587,7 @@ TEST(InvertRect, InvertsEveryBitIgnoringTheRop2) {
     for (std::int32_t y = 0; y < 4; ++y)
         for (std::int32_t x = 0; x < 4; ++x) {
             const bool inside = x >= 1 && x < 3 && y >= 1 && y < 3;
-            EXPECT_EQ(c.Raw(x, y), inside ? 0x33333333u : testing::kSentinelPixel) << x << "," << y;
+            EXPECT_EQ(c.Raw(x, y), inside ? 0x33333333u : kSentinelPixel) << x << "," << y;
         }
 }
 
@@ -627,7 +633,7 @@ TextBox Extents(const SimCanvas& c, COLORREF fg) {
     TextBox box;
     for (std::int32_t y = 0; y < c.view.height; ++y)
         for (std::int32_t x = 0; x < c.view.width; ++x) {
-            if (c.Raw(x, y) == testing::kSentinelPixel) continue;
+            if (c.Raw(x, y) == kSentinelPixel) continue;
             RECT& r = c.At(x, y) == fg ? box.ink : box.any;
             r = {std::min(r.left, x), std::min(r.top, y), std::max(r.right, x + 1), std::max(r.bottom, y + 1)};
         }
@@ -654,12 +660,12 @@ TEST(TextOut, OpaqueBoxIsTheExtentAtTheReferencePoint) {
     EXPECT_GE(box.ink.left, 7);
     EXPECT_LE(box.ink.bottom, 5 + ext.cy);
 
-    c.Fill(testing::kSentinelPixel);
+    c.Fill(kSentinelPixel);
     c.gdi.SetTextAlign(c.dc, TA_RIGHT | TA_BOTTOM);
     c.gdi.TextOut(c.dc, 100, 50, "Hello");
     EXPECT_EQ(Extents(c, kInk).any, (RECT{100 - ext.cx, 50 - ext.cy, 100, 50}));
 
-    c.Fill(testing::kSentinelPixel);
+    c.Fill(kSentinelPixel);
     c.gdi.SetTextAlign(c.dc, TA_CENTER | TA_BASELINE);
     c.gdi.SetBkMode(c.dc, TRANSPARENT);
     c.gdi.TextOut(c.dc, 60, 30, "Hello");
