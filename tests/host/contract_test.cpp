@@ -7,6 +7,7 @@
 #include "host/container.hpp"
 #include "base/error.hpp"
 #include "probe_control.hpp"
+#include "support/bench.hpp"
 
 using namespace korvex::host;
 using korvex::test::pMode;
@@ -15,22 +16,6 @@ using korvex::test::Probe;
 using korvex::test::ErrorOf;
 
 namespace {
-
-// Records what the container's controls raise and report, as a script runner prints it.
-class Recorder final : public EventSink {
-public:
-    void OnEvent(Site& site, const EventInfo& event, std::span<Variant> args) override {
-        std::string line = site.Name() + "." + event.name + "(";
-        for (std::size_t i = 0; i < args.size(); ++i) line += (i ? ", " : "") + DisplayText(args[i]);
-        lines.push_back(line + ")");
-        if (onEvent) onEvent(event, args);
-    }
-    void OnPropertyChanged(Site& site, std::string_view property) override {
-        lines.push_back("changed " + site.Name() + "." + std::string(property));
-    }
-    std::vector<std::string> lines;
-    std::function<void(const EventInfo&, std::span<Variant>)> onEvent;
-};
 
 class ContractTest : public ::testing::Test {
 protected:
@@ -43,7 +28,7 @@ protected:
 
     HostContext context;
     Container form{context};
-    Recorder recorder;
+    korvex::test::EventLog recorder;
 };
 
 TEST_F(ContractTest, NewControlGoesThroughInitPropertiesAndWritesNothing) {
@@ -151,9 +136,10 @@ TEST_F(ContractTest, HandlersChangeByReferenceArguments) {
     EXPECT_EQ(probe.PressKey('c'), 'c');
     probe.Press(1, 2, 1.5f, 30);
     probe.Click();
-    EXPECT_EQ(recorder.lines, (std::vector<std::string>{"Probe1.KeyPress(97)", "Probe1.KeyPress(98)",
-                                                        "Probe1.KeyPress(99)", "Probe1.MouseDown(1, 2, 1.5, 30)",
-                                                        "Probe1.Click()"}));
+    EXPECT_EQ(recorder.lines, (std::vector<std::string>{"event Probe1.KeyPress(97)", "event Probe1.KeyPress(98)",
+                                                        "event Probe1.KeyPress(99)",
+                                                        "event Probe1.MouseDown(1, 2, 1.5, 30)",
+                                                        "event Probe1.Click()"}));
 }
 
 TEST_F(ContractTest, LateBindingByName) {
@@ -216,13 +202,6 @@ TEST_F(ContractTest, AmbientFontIsSharedByReference) {
     ASSERT_EQ(a.Font(), b.Font());
     a.Font()->Bold(true);
     EXPECT_TRUE(b.Font()->Bold());
-}
-
-TEST(MousePointer, CustomWithoutIconShowsTheDefault) {
-    EXPECT_EQ(EffectiveMousePointer(99, nullptr), 0);
-    auto icon = std::make_shared<StdPicture>(PictureType::Icon, 1, 1, std::vector<std::uint32_t>{0xFF000000});
-    EXPECT_EQ(EffectiveMousePointer(99, icon), 99);
-    EXPECT_EQ(EffectiveMousePointer(11, nullptr), 11);
 }
 
 TEST_F(ContractTest, FormFileRoundTripsWithNesting) {

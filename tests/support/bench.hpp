@@ -30,11 +30,11 @@ class EventLog final : public host::EventSink {
   public:
     void OnEvent(host::Site& site, const host::EventInfo& event,
                  std::span<host::Variant> args) override {
-        if (onEvent) onEvent(event, args);
         std::string line = "event " + site.Name() + "." + event.name + "(";
         for (std::size_t i = 0; i < args.size(); ++i)
             line += (i ? ", " : "") + host::DisplayText(args[i]);
         lines.push_back(line + ")");
+        if (onEvent) onEvent(event, args);
     }
     void OnPropertyChanged(host::Site& site, std::string_view property) override {
         lines.push_back("changed " + site.Name() + "." + std::string(property));
