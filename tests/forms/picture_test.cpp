@@ -25,8 +25,14 @@ class PictureTest : public FormTest {
     }
     // The surface's top-left 14 x 12 pixels through the legend of the classic 3D colours.
     Rows Map() {
-        return FormTest::Map({0, 0, 14, 12}, {{kShadow, 's'}, {kDark, 'd'}, {kWhite, 'h'}, {kGreen, 'g'},
-                                              {kRed, 'r'}, {kBlue, 'b'}, {kYellow, 'y'}, {0, 'k'}});
+        return FormTest::Map({0, 0, 14, 12}, {{kShadow, 's'},
+                                              {kDark, 'd'},
+                                              {kWhite, 'h'},
+                                              {kGreen, 'g'},
+                                              {kRed, 'r'},
+                                              {kBlue, 'b'},
+                                              {kYellow, 'y'},
+                                              {0, 'k'}});
     }
 
     PictureBox box{surface};
