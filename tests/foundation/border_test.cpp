@@ -40,112 +40,57 @@ Rows Draw(Canvas& canvas, Painter painter, RECT rect, std::int32_t style, std::i
 }
 
 TEST(BorderStyle, EachStyleMatchesItsPicture) {
+    // The bitmap is as large as the picture.
     struct Case {
         const char* name;
         Painter painter;
         RECT rect;
-        std::int32_t style, width, bitmapW, bitmapH;
+        std::int32_t style, width;
         Rows want;
     };
+    constexpr Painter kStyle = Painter::kBorderStyle, kXP = Painter::kXPFrame;
+    // clang-format off
     const Case cases[] = {
-        {"single bevel",
-         Painter::kBorderStyle,
-         {0, 0, 8, 5},
-         1,
-         1,
-         9,
-         6,
+        {"single bevel", kStyle, {0, 0, 8, 5}, 1, 1,
          {"22222221.", "2......1.", "2......1.", "2......1.", "11111111.", "........."}},
-        {"single bevel, two rings",
-         Painter::kBorderStyle,
-         {1, 1, 9, 7},
-         1,
-         2,
-         10,
-         8,
+        {"single bevel, two rings", kStyle, {1, 1, 9, 7}, 1, 2,
          {"..........", ".22222221.", ".22222211.", ".22....11.", ".22....11.", ".21111111.",
           ".11111111.", ".........."}},
-        {"double bevel",
-         Painter::kBorderStyle,
-         {0, 0, 8, 7},
-         2,
-         1,
-         9,
-         8,
-         {"22222221.", "24444431.", "24....31.", "24....31.", "24....31.", "23333331.", "11111111.",
-          "........."}},
-        {"outlined bevel",
-         Painter::kBorderStyle,
-         {0, 0, 10, 9},
-         3,
-         1,
-         11,
-         10,
-         {"1111111111.", "1222222221.", "1244444431.", "124....531.", "124....531.", "124....531.",
-          "1245555531.", "1233333331.", "1111111111.", "..........."}},
-        {"rounded frame",
-         Painter::kBorderStyle,
-         {0, 0, 12, 10},
-         4,
-         1,
-         13,
-         11,
+        {"double bevel", kStyle, {0, 0, 8, 7}, 2, 1,
+         {"22222221.", "24444431.", "24....31.", "24....31.", "24....31.", "23333331.",
+          "11111111.", "........."}},
+        {"outlined bevel", kStyle, {0, 0, 10, 9}, 3, 1,
+         {"1111111111.", "1222222221.", "1244444431.", "124....531.", "124....531.",
+          "124....531.", "1245555531.", "1233333331.", "1111111111.", "..........."}},
+        {"rounded frame", kStyle, {0, 0, 12, 10}, 4, 1,
          {"..11111111...", ".1333333331..", "155555555521.", "125555555.21.", "12........21.",
           "12........21.", "12.666666.21.", "126666666621.", ".1444444441..", "..11111111...",
           "............."}},
-        {"XP frame",
-         Painter::kXPFrame,
-         {0, 0, 12, 10},
-         1,
-         1,
-         13,
-         11,
+        {"XP frame", kXP, {0, 0, 12, 10}, 1, 1,
          {"..44444444...", ".4666666664..", "421333333124.", "42........24.", "42........24.",
           "42........24.", "42........24.", "421333333124.", ".4555555554..", "..44444444...",
           "............."}},
         // With W = 0 the repeated rings vanish and only the passes drawn once (or, for the
         // rounded frame, the two rows at rings 0 and 1) remain; style 1 has none.
-        {"double bevel, W 0",
-         Painter::kBorderStyle,
-         {0, 0, 6, 5},
-         2,
-         0,
-         7,
-         6,
+        {"double bevel, W 0", kStyle, {0, 0, 6, 5}, 2, 0,
          {"444443.", "4....3.", "4....3.", "4....3.", "333333.", "......."}},
-        {"outlined bevel, W 0",
-         Painter::kBorderStyle,
-         {0, 0, 7, 6},
-         3,
-         0,
-         8,
-         7,
+        {"outlined bevel, W 0", kStyle, {0, 0, 7, 6}, 3, 0,
          {"........", ".44444..", ".4...5..", ".4...5..", ".45555..", "........", "........"}},
-        {"rounded frame, W 0",
-         Painter::kBorderStyle,
-         {0, 0, 8, 8},
-         4,
-         0,
-         9,
-         9,
-         {".........", "5555555..", ".55555...", ".........", ".........", "..6666...", ".666666..",
-          ".........", "........."}},
-        {"single bevel, W 0", Painter::kBorderStyle, {0, 0, 6, 6}, 1, 0, 6, 6, Rows(6, "......")},
-        {"XP frame, W 0", Painter::kXPFrame, {0, 0, 6, 6}, 1, 0, 6, 6, Rows(6, "......")},
+        {"rounded frame, W 0", kStyle, {0, 0, 8, 8}, 4, 0,
+         {".........", "5555555..", ".55555...", ".........", ".........", "..6666...",
+          ".666666..", ".........", "........."}},
+        {"single bevel, W 0", kStyle, {0, 0, 6, 6}, 1, 0, Rows(6, "......")},
+        {"XP frame, W 0", kXP, {0, 0, 6, 6}, 1, 0, Rows(6, "......")},
         // On a rectangle too small for its rings some lines end before they start and are
         // drawn backwards, outside the rectangle: with B = 3 the Color5 pass lands on row
         // B-W-2 = 0 and its right edge runs up from row 3 to row 1.
-        {"small rectangle",
-         Painter::kBorderStyle,
-         {0, 0, 10, 3},
-         3,
-         1,
-         11,
-         5,
+        {"small rectangle", kStyle, {0, 0, 10, 3}, 3, 1,
          {"1115555511.", "1233333531.", "1144444531.", ".......5...", "..........."}},
     };
+    // clang-format on
     for (const Case& c : cases) {
-        Canvas canvas(c.bitmapW, c.bitmapH);
+        Canvas canvas(static_cast<std::int32_t>(c.want[0].size()),
+                      static_cast<std::int32_t>(c.want.size()));
         EXPECT_TRUE(SameRows(Draw(canvas, c.painter, c.rect, c.style, c.width), c.want)) << c.name;
     }
 }

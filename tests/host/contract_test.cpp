@@ -79,15 +79,6 @@ TEST_F(ContractTest, LetSaveRestoreRoundTripsEveryProperty) {
     EXPECT_EQ(form.SaveBag(form.Get("Probe2")), bag);
 }
 
-TEST_F(ContractTest, ValueEqualToWriteDefaultComesBackAsReadDefault) {
-    Site& site = AddProbe("Probe1");
-    ProbeNamed("Probe1").BackColorP(Probe::kWriteDefaultColor);
-    const PropertyBag bag = form.SaveBag(site);
-    EXPECT_FALSE(bag.Contains("BackColorP"));
-    form.Restore("Korvex_Tools.Probe", {"Probe2"}, bag);
-    EXPECT_EQ(ProbeNamed("Probe2").BackColorP(), Probe::kReadDefaultColor);
-}
-
 TEST_F(ContractTest, BagOfTheWrongTypeFailsTheRestoreAndLeavesTheFormAlone) {
     PropertyBag bad;
     bad.WriteProperty("Value", "not a number");

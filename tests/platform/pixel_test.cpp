@@ -226,20 +226,24 @@ TEST(Regions, CombineOffsetAndQueries) {
     sim::SimGdi gdi;
     const HRGN a = gdi.CreateRectRgn(0, 0, 10, 10), b = gdi.CreateRectRgn(5, 5, 15, 15);
     const HRGN out = gdi.CreateRectRgn(0, 0, 0, 0);
+    const struct {
+        int mode, type;
+        RECT box;
+        POINT in, out;
+    } cases[] = {
+        {RGN_AND, SIMPLEREGION, {5, 5, 10, 10}, {9, 9}, {4, 4}},
+        {RGN_OR, COMPLEXREGION, {0, 0, 15, 15}, {14, 14}, {12, 2}},
+        {RGN_DIFF, COMPLEXREGION, {0, 0, 10, 10}, {4, 9}, {5, 5}},
+        {RGN_XOR, COMPLEXREGION, {0, 0, 15, 15}, {14, 14}, {7, 7}},
+    };
     RECT box;
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_AND), SIMPLEREGION);
-    EXPECT_EQ(gdi.GetRgnBox(out, &box), SIMPLEREGION);
-    EXPECT_EQ(box, (RECT{5, 5, 10, 10}));
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_OR), COMPLEXREGION);
-    EXPECT_EQ(gdi.GetRgnBox(out, &box), COMPLEXREGION);
-    EXPECT_EQ(box, (RECT{0, 0, 15, 15}));
-    EXPECT_FALSE(gdi.PtInRegion(out, 12, 2));
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_DIFF), COMPLEXREGION);
-    EXPECT_TRUE(gdi.PtInRegion(out, 4, 9));
-    EXPECT_FALSE(gdi.PtInRegion(out, 5, 5));
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_XOR), COMPLEXREGION);
-    EXPECT_TRUE(gdi.PtInRegion(out, 14, 14));
-    EXPECT_FALSE(gdi.PtInRegion(out, 7, 7));
+    for (const auto& c : cases) {
+        EXPECT_EQ(gdi.CombineRgn(out, a, b, c.mode), c.type) << "mode " << c.mode;
+        EXPECT_EQ(gdi.GetRgnBox(out, &box), c.type) << "mode " << c.mode;
+        EXPECT_EQ(box, c.box) << "mode " << c.mode;
+        EXPECT_TRUE(gdi.PtInRegion(out, c.in.x, c.in.y)) << "mode " << c.mode;
+        EXPECT_FALSE(gdi.PtInRegion(out, c.out.x, c.out.y)) << "mode " << c.mode;
+    }
     EXPECT_EQ(gdi.CombineRgn(out, a, HRGN{}, RGN_COPY), SIMPLEREGION);
     EXPECT_EQ(gdi.OffsetRgn(out, 3, -2), SIMPLEREGION);
     EXPECT_EQ(gdi.GetRgnBox(out, &box), SIMPLEREGION);
