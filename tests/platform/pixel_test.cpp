@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -107,57 +108,52 @@ TEST(DrawEdge, DiagonalRunsFromTheBottomLeftToTheTopRightCorner) {
 constexpr COLORREF kPen = RGB(0, 0, 0xFF), kBrush = RGB(0x33, 0xAA, 0xFF);
 const std::map<COLORREF, char> kShapeLegend = {{kPen, '#'}, {kBrush, 'o'}};
 
-struct ShapeCanvas : SimCanvas {
-    ShapeCanvas(std::int32_t w, std::int32_t h, bool pen = true) : SimCanvas(w, h) {
-        gdi.SelectObject(dc, pen ? gdi.CreatePen(PS_SOLID, 1, kPen) : gdi.GetStockObject(NULL_PEN));
-        gdi.SelectObject(dc, gdi.CreateSolidBrush(kBrush));
+// Draws on a canvas with a pen (none for NULL_PEN) and the test brush selected.
+Rows Shape(std::int32_t w, std::int32_t h, int penStyle, std::int32_t penWidth,
+           const std::function<void(sim::SimGdi&, HDC)>& draw) {
+    SimCanvas c(w, h);
+    c.gdi.SelectObject(c.dc, penWidth ? c.gdi.CreatePen(penStyle, penWidth, kPen) : c.gdi.GetStockObject(NULL_PEN));
+    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
+    draw(c.gdi, c.dc);
+    return c.Map(kShapeLegend);
+}
+
+TEST(Shapes, OutlinesInteriorsAndRoundCorners) {
+    struct Case {
+        const char* name;
+        int penStyle;
+        std::int32_t penWidth;
+        std::function<void(sim::SimGdi&, HDC)> draw;
+        Rows want;  // the canvas is as large as the picture
+    };
+    // clang-format off
+    const Case cases[] = {
+        {"null pen: the fill is one pixel short on the right and bottom; corners normalised", PS_SOLID, 0,
+         [](sim::SimGdi& g, HDC dc) { EXPECT_TRUE(g.Rectangle(dc, 5, 4, 1, 1)); },
+         {"......", ".ooo..", ".ooo..", "......", "......"}},
+        {"outline inside the rect; one by one draws nothing", PS_SOLID, 1,
+         [](sim::SimGdi& g, HDC dc) { g.Rectangle(dc, 1, 1, 5, 4); g.Rectangle(dc, 0, 4, 1, 5); },
+         {"......", ".####.", ".#oo#.", ".####.", "......"}},
+        {"inside-frame wide pen stays inside, with the pen's round joins at the corners", PS_INSIDEFRAME, 3,
+         [](sim::SimGdi& g, HDC dc) { g.Rectangle(dc, 0, 0, 10, 8); },
+         {".########.", "##########", "##########", "###oooo###", "###oooo###", "##########", "##########",
+          ".########."}},
+        {"wide outline: round corners, the interior comes out of it", PS_SOLID, 5,
+         [](sim::SimGdi& g, HDC dc) { g.Rectangle(dc, 3, 3, 13, 10); },
+         {"................", "..############..", ".##############.", ".##############.", ".##############.",
+          ".##############.", ".#####oooo#####.", ".##############.", ".##############.", ".##############.",
+          ".##############.", "..############..", "................"}},
+        {"round rect", PS_SOLID, 1, [](sim::SimGdi& g, HDC dc) { g.RoundRect(dc, 0, 0, 10, 8, 4, 4); },
+         {".########.", "#oooooooo#", "#oooooooo#", "#oooooooo#", "#oooooooo#", "#oooooooo#", "#oooooooo#",
+          ".########."}},
+        {"ellipse", PS_SOLID, 1, [](sim::SimGdi& g, HDC dc) { g.Ellipse(dc, 0, 0, 9, 7); },
+         {"..#####..", ".#ooooo#.", "#ooooooo#", "#ooooooo#", "#ooooooo#", ".#ooooo#.", "..#####.."}},
+    };
+    // clang-format on
+    for (const Case& c : cases) {
+        const auto w = static_cast<std::int32_t>(c.want[0].size()), h = static_cast<std::int32_t>(c.want.size());
+        EXPECT_TRUE(SameRows(Shape(w, h, c.penStyle, c.penWidth, c.draw), c.want)) << c.name;
     }
-};
-
-TEST(Rectangle, NullPenFillsOnePixelShortOnTheRightAndBottom) {
-    ShapeCanvas c(6, 5, false);
-    EXPECT_TRUE(c.gdi.Rectangle(c.dc, 5, 4, 1, 1));  // swapped corners are normalised
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"......", ".ooo..", ".ooo..", "......", "......"}));
-}
-
-TEST(Rectangle, OutlineInsideTheRectAndOneByOneDrawsNothing) {
-    ShapeCanvas c(6, 5);
-    c.gdi.Rectangle(c.dc, 1, 1, 5, 4);
-    c.gdi.Rectangle(c.dc, 0, 4, 1, 5);
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"......", ".####.", ".#oo#.", ".####.", "......"}));
-}
-
-TEST(Rectangle, InsideFrameWidePenStaysInsideTheRect) {
-    SimCanvas c(10, 8);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_INSIDEFRAME, 3, kPen));
-    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
-    c.gdi.Rectangle(c.dc, 0, 0, 10, 8);
-    // The corners are the pen's round joins, so the outer corner pixels stay untouched.
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {".########.", "##########", "##########", "###oooo###",
-                                               "###oooo###", "##########", "##########", ".########."}));
-}
-
-TEST(Rectangle, WideOutlineHasRoundCornersAndTheInteriorComesOutOfIt) {
-    SimCanvas c(16, 13);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 5, kPen));
-    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
-    c.gdi.Rectangle(c.dc, 3, 3, 13, 10);
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend),
-                         {"................", "..############..", ".##############.", ".##############.",
-                          ".##############.", ".##############.", ".#####oooo#####.", ".##############.",
-                          ".##############.", ".##############.", ".##############.", "..############..",
-                          "................"}));
-}
-
-TEST(RoundShapes, RoundRectAndEllipseCoverTheirBoxWithRoundedCorners) {
-    ShapeCanvas rr(10, 8);
-    rr.gdi.RoundRect(rr.dc, 0, 0, 10, 8, 4, 4);
-    EXPECT_TRUE(SameRows(rr.Map(kShapeLegend), {".########.", "#oooooooo#", "#oooooooo#", "#oooooooo#",
-                                                "#oooooooo#", "#oooooooo#", "#oooooooo#", ".########."}));
-    ShapeCanvas el(9, 7);
-    el.gdi.Ellipse(el.dc, 0, 0, 9, 7);
-    EXPECT_TRUE(SameRows(el.Map(kShapeLegend), {"..#####..", ".#ooooo#.", "#ooooooo#", "#ooooooo#",
-                                                "#ooooooo#", ".#ooooo#.", "..#####.."}));
 }
 
 Rows RegionMap(std::int32_t w, std::int32_t h, HRGN (*make)(sim::SimGdi&)) {
@@ -520,36 +516,36 @@ Rows WideStroke(std::int32_t w, std::int32_t h, std::int32_t width, std::span<co
     return c.Map({{kPen, '#'}, {sim::ToColorRef(sim::ToPixel(kPen) ^ kSentinelPixel), 'x'}});
 }
 
-TEST(WidePens, AxisLinesHaveRoundCapsReachingPastBothEnds) {
-    // Width 3: the body spans [3, 14) between the end points; each cap is a plus of 3 x 3
-    // centred on its end point, which adds x 14 and the middle row's ends.
-    const POINT h[2] = {{3, 3}, {14, 3}};
-    EXPECT_TRUE(SameRows(WideStroke(18, 7, 3, h),
-                         {"..................", "..................", "...############...", "..##############..",
-                          "...############...", "..................", ".................."}));
-    const POINT v[2] = {{2, 1}, {2, 5}};
-    EXPECT_TRUE(SameRows(WideStroke(5, 8, 3, v),
-                         {"..#..", ".###.", ".###.", ".###.", ".###.", ".###.", "..#..", "....."}));
-}
-
-TEST(WidePens, SlopedLinesAreAPolygonWithRoundedHalfWidths) {
-    const POINT line[2] = {{2, 2}, {12, 6}};
-    EXPECT_TRUE(SameRows(WideStroke(16, 9, 2, line),
-                         {"................", ".##.............", ".#####..........", "..######........",
-                          ".....######.....", ".......######...", "..........###...", "................",
-                          "................"}));
-}
-
-TEST(WidePens, ZeroLengthLineIsARoundDotAndJoinsAreRound) {
-    const POINT dot[2] = {{5, 5}, {5, 5}};
-    EXPECT_TRUE(SameRows(WideStroke(10, 10, 5, dot),
-                         {"..........", "..........", "..........", "....###...", "...#####..", "...#####..",
-                          "...#####..", "....###...", "..........", ".........."}));
-    const POINT vee[3] = {{2, 9}, {6, 3}, {10, 9}};
-    EXPECT_TRUE(SameRows(WideStroke(12, 12, 4, vee),
-                         {"............", ".....##.....", "....#####...", "....######..", "...#######..",
-                          "..#########.", "..##########", ".###########", "######.#####", "######..####",
-                          ".####....##.", "............"}));
+TEST(WidePens, CapsJoinsAndSlopesOfTheStrokeRegion) {
+    struct Case {
+        const char* name;
+        std::int32_t width;
+        std::vector<POINT> points;
+        Rows want;  // the canvas is as large as the picture
+    };
+    // clang-format off
+    const Case cases[] = {
+        // The body spans [3, 14) between the end points; each cap is a plus of 3 x 3 centred on
+        // its end point, which adds x 14 and the middle row's ends.
+        {"horizontal, round caps past both ends", 3, {{3, 3}, {14, 3}},
+         {"..................", "..................", "...############...", "..##############..",
+          "...############...", "..................", ".................."}},
+        {"vertical", 3, {{2, 1}, {2, 5}}, {"..#..", ".###.", ".###.", ".###.", ".###.", ".###.", "..#..", "....."}},
+        {"sloped: a polygon with rounded half widths", 2, {{2, 2}, {12, 6}},
+         {"................", ".##.............", ".#####..........", "..######........", ".....######.....",
+          ".......######...", "..........###...", "................", "................"}},
+        {"zero length: a round dot", 5, {{5, 5}, {5, 5}},
+         {"..........", "..........", "..........", "....###...", "...#####..", "...#####..", "...#####..",
+          "....###...", "..........", ".........."}},
+        {"round join", 4, {{2, 9}, {6, 3}, {10, 9}},
+         {"............", ".....##.....", "....#####...", "....######..", "...#######..", "..#########.",
+          "..##########", ".###########", "######.#####", "######..####", ".####....##.", "............"}},
+    };
+    // clang-format on
+    for (const Case& c : cases) {
+        const auto w = static_cast<std::int32_t>(c.want[0].size()), h = static_cast<std::int32_t>(c.want.size());
+        EXPECT_TRUE(SameRows(WideStroke(w, h, c.width, c.points), c.want)) << c.name;
+    }
 }
 
 TEST(WidePens, OverlappingPiecesAreHitOnceUnderXor) {
