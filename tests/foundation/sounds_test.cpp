@@ -13,6 +13,7 @@
 #include "base/resources.hpp"
 #include "foundation/sounds.hpp"
 #include "platform/sim/sim_platform.hpp"
+#include "support/bench.hpp"
 #include "support/bytes.hpp"
 #include "support/error_of.hpp"
 
@@ -63,12 +64,10 @@ public:
     FailingShell failing;
 };
 
-class SoundsTest : public ::testing::Test {
+class SoundsTest : public ::testing::Test, public test::SimBench {
 protected:
     const std::vector<SoundRequest>& Requests() { return platform.sound().Requests(); }
-    void Advance(std::int64_t ms) { platform.clock().Advance(ms); }
 
-    platform::sim::SimPlatform platform;
     foundation::cSounds sounds{platform};
     foundation::ResourceSoundPlayer player{platform};
 };

@@ -118,6 +118,10 @@ class HostBench : public SimBench {
     host::Variant Get(const std::string& name, const std::string& property) {
         return form.GetProperty(form.Get(name), property);
     }
+    host::Site& Restore(const std::string& progId, const host::Extender& at,
+                        const host::PropertyBag& bag) {
+        return form.Restore(progId, at, bag);
+    }
     host::PropertyBag Save(const std::string& name) { return form.SaveBag(form.Get(name)); }
     // A control's window as composed on the screen.
     [[nodiscard]] Shot ShotOf(const std::string& name) {
