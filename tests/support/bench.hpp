@@ -53,12 +53,12 @@ class SimBench {
     [[nodiscard]] Shot ShotOf(platform::HWND window) {
         platform::RECT r;
         windows.GetWindowRect(window, &r);
-        return {windows.ComposeWindow(window), r.Width(), r.Height(), {}};
+        return {windows.ComposeWindow(window), r.Width(), r.Height()};
     }
     [[nodiscard]] Shot Screen() {
         const std::int32_t w = gdi.GetDeviceCaps({}, platform::HORZRES),
                            h = gdi.GetDeviceCaps({}, platform::VERTRES);
-        return {windows.ComposeScreen(), w, h, {}};
+        return {windows.ComposeScreen(), w, h};
     }
     [[nodiscard]] std::uint32_t SysPixel(int index) { return ToPixel(gdi.GetSysColor(index)); }
 

@@ -30,8 +30,6 @@ constexpr std::uint32_t ToPixel(platform::COLORREF c) {
 struct Shot {
     std::vector<std::uint32_t> bits;
     int width = 0, height = 0;
-    // A raw word shown as '.' in maps (the canvas sentinel), compared before the legend.
-    std::optional<std::uint32_t> blank;
 
     [[nodiscard]] std::uint32_t at(int x, int y) const {
         return bits[static_cast<std::size_t>(y * width + x)];
@@ -53,8 +51,10 @@ struct Shot {
                                     std::optional<platform::RECT> r = {}) const {
         return Find(c, r).size();
     }
-    // One string per row of r: '.' for the blank word, the legend's character, '?' otherwise.
-    [[nodiscard]] Rows Map(const Legend& legend, std::optional<platform::RECT> r = {}) const {
+    // One string per row of r: '.' for the raw word `blank` (a canvas sentinel), the legend's
+    // character, '?' for anything else.
+    [[nodiscard]] Rows Map(const Legend& legend, std::optional<platform::RECT> r = {},
+                           std::optional<std::uint32_t> blank = {}) const {
         const platform::RECT box = r.value_or(platform::RECT{0, 0, width, height});
         Rows rows;
         for (int y = box.top; y < box.bottom; ++y) {
@@ -119,12 +119,11 @@ class Canvas {
                              static_cast<std::uint8_t>(p));
     }
     [[nodiscard]] Shot Snap() const {
-        return {{view.bits, view.bits + view.width * view.height},
-                view.width,
-                view.height,
-                kSentinelPixel};
+        return {{view.bits, view.bits + view.width * view.height}, view.width, view.height};
     }
-    [[nodiscard]] Rows Map(const Legend& legend) const { return Snap().Map(legend); }
+    [[nodiscard]] Rows Map(const Legend& legend) const {
+        return Snap().Map(legend, {}, kSentinelPixel);
+    }
 
     platform::sim::SimGdi gdi;
     platform::HDC dc;
