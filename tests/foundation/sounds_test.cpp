@@ -51,16 +51,9 @@ public:
     std::string GetTempPathA() override { throw host::HostError(host::kErrDeviceUnavailable); }
 };
 
-class FailingShellPlatform final : public platform::Platform {
+class FailingShellPlatform final : public test::ForwardingPlatform {
 public:
-    platform::Gdi& gdi() override { return sim.gdi(); }
-    platform::Windows& windows() override { return sim.windows(); }
-    platform::Clock& clock() override { return sim.clock(); }
-    platform::EventLoop& loop() override { return sim.loop(); }
-    platform::Sound& sound() override { return sim.sound(); }
     platform::Shell& shell() override { return failing; }
-
-    platform::sim::SimPlatform sim;
     FailingShell failing;
 };
 

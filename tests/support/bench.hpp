@@ -45,6 +45,20 @@ class EventLog final : public host::EventSink {
     std::function<void(const host::EventInfo&, std::span<host::Variant>)> onEvent;
 };
 
+// The portable platform behind the Platform interface, for a test that replaces one service by
+// overriding its accessor (a shell that fails or watches, say).
+class ForwardingPlatform : public platform::Platform {
+  public:
+    platform::Gdi& gdi() override { return sim.gdi(); }
+    platform::Windows& windows() override { return sim.windows(); }
+    platform::Clock& clock() override { return sim.clock(); }
+    platform::EventLoop& loop() override { return sim.loop(); }
+    platform::Sound& sound() override { return sim.sound(); }
+    platform::Shell& shell() override { return sim.shell(); }
+
+    platform::sim::SimPlatform sim;
+};
+
 // The platform alone, with its driver side: pixels, clock and input in screen pixels.
 class SimBench {
   public:
