@@ -17,17 +17,12 @@ using korvex::test::ErrorOf;
 
 namespace {
 
-class ContractTest : public ::testing::Test {
+class ContractTest : public ::testing::Test, public korvex::test::HostBench {
 protected:
-    ContractTest() {
-        context.Classes().Register(Probe::Class());
-        form.SetSink(&recorder);
-    }
-    Probe& ProbeNamed(const std::string& name) { return static_cast<Probe&>(form.Get(name).GetControl()); }
-    Site& AddProbe(const std::string& name) { return form.Add("Korvex_Tools.Probe", {name, 120, 240, 1500, 450}); }
+    ContractTest() : HostBench({Probe::Class()}) { form.SetSink(&recorder); }
+    Probe& ProbeNamed(const std::string& name) { return Control<Probe>(name); }
+    Site& AddProbe(const std::string& name) { return Add("Korvex_Tools.Probe", {name, 120, 240, 1500, 450}); }
 
-    HostContext context;
-    Container form{context};
     korvex::test::EventLog recorder;
 };
 
