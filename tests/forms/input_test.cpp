@@ -56,19 +56,13 @@ TEST_F(InputTest, DisabledOrHiddenObjectsAndShapesPassThePressBeneath) {
                               "surface Click"}));
     label.Enabled(true);
     label.Visible(false);
-    Press({15, 12});
-    EXPECT_EQ(TakeLog(), (Log{"surface MouseDown 1 0 225,180"}));
-    Release({15, 12});
-    TakeLog();
+    Click({15, 12});
+    EXPECT_EQ(TakeLog()[0], "surface MouseDown 1 0 225,180");
 
-    Press({5, 35});  // on the shape
-    EXPECT_EQ(TakeLog(), (Log{"surface MouseDown 1 0 75,525"}));
-    Release({5, 35});
-    TakeLog();
-    Press({65, 35});  // on the image
-    EXPECT_EQ(TakeLog(), (Log{"image MouseDown 1 0 75,75"}));
-    Release({65, 35});
-    TakeLog();
+    Click({5, 35});  // on the shape
+    EXPECT_EQ(TakeLog()[0], "surface MouseDown 1 0 75,525");
+    Click({65, 35});  // on the image
+    EXPECT_EQ(TakeLog()[0], "image MouseDown 1 0 75,75");
 
     // A disabled surface drops everything.
     surface.Enabled(false);
@@ -79,7 +73,7 @@ TEST_F(InputTest, DisabledOrHiddenObjectsAndShapesPassThePressBeneath) {
 
 TEST_F(InputTest, DoubleClickAddsDblClickAndASecondMouseUp) {
     Click({15, 12});
-    platform.driver().Advance(100);
+    Advance(100);
     PressQuickly({15, 12});
     Release({15, 12});
     EXPECT_EQ(TakeLog(), (Log{"label MouseDown 1 0 75,30", "label MouseUp 1 0 75,30", "label Click",
@@ -115,22 +109,17 @@ TEST_F(InputTest, AClickHandlerMayRemoveItsObject) {
 
 TEST_F(InputTest, KeysAndFocusReachTheSurface) {
     Log keys;
-    surface.events.KeyDown = [&](std::int16_t& code, std::int16_t shift) {
-        keys.push_back("down " + std::to_string(code) + " " + std::to_string(shift));
+    auto note = [&](std::string s) { keys.push_back(std::move(s)); };
+    surface.events.KeyDown = [&](std::int16_t& c, std::int16_t s) {
+        note("down " + std::to_string(c) + " " + std::to_string(s));
     };
-    surface.events.KeyPress = [&](std::int16_t& ascii) {
-        keys.push_back("press " + std::to_string(ascii));
-    };
-    surface.events.KeyUp = [&](std::int16_t& code, std::int16_t) {
-        keys.push_back("up " + std::to_string(code));
-    };
-    surface.events.GotFocus = [&] { keys.push_back("got"); };
-    surface.events.LostFocus = [&] { keys.push_back("lost"); };
+    surface.events.KeyPress = [&](std::int16_t& c) { note("press " + std::to_string(c)); };
+    surface.events.KeyUp = [&](std::int16_t& c, std::int16_t) { note("up " + std::to_string(c)); };
+    surface.events.GotFocus = [&] { note("got"); };
+    surface.events.LostFocus = [&] { note("lost"); };
 
     surface.SetFocus();
-    loop.KeyDown('A', kShiftMask);
-    loop.KeyPress('A');
-    loop.KeyUp('A', kShiftMask);
+    Key('A', kShiftMask);
     windows.SetFocus(form);
     EXPECT_EQ(keys, (Log{"got", "down 65 1", "press 65", "up 65", "lost"}));
 }

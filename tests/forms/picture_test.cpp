@@ -24,10 +24,8 @@ class PictureTest : public FormTest {
         box.BackColor(kGreen);
     }
     // The surface's top-left 14 x 12 pixels through the legend of the classic 3D colours.
-    std::vector<std::string> Map() {
-        const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
-        return Surface().Map({0, 0, 14, 12}, {{face, '.'},
-                                              {kShadow, 's'},
+    Rows Map() {
+        return FormTest::Map({0, 0, 14, 12}, {{kShadow, 's'},
                                               {kDark, 'd'},
                                               {kWhite, 'h'},
                                               {kGreen, 'g'},
@@ -110,23 +108,12 @@ TEST_F(PictureTest, ImageDrawsItsPictureWithTransparencyAndSizesToIt) {
     image.Picture(Checker());
     EXPECT_EQ(image.Width(), 2);
     EXPECT_EQ(image.Height(), 2);
-    const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
-    EXPECT_TRUE(SameRows(
-        Surface().Map({19, 19, 25, 22}, {{face, '.'}, {kRed, 'r'}, {kBlue, 'b'}, {kYellow, 'y'}}),
-        {
-            "......",
-            ".rb...",  // the picture's first row
-            ".y....",  // alpha 0: the surface shows
-        }));
+    const test::Legend legend{{kRed, 'r'}, {kBlue, 'b'}, {kYellow, 'y'}};
+    // The picture's first row, then alpha 0 showing the surface.
+    EXPECT_TRUE(SameRows(FormTest::Map({19, 19, 25, 22}, legend), {"......", ".rb...", ".y...."}));
     image.Stretch(true);
     image.Move(20, 20, 4, 2);
-    EXPECT_TRUE(SameRows(
-        Surface().Map({19, 19, 25, 22}, {{face, '.'}, {kRed, 'r'}, {kBlue, 'b'}, {kYellow, 'y'}}),
-        {
-            "......",
-            ".rrbb.",
-            ".yy...",
-        }));
+    EXPECT_TRUE(SameRows(FormTest::Map({19, 19, 25, 22}, legend), {"......", ".rrbb.", ".yy..."}));
 }
 
 TEST_F(PictureTest, AutoSizeFitsPictureAndBorder) {

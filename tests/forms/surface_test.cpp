@@ -11,32 +11,29 @@ class SurfaceTest : public FormTest {
   protected:
     // A small surface so that whole maps fit in a test: 12 x 8 pixels.
     void Shrink() { surface.Move(surface.Left(), surface.Top(), Tx(12), Ty(8)); }
-    std::vector<std::string> Map() {
-        const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
-        return Pixels{windows.ComposeWindow(surface.hWnd()), {12, 8}}.Map(
-            {0, 0, 12, 8},
-            {{face, '.'}, {kRed, 'r'}, {kBlue, 'b'}, {RGB(0, 0, 0), 'k'}, {kYellow, 'y'}});
+    Rows Map() {
+        return FormTest::Map({0, 0, 12, 8},
+                             {{kRed, 'r'}, {kBlue, 'b'}, {RGB(0, 0, 0), 'k'}, {kYellow, 'y'}});
+    }
+    // Whether the whole surface shows one colour.
+    bool AllOf(COLORREF c) {
+        return Surface().Count(c) == static_cast<std::size_t>(kSurface.Width() * kSurface.Height());
     }
 };
 
 TEST_F(SurfaceTest, ClsFillsTheBackColourAndResetsThePrintPosition) {
-    const Pixels before = Surface();
-    const COLORREF face = gdi.GetSysColor(COLOR_BTNFACE);
-    EXPECT_EQ(before.Find(face, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
-              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    EXPECT_TRUE(AllOf(gdi.GetSysColor(COLOR_BTNFACE)));
 
     surface.Print("text");
     surface.Line(0, 0, Tx(50), Ty(30), kRed);
     surface.BackColor(kYellow);  // a new back colour clears the drawing too
-    EXPECT_EQ(Surface().Find(kYellow, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
-              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    EXPECT_TRUE(AllOf(kYellow));
     surface.Line(0, 0, Tx(50), Ty(30), kRed);
     surface.CurrentX(Tx(3));
     surface.Cls();
     EXPECT_EQ(surface.CurrentX(), 0);
     EXPECT_EQ(surface.CurrentY(), 0);
-    EXPECT_EQ(Surface().Find(kYellow, {0, 0, kSurface.Width(), kSurface.Height()}).size(),
-              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()));
+    EXPECT_TRUE(AllOf(kYellow));
     // A system colour is read when painting, so a scheme change shows at the next Cls.
     surface.BackColor(0x80000000u | COLOR_BTNFACE);
     const std::array<int, 1> index{COLOR_BTNFACE};
@@ -127,8 +124,7 @@ TEST_F(SurfaceTest, PrintWritesLinesAndAdvancesByTheTextHeight) {
     EXPECT_EQ(surface.CurrentX(), 0);
     EXPECT_EQ(surface.CurrentY(), Ty(2) + 2 * line);
 
-    const std::vector<POINT> ink =
-        Surface().Find(kRed, {0, 0, kSurface.Width(), kSurface.Height()});
+    const std::vector<POINT> ink = Surface().Find(kRed);
     ASSERT_FALSE(ink.empty());
     const int linePixels = static_cast<int>(line) / platform::TwipsPerPixelY(platform);
     bool secondLine = false;
@@ -176,8 +172,7 @@ TEST_F(SurfaceTest, ResizeIsRaisedForSizeChangesAndKeepsTheDrawing) {
     EXPECT_EQ(surface.ScaleWidth(), 100);
     surface.Height(surface.Height());
     EXPECT_EQ(resizes, 1);
-    EXPECT_TRUE(
-        (Pixels{windows.ComposeWindow(surface.hWnd()), {100, kSurface.Height()}}.is(2, 2, kRed)));
+    EXPECT_TRUE(Surface().is(2, 2, kRed));
 }
 
 TEST_F(SurfaceTest, TransparentSurfaceShowsTheFormAndPassesItsInput) {
@@ -193,19 +188,15 @@ TEST_F(SurfaceTest, TransparentSurfaceShowsTheFormAndPassesItsInput) {
     shape.BackColor(kBlue);
     surface.BackStyle(0);
 
-    const Pixels screen = Screen();
-    const RECT onScreen{kSurface.left, kSurface.top, kSurface.right, kSurface.bottom};
-    const std::vector<POINT> ink = screen.Find(kRed, onScreen);
+    const Shot screen = Screen();
+    const RECT shapeOnScreen{kSurface.left + 80, kSurface.top + 10, kSurface.left + 90,
+                             kSurface.top + 20};
+    const std::vector<POINT> ink = screen.Find(kRed, kSurface);
     ASSERT_FALSE(ink.empty());
-    for (int y = onScreen.top; y < onScreen.bottom; ++y)
-        for (int x = onScreen.left; x < onScreen.right; ++x) {
-            const bool inShape = x >= kSurface.left + 80 && x < kSurface.left + 90 &&
-                                 y >= kSurface.top + 10 && y < kSurface.top + 20;
-            if (inShape)
-                ASSERT_TRUE(screen.is(x, y, kBlue)) << x << "," << y;
-            else
-                ASSERT_TRUE(screen.is(x, y, kRed) || screen.is(x, y, kFormColour)) << x << "," << y;
-        }
+    EXPECT_EQ(screen.Count(kBlue, shapeOnScreen), 100u);
+    EXPECT_EQ(screen.Count(kBlue, kSurface) + ink.size() + screen.Count(kFormColour, kSurface),
+              static_cast<std::size_t>(kSurface.Width() * kSurface.Height()))
+        << "nothing but the form, the shape and the caption's ink";
 
     // The form gets the click where the surface is see-through; the label's ink is the label's.
     EXPECT_EQ(windows.WindowFromPoint({kSurface.left + 2, kSurface.top + 2}), form);

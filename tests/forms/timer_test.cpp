@@ -7,27 +7,27 @@ namespace korvex::forms::testing {
 namespace {
 
 TEST(TimerTest, TicksOnTheVirtualClockOnlyWhileRunning) {
-    sim::SimPlatform platform{{64, 48}};
-    sim::SimClock& clock = platform.clock();
+    test::SimBench bench{{64, 48}};
+    Clock& clock = bench.platform.clock();
     std::vector<std::int64_t> ticks;
-    auto timer = std::make_unique<Timer>(platform);
+    auto timer = std::make_unique<Timer>(bench.platform);
     timer->Tick = [&] { ticks.push_back(clock.Now()); };
 
-    clock.Advance(500);  // interval 0: stopped although enabled
+    bench.Advance(500);  // interval 0: stopped although enabled
     EXPECT_TRUE(ticks.empty());
     timer->Interval(100);
-    clock.Advance(350);
+    bench.Advance(350);
     EXPECT_EQ(ticks, (std::vector<std::int64_t>{600, 700, 800}));
 
     // A new interval starts the count from now.
     timer->Interval(200);
-    clock.Advance(250);
+    bench.Advance(250);
     EXPECT_EQ(ticks.back(), 1050);
     timer->Enabled(false);
-    clock.Advance(1000);
+    bench.Advance(1000);
     EXPECT_EQ(ticks.size(), 4u);
     timer->Enabled(true);
-    clock.Advance(200);
+    bench.Advance(200);
     EXPECT_EQ(ticks.back(), 2300);
 
     // A tick may stop its own timer.
@@ -35,7 +35,7 @@ TEST(TimerTest, TicksOnTheVirtualClockOnlyWhileRunning) {
         ticks.push_back(clock.Now());
         timer->Enabled(false);
     };
-    clock.Advance(1000);
+    bench.Advance(1000);
     EXPECT_EQ(ticks.back(), 2500);
     EXPECT_EQ(ticks.size(), 6u);
 
@@ -45,7 +45,7 @@ TEST(TimerTest, TicksOnTheVirtualClockOnlyWhileRunning) {
 
     timer->Enabled(true);
     timer.reset();
-    EXPECT_EQ(clock.NextDue(), -1);
+    EXPECT_EQ(bench.platform.driver().NextDue(), -1);
 }
 
 }  // namespace

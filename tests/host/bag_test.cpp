@@ -86,20 +86,13 @@ TEST(JsonPropertyBag, JsonRoundTripsEveryValueKind) {
     auto picture = std::make_shared<StdPicture>(PictureType::Icon, 3, 2,
                                                 std::vector<std::uint32_t>{0xFF000000, 0x00FFFFFF, 0xFF123456,
                                                                            0x80ABCDEF, 0, 0xFFFFFFFF});
+    const std::pair<const char*, Variant> values[] = {
+        {"Empty", Variant()}, {"Boolean", true}, {"Integer", std::int16_t{-32768}},
+        {"Long", 2147483647}, {"Color", Variant(0x8000000Fu)}, {"Single", 1.1f},
+        {"Double", 2.0}, {"String", "Grüße \"quoted\"\nline"}, {"Font", font},
+        {"Picture", picture}, {"Nothing", Variant::Nothing()}, {"Missing", Variant::Missing()}};
     JsonPropertyBag bag;
-    bag.WriteProperty("Empty", Variant());
-    bag.WriteProperty("Boolean", true);
-    bag.WriteProperty("Integer", std::int16_t{-32768});
-    bag.WriteProperty("Long", 2147483647);
-    bag.WriteProperty("Color", Variant(0x8000000Fu));
-    bag.WriteProperty("Single", 1.1f);
-    bag.WriteProperty("Double", 2.0);
-    bag.WriteProperty("String", "Grüße \"quoted\"\nline");
-    bag.WriteProperty("Font", font);
-    bag.WriteProperty("Picture", picture);
-    bag.WriteProperty("Nothing", Variant::Nothing());
-    bag.WriteProperty("Missing", Variant::Missing());
-
+    for (const auto& [name, value] : values) bag.WriteProperty(name, value);
     const JsonPropertyBag back = JsonPropertyBag::FromJson(bag.ToJson());
     EXPECT_EQ(back, bag) << bag.ToJson();
     EXPECT_EQ(back.ReadProperty("Single").Kind(), VarKind::Single);
@@ -120,11 +113,14 @@ TEST(JsonPropertyBag, JsonWrittenByHandIsRead) {
 }
 
 TEST(JsonPropertyBag, MalformedJsonIsAClearError) {
-    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson("{"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson("[1]"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson(R"({"X": {"Unknown": 1}})"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson(R"({"X": {"Integer": 40000}})"); }), 380);
-    EXPECT_EQ(ErrorOf([] { (void)JsonPropertyBag::FromJson(R"({"P": {"Picture": {"Width": 2, "Height": 2, "Pixels": "AAAAAA=="}}})"); }), 481);
+    const std::pair<const char*, int> cases[] = {
+        {"{", 380},
+        {"[1]", 380},
+        {R"({"X": {"Unknown": 1}})", 380},
+        {R"({"X": {"Integer": 40000}})", 380},
+        {R"({"P": {"Picture": {"Width": 2, "Height": 2, "Pixels": "AAAAAA=="}}})", 481}};
+    for (const auto& [text, error] : cases)
+        EXPECT_EQ(ErrorOf([&] { (void)JsonPropertyBag::FromJson(text); }), error) << text;
 }
 
 TEST(JsonPropertyBag, ObjectsThatCannotPersistAreRefused) {

@@ -8,6 +8,7 @@
 #include "host/form_file.hpp"
 #include "base/error.hpp"
 #include "probe_control.hpp"
+#include "support/bench.hpp"
 
 using namespace korvex::host;
 using korvex::test::pMode;
@@ -17,34 +18,13 @@ using korvex::test::ErrorOf;
 
 namespace {
 
-// Records what the container's controls raise and report, as a script runner prints it.
-class Recorder final : public EventSink {
-public:
-    void OnEvent(Site& site, const EventInfo& event, std::span<Variant> args) override {
-        std::string line = site.Name() + "." + event.name + "(";
-        for (std::size_t i = 0; i < args.size(); ++i) line += (i ? ", " : "") + DisplayText(args[i]);
-        lines.push_back(line + ")");
-        if (onEvent) onEvent(event, args);
-    }
-    void OnPropertyChanged(Site& site, std::string_view property) override {
-        lines.push_back("changed " + site.Name() + "." + std::string(property));
-    }
-    std::vector<std::string> lines;
-    std::function<void(const EventInfo&, std::span<Variant>)> onEvent;
-};
-
-class ContractTest : public ::testing::Test {
+class ContractTest : public ::testing::Test, public korvex::test::HostBench {
 protected:
-    ContractTest() {
-        context.Classes().Register(Probe::Class());
-        form.SetSink(&recorder);
-    }
-    Probe& ProbeNamed(const std::string& name) { return static_cast<Probe&>(form.Get(name).GetControl()); }
-    Site& AddProbe(const std::string& name) { return form.Add("Korvex_Tools.Probe", {name, 120, 240, 1500, 450}); }
+    ContractTest() : HostBench({Probe::Class()}) { form.SetSink(&recorder); }
+    Probe& ProbeNamed(const std::string& name) { return Control<Probe>(name); }
+    Site& AddProbe(const std::string& name) { return Add("Korvex_Tools.Probe", {name, 120, 240, 1500, 450}); }
 
-    HostContext context;
-    Container form{context};
-    Recorder recorder;
+    korvex::test::EventLog recorder;
 };
 
 TEST_F(ContractTest, NewControlGoesThroughInitPropertiesAndWritesNothing) {
@@ -95,15 +75,6 @@ TEST_F(ContractTest, LetSaveRestoreRoundTripsEveryProperty) {
     EXPECT_EQ(form.SaveBag(form.Get("Probe2")), bag);
 }
 
-TEST_F(ContractTest, ValueEqualToWriteDefaultComesBackAsReadDefault) {
-    Site& site = AddProbe("Probe1");
-    ProbeNamed("Probe1").BackColorP(Probe::kWriteDefaultColor);
-    const JsonPropertyBag bag = form.SaveBag(site);
-    EXPECT_FALSE(bag.Contains("BackColorP"));
-    form.Restore("Korvex_Tools.Probe", {"Probe2"}, bag);
-    EXPECT_EQ(ProbeNamed("Probe2").BackColorP(), Probe::kReadDefaultColor);
-}
-
 TEST_F(ContractTest, BagOfTheWrongTypeFailsTheRestoreAndLeavesTheFormAlone) {
     JsonPropertyBag bad;
     bad.WriteProperty("Value", "not a number");
@@ -152,9 +123,10 @@ TEST_F(ContractTest, HandlersChangeByReferenceArguments) {
     EXPECT_EQ(probe.PressKey('c'), 'c');
     probe.Press(1, 2, 1.5f, 30);
     probe.Click();
-    EXPECT_EQ(recorder.lines, (std::vector<std::string>{"Probe1.KeyPress(97)", "Probe1.KeyPress(98)",
-                                                        "Probe1.KeyPress(99)", "Probe1.MouseDown(1, 2, 1.5, 30)",
-                                                        "Probe1.Click()"}));
+    EXPECT_EQ(recorder.lines, (std::vector<std::string>{"event Probe1.KeyPress(97)", "event Probe1.KeyPress(98)",
+                                                        "event Probe1.KeyPress(99)",
+                                                        "event Probe1.MouseDown(1, 2, 1.5, 30)",
+                                                        "event Probe1.Click()"}));
 }
 
 TEST_F(ContractTest, LateBindingByName) {
@@ -217,13 +189,6 @@ TEST_F(ContractTest, AmbientFontIsSharedByReference) {
     ASSERT_EQ(a.Font(), b.Font());
     a.Font()->Bold(true);
     EXPECT_TRUE(b.Font()->Bold());
-}
-
-TEST(MousePointer, CustomWithoutIconShowsTheDefault) {
-    EXPECT_EQ(EffectiveMousePointer(99, nullptr), 0);
-    auto icon = std::make_shared<StdPicture>(PictureType::Icon, 1, 1, std::vector<std::uint32_t>{0xFF000000});
-    EXPECT_EQ(EffectiveMousePointer(99, icon), 99);
-    EXPECT_EQ(EffectiveMousePointer(11, nullptr), 11);
 }
 
 TEST_F(ContractTest, FormFileRoundTripsWithNesting) {

@@ -5,13 +5,13 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <functional>
 #include <string>
 #include <vector>
 
 #include "platform/sim/sim_gdi.hpp"
 #include "sha1.hpp"
+#include "support/shot.hpp"
 
 namespace korvex::platform {
 namespace {
@@ -53,40 +53,26 @@ const std::vector<Quad> kRects = {
     {120, 20, 121, 30}, {130, 20, 132, 30}, {140, 20, 143, 30}, {200, 20, 210, 21},
     {200, 30, 210, 32}, {200, 40, 210, 43}};
 
-struct Scene {
-    SimGdi gdi;
-    HDC dc;
-    HBITMAP bitmap;
-    PixelView view;
-    HPEN solidPen, dashPen;
-    HBRUSH solidBrush;
-    HRGN clip;
+struct Scene : test::Canvas {
+    HPEN solidPen = gdi.CreatePen(PS_SOLID, 1, RGB(0, 0, 0xFF));
+    HPEN dashPen = gdi.CreatePen(PS_DASH, 1, RGB(0xFF, 0, 0));
+    HBRUSH solidBrush = gdi.CreateSolidBrush(RGB(0x33, 0xAA, 0xFF));
+    HRGN clip = gdi.CreateRectRgn(10, 10, 200, 20);
 
-    Scene() {
-        dc = gdi.CreateCompatibleDC(HDC{});
-        bitmap = gdi.CreateDIBSection32(512, 512);
-        gdi.SelectObject(dc, bitmap);
-        view = gdi.BitmapPixels(bitmap);
-        solidPen = gdi.CreatePen(PS_SOLID, 1, RGB(0, 0, 0xFF));
-        dashPen = gdi.CreatePen(PS_DASH, 1, RGB(0xFF, 0, 0));
-        solidBrush = gdi.CreateSolidBrush(RGB(0x33, 0xAA, 0xFF));
-        clip = gdi.CreateRectRgn(10, 10, 200, 20);
-        const HRGN b = gdi.CreateRectRgn(100, 100, 200, 200);
-        const HRGN c = gdi.CreateRectRgn(290, 100, 300, 200);
-        gdi.CombineRgn(clip, clip, b, RGN_OR);
-        gdi.CombineRgn(clip, clip, c, RGN_OR);
-        gdi.DeleteObject(b);
-        gdi.DeleteObject(c);
+    Scene() : Canvas(512, 512) {
+        for (const RECT& r : {RECT{100, 100, 200, 200}, RECT{290, 100, 300, 200}}) {
+            const HRGN part = gdi.CreateRectRgn(r.left, r.top, r.right, r.bottom);
+            gdi.CombineRgn(clip, clip, part, RGN_OR);
+            gdi.DeleteObject(part);
+        }
     }
-
-    void Reset() { std::fill_n(view.bits, 512 * 512, 0xCCCCCCCCu); }
 
     std::string Hash() const {
         testing::Sha1 sha;
         std::vector<std::uint8_t> row(512 * 4);
         for (std::int32_t y = 511; y >= 0; --y) {
             for (std::int32_t x = 0; x < 512; ++x) {
-                const std::uint32_t p = view.bits[y * 512 + x];
+                const std::uint32_t p = Raw(x, y);
                 for (int k = 0; k < 4; ++k) row[static_cast<std::size_t>(4 * x + k)] = static_cast<std::uint8_t>(p >> (8 * k));
             }
             sha.Update(row.data(), row.size());
@@ -98,16 +84,6 @@ struct Scene {
         for (const Quad& l : lines) {
             gdi.MoveToEx(dc, l.a, l.b, nullptr);
             gdi.LineTo(dc, l.c, l.d);
-        }
-    }
-
-    // Writes the buffer as a PPM next to the build so a failing step can be looked at.
-    void Dump(const std::string& name) const {
-        std::ofstream out(std::string(KORVEX_BINARY_DIR) + "/dib_hash_" + name + ".ppm", std::ios::binary);
-        out << "P6\n512 512\n255\n";
-        for (std::int32_t i = 0; i < 512 * 512; ++i) {
-            const std::uint32_t p = view.bits[i];
-            out.put(static_cast<char>(p >> 16)).put(static_cast<char>(p >> 8)).put(static_cast<char>(p));
         }
     }
 };
@@ -206,12 +182,9 @@ const std::vector<Step>& Steps() {
 TEST(DibConformance, EveryStepMatchesItsPublishedDigest) {
     Scene scene;
     for (const Step& step : Steps()) {
-        scene.Reset();
+        scene.Fill(test::kSentinelPixel);
         step.draw(scene);
-        const std::string got = scene.Hash();
-        EXPECT_EQ(got, step.sha1) << "step '" << step.name << "' differs; the buffer is in "
-                                  << KORVEX_BINARY_DIR << "/dib_hash_" << step.name << ".ppm";
-        if (got != step.sha1) scene.Dump(step.name);
+        EXPECT_EQ(scene.Hash(), step.sha1) << "step '" << step.name << "'";
     }
 }
 

@@ -5,19 +5,20 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "sim_canvas.hpp"
+#include "support/shot.hpp"
 
 namespace korvex::platform {
 namespace {
 
-using testing::SameRows;
-using testing::SimCanvas;
-
-using Rows = std::vector<std::string>;
+using test::kSentinelPixel;
+using test::Rows;
+using test::SameRows;
+using SimCanvas = test::Canvas;
 
 // Scheme colours made distinct, so each stroke of an edge is visible on its own.
 constexpr COLORREF kLight = RGB(1, 1, 1), kDark = RGB(2, 2, 2), kShadow = RGB(3, 3, 3),
@@ -33,47 +34,50 @@ void UseDistinctScheme(sim::SimGdi& gdi) {
     ASSERT_TRUE(gdi.SetSysColors(idx, col));
 }
 
-Rows Edge(unsigned edge, unsigned flags, bool* result = nullptr) {
+Rows Edge(unsigned edge, unsigned flags, int rop2 = R2_COPYPEN, bool* result = nullptr) {
     SimCanvas c(7, 5);
     UseDistinctScheme(c.gdi);
+    c.gdi.SetROP2(c.dc, rop2);
     RECT r{0, 0, 7, 5};
     const bool ok = c.gdi.DrawEdge(c.dc, &r, edge, flags);
     if (result) *result = ok;
     return c.Map(kEdgeLegend);
 }
 
-TEST(DrawEdge, RingsOfEveryEdgeKindWithMiddle) {
+TEST(DrawEdge, RingsOfEveryEdgeKindAndFlag) {
+    struct Case {
+        unsigned edge, flags;
+        Rows want;
+        int rop2 = R2_COPYPEN;
+    };
     const unsigned f = BF_RECT | BF_MIDDLE;
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, f), {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_SUNKEN, f), {"SSSSSSH", "SDDDDLH", "SDFFFLH", "SLLLLLH", "HHHHHHH"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_ETCHED, f), {"SSSSSSH", "SHHHHSH", "SHFFFSH", "SSSSSSH", "HHHHHHH"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_BUMP, f), {"LLLLLLD", "LDDDDLD", "LDFFFLD", "LLLLLLD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(BDR_RAISEDOUTER, f), {"LLLLLLD", "LFFFFFD", "LFFFFFD", "LFFFFFD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(BDR_SUNKENOUTER, f), {"SSSSSSH", "SFFFFFH", "SFFFFFH", "SFFFFFH", "HHHHHHH"}));
-}
-
-TEST(DrawEdge, LoneInnerFlagPaintsTheOuterRing) {
-    const unsigned f = BF_RECT | BF_MIDDLE;
-    EXPECT_TRUE(SameRows(Edge(BDR_RAISEDINNER, f), {"HHHHHHS", "HFFFFFS", "HFFFFFS", "HFFFFFS", "SSSSSSS"}));
-    EXPECT_TRUE(SameRows(Edge(BDR_SUNKENINNER, f), {"DDDDDDL", "DFFFFFL", "DFFFFFL", "DFFFFFL", "LLLLLLL"}));
-}
-
-TEST(DrawEdge, InnerStrokesRunToTheFarEdgeWhenOnlyTwoSidesAreDrawn) {
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_TOPLEFT), {"LLLLLLL", "LHHHHHH", "LH.....", "LH.....", "LH....."}));
-}
-
-TEST(DrawEdge, SoftFlatAndMonoVariants) {
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_RECT | BF_SOFT | BF_MIDDLE),
-                         {"HHHHHHD", "HLLLLSD", "HLFFFSD", "HSSSSSD", "DDDDDDD"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_SUNKEN, BF_RECT | BF_FLAT | BF_MIDDLE),
-                         {"SSSSSSS", "SFFFFFS", "SFFFFFS", "SFFFFFS", "SSSSSSS"}));
-    EXPECT_TRUE(SameRows(Edge(EDGE_RAISED, BF_RECT | BF_MONO),
-                         {"KKKKKKK", "KWWWWWK", "KW...WK", "KWWWWWK", "KKKKKKK"}));
+    const Case cases[] = {
+        {EDGE_RAISED, f, {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}},
+        {EDGE_SUNKEN, f, {"SSSSSSH", "SDDDDLH", "SDFFFLH", "SLLLLLH", "HHHHHHH"}},
+        {EDGE_ETCHED, f, {"SSSSSSH", "SHHHHSH", "SHFFFSH", "SSSSSSH", "HHHHHHH"}},
+        {EDGE_BUMP, f, {"LLLLLLD", "LDDDDLD", "LDFFFLD", "LLLLLLD", "DDDDDDD"}},
+        {BDR_RAISEDOUTER, f, {"LLLLLLD", "LFFFFFD", "LFFFFFD", "LFFFFFD", "DDDDDDD"}},
+        {BDR_SUNKENOUTER, f, {"SSSSSSH", "SFFFFFH", "SFFFFFH", "SFFFFFH", "HHHHHHH"}},
+        // A lone inner flag paints the outer ring.
+        {BDR_RAISEDINNER, f, {"HHHHHHS", "HFFFFFS", "HFFFFFS", "HFFFFFS", "SSSSSSS"}},
+        {BDR_SUNKENINNER, f, {"DDDDDDL", "DFFFFFL", "DFFFFFL", "DFFFFFL", "LLLLLLL"}},
+        // With two sides only, the inner strokes run to the far edge.
+        {EDGE_RAISED, BF_TOPLEFT, {"LLLLLLL", "LHHHHHH", "LH.....", "LH.....", "LH....."}},
+        {EDGE_RAISED, f | BF_SOFT, {"HHHHHHD", "HLLLLSD", "HLFFFSD", "HSSSSSD", "DDDDDDD"}},
+        {EDGE_SUNKEN, f | BF_FLAT, {"SSSSSSS", "SFFFFFS", "SFFFFFS", "SFFFFFS", "SSSSSSS"}},
+        {EDGE_RAISED, BF_RECT | BF_MONO, {"KKKKKKK", "KWWWWWK", "KW...WK", "KWWWWWK", "KKKKKKK"}},
+        // The ROP2 is ignored.
+        {EDGE_RAISED, f, {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}, R2_XORPEN},
+    };
+    for (const Case& c : cases)
+        EXPECT_TRUE(SameRows(Edge(c.edge, c.flags, c.rop2), c.want))
+            << "edge " << c.edge << " flags " << c.flags << " rop2 " << c.rop2;
 }
 
 TEST(DrawEdge, InvalidCombinationsFailAndSkipTheMiddleWhileAdjustShrinksByTheRings) {
     bool ok = true;
-    const Rows both = Edge(BDR_RAISEDOUTER | BDR_SUNKENOUTER | BDR_RAISEDINNER, BF_RECT | BF_MIDDLE, &ok);
+    const Rows both =
+        Edge(BDR_RAISEDOUTER | BDR_SUNKENOUTER | BDR_RAISEDINNER, BF_RECT | BF_MIDDLE, R2_COPYPEN, &ok);
     EXPECT_FALSE(ok);
     EXPECT_EQ(both[2][3], '.') << "no middle for an invalid combination";
 
@@ -98,72 +102,58 @@ TEST(DrawEdge, DiagonalRunsFromTheBottomLeftToTheTopRightCorner) {
     EXPECT_EQ(cp, (POINT{0, 0})) << "the current position is put back";
 }
 
-TEST(DrawEdge, IgnoresTheRop2) {
-    SimCanvas c(7, 5);
-    UseDistinctScheme(c.gdi);
-    c.gdi.SetROP2(c.dc, R2_XORPEN);
-    RECT r{0, 0, 7, 5};
-    c.gdi.DrawEdge(c.dc, &r, EDGE_RAISED, BF_RECT | BF_MIDDLE);
-    EXPECT_TRUE(SameRows(c.Map(kEdgeLegend), {"LLLLLLD", "LHHHHSD", "LHFFFSD", "LSSSSSD", "DDDDDDD"}));
-}
-
 // ---------------------------------------------------------------------------------------------
 // Rectangles, round shapes and regions
 
 constexpr COLORREF kPen = RGB(0, 0, 0xFF), kBrush = RGB(0x33, 0xAA, 0xFF);
 const std::map<COLORREF, char> kShapeLegend = {{kPen, '#'}, {kBrush, 'o'}};
 
-struct ShapeCanvas : SimCanvas {
-    ShapeCanvas(std::int32_t w, std::int32_t h, bool pen = true) : SimCanvas(w, h) {
-        gdi.SelectObject(dc, pen ? gdi.CreatePen(PS_SOLID, 1, kPen) : gdi.GetStockObject(NULL_PEN));
-        gdi.SelectObject(dc, gdi.CreateSolidBrush(kBrush));
+// Draws on a canvas with a pen (none for NULL_PEN) and the test brush selected.
+Rows Shape(std::int32_t w, std::int32_t h, int penStyle, std::int32_t penWidth,
+           const std::function<void(sim::SimGdi&, HDC)>& draw) {
+    SimCanvas c(w, h);
+    c.gdi.SelectObject(c.dc, penWidth ? c.gdi.CreatePen(penStyle, penWidth, kPen) : c.gdi.GetStockObject(NULL_PEN));
+    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
+    draw(c.gdi, c.dc);
+    return c.Map(kShapeLegend);
+}
+
+TEST(Shapes, OutlinesInteriorsAndRoundCorners) {
+    struct Case {
+        const char* name;
+        int penStyle;
+        std::int32_t penWidth;
+        std::function<void(sim::SimGdi&, HDC)> draw;
+        Rows want;  // the canvas is as large as the picture
+    };
+    // clang-format off
+    const Case cases[] = {
+        {"null pen: the fill is one pixel short on the right and bottom; corners normalised", PS_SOLID, 0,
+         [](sim::SimGdi& g, HDC dc) { EXPECT_TRUE(g.Rectangle(dc, 5, 4, 1, 1)); },
+         {"......", ".ooo..", ".ooo..", "......", "......"}},
+        {"outline inside the rect; one by one draws nothing", PS_SOLID, 1,
+         [](sim::SimGdi& g, HDC dc) { g.Rectangle(dc, 1, 1, 5, 4); g.Rectangle(dc, 0, 4, 1, 5); },
+         {"......", ".####.", ".#oo#.", ".####.", "......"}},
+        {"inside-frame wide pen stays inside, with the pen's round joins at the corners", PS_INSIDEFRAME, 3,
+         [](sim::SimGdi& g, HDC dc) { g.Rectangle(dc, 0, 0, 10, 8); },
+         {".########.", "##########", "##########", "###oooo###", "###oooo###", "##########", "##########",
+          ".########."}},
+        {"wide outline: round corners, the interior comes out of it", PS_SOLID, 5,
+         [](sim::SimGdi& g, HDC dc) { g.Rectangle(dc, 3, 3, 13, 10); },
+         {"................", "..############..", ".##############.", ".##############.", ".##############.",
+          ".##############.", ".#####oooo#####.", ".##############.", ".##############.", ".##############.",
+          ".##############.", "..############..", "................"}},
+        {"round rect", PS_SOLID, 1, [](sim::SimGdi& g, HDC dc) { g.RoundRect(dc, 0, 0, 10, 8, 4, 4); },
+         {".########.", "#oooooooo#", "#oooooooo#", "#oooooooo#", "#oooooooo#", "#oooooooo#", "#oooooooo#",
+          ".########."}},
+        {"ellipse", PS_SOLID, 1, [](sim::SimGdi& g, HDC dc) { g.Ellipse(dc, 0, 0, 9, 7); },
+         {"..#####..", ".#ooooo#.", "#ooooooo#", "#ooooooo#", "#ooooooo#", ".#ooooo#.", "..#####.."}},
+    };
+    // clang-format on
+    for (const Case& c : cases) {
+        const auto w = static_cast<std::int32_t>(c.want[0].size()), h = static_cast<std::int32_t>(c.want.size());
+        EXPECT_TRUE(SameRows(Shape(w, h, c.penStyle, c.penWidth, c.draw), c.want)) << c.name;
     }
-};
-
-TEST(Rectangle, NullPenFillsOnePixelShortOnTheRightAndBottom) {
-    ShapeCanvas c(6, 5, false);
-    EXPECT_TRUE(c.gdi.Rectangle(c.dc, 5, 4, 1, 1));  // swapped corners are normalised
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"......", ".ooo..", ".ooo..", "......", "......"}));
-}
-
-TEST(Rectangle, OutlineInsideTheRectAndOneByOneDrawsNothing) {
-    ShapeCanvas c(6, 5);
-    c.gdi.Rectangle(c.dc, 1, 1, 5, 4);
-    c.gdi.Rectangle(c.dc, 0, 4, 1, 5);
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {"......", ".####.", ".#oo#.", ".####.", "......"}));
-}
-
-TEST(Rectangle, InsideFrameWidePenStaysInsideTheRect) {
-    SimCanvas c(10, 8);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_INSIDEFRAME, 3, kPen));
-    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
-    c.gdi.Rectangle(c.dc, 0, 0, 10, 8);
-    // The corners are the pen's round joins, so the outer corner pixels stay untouched.
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend), {".########.", "##########", "##########", "###oooo###",
-                                               "###oooo###", "##########", "##########", ".########."}));
-}
-
-TEST(Rectangle, WideOutlineHasRoundCornersAndTheInteriorComesOutOfIt) {
-    SimCanvas c(16, 13);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 5, kPen));
-    c.gdi.SelectObject(c.dc, c.gdi.CreateSolidBrush(kBrush));
-    c.gdi.Rectangle(c.dc, 3, 3, 13, 10);
-    EXPECT_TRUE(SameRows(c.Map(kShapeLegend),
-                         {"................", "..############..", ".##############.", ".##############.",
-                          ".##############.", ".##############.", ".#####oooo#####.", ".##############.",
-                          ".##############.", ".##############.", ".##############.", "..############..",
-                          "................"}));
-}
-
-TEST(RoundShapes, RoundRectAndEllipseCoverTheirBoxWithRoundedCorners) {
-    ShapeCanvas rr(10, 8);
-    rr.gdi.RoundRect(rr.dc, 0, 0, 10, 8, 4, 4);
-    EXPECT_TRUE(SameRows(rr.Map(kShapeLegend), {".########.", "#oooooooo#", "#oooooooo#", "#oooooooo#",
-                                                "#oooooooo#", "#oooooooo#", "#oooooooo#", ".########."}));
-    ShapeCanvas el(9, 7);
-    el.gdi.Ellipse(el.dc, 0, 0, 9, 7);
-    EXPECT_TRUE(SameRows(el.Map(kShapeLegend), {"..#####..", ".#ooooo#.", "#ooooooo#", "#ooooooo#",
-                                                "#ooooooo#", ".#ooooo#.", "..#####.."}));
 }
 
 Rows RegionMap(std::int32_t w, std::int32_t h, HRGN (*make)(sim::SimGdi&)) {
@@ -232,20 +222,24 @@ TEST(Regions, CombineOffsetAndQueries) {
     sim::SimGdi gdi;
     const HRGN a = gdi.CreateRectRgn(0, 0, 10, 10), b = gdi.CreateRectRgn(5, 5, 15, 15);
     const HRGN out = gdi.CreateRectRgn(0, 0, 0, 0);
+    const struct {
+        int mode, type;
+        RECT box;
+        POINT in, out;
+    } cases[] = {
+        {RGN_AND, SIMPLEREGION, {5, 5, 10, 10}, {9, 9}, {4, 4}},
+        {RGN_OR, COMPLEXREGION, {0, 0, 15, 15}, {14, 14}, {12, 2}},
+        {RGN_DIFF, COMPLEXREGION, {0, 0, 10, 10}, {4, 9}, {5, 5}},
+        {RGN_XOR, COMPLEXREGION, {0, 0, 15, 15}, {14, 14}, {7, 7}},
+    };
     RECT box;
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_AND), SIMPLEREGION);
-    EXPECT_EQ(gdi.GetRgnBox(out, &box), SIMPLEREGION);
-    EXPECT_EQ(box, (RECT{5, 5, 10, 10}));
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_OR), COMPLEXREGION);
-    EXPECT_EQ(gdi.GetRgnBox(out, &box), COMPLEXREGION);
-    EXPECT_EQ(box, (RECT{0, 0, 15, 15}));
-    EXPECT_FALSE(gdi.PtInRegion(out, 12, 2));
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_DIFF), COMPLEXREGION);
-    EXPECT_TRUE(gdi.PtInRegion(out, 4, 9));
-    EXPECT_FALSE(gdi.PtInRegion(out, 5, 5));
-    EXPECT_EQ(gdi.CombineRgn(out, a, b, RGN_XOR), COMPLEXREGION);
-    EXPECT_TRUE(gdi.PtInRegion(out, 14, 14));
-    EXPECT_FALSE(gdi.PtInRegion(out, 7, 7));
+    for (const auto& c : cases) {
+        EXPECT_EQ(gdi.CombineRgn(out, a, b, c.mode), c.type) << "mode " << c.mode;
+        EXPECT_EQ(gdi.GetRgnBox(out, &box), c.type) << "mode " << c.mode;
+        EXPECT_EQ(box, c.box) << "mode " << c.mode;
+        EXPECT_TRUE(gdi.PtInRegion(out, c.in.x, c.in.y)) << "mode " << c.mode;
+        EXPECT_FALSE(gdi.PtInRegion(out, c.out.x, c.out.y)) << "mode " << c.mode;
+    }
     EXPECT_EQ(gdi.CombineRgn(out, a, HRGN{}, RGN_COPY), SIMPLEREGION);
     EXPECT_EQ(gdi.OffsetRgn(out, 3, -2), SIMPLEREGION);
     EXPECT_EQ(gdi.GetRgnBox(out, &box), SIMPLEREGION);
@@ -265,7 +259,7 @@ TEST(Regions, FrameRgnPaintsARingInsideAndHonoursTheRop2) {
                                                   ".##....##.", ".##....##.", ".########.", ".........."}));
     c.gdi.SetROP2(c.dc, R2_NOT);
     c.gdi.PaintRgn(c.dc, r);
-    EXPECT_EQ(c.Raw(3, 3), ~testing::kSentinelPixel);
+    EXPECT_EQ(c.Raw(3, 3), ~kSentinelPixel);
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -283,7 +277,7 @@ struct BlitPair {
         gdi.SelectObject(dst, b);
         s = gdi.BitmapPixels(a);
         d = gdi.BitmapPixels(b);
-        std::fill_n(d.bits, dw * dh, testing::kSentinelPixel);
+        std::fill_n(d.bits, dw * dh, kSentinelPixel);
     }
 };
 
@@ -369,11 +363,11 @@ TEST(StretchBlt, NegativeExtentsIncludeTheAnchorAndMirror) {
     std::copy_n(px, 3, p.s.bits);
     // Destination x = 3 going left over three pixels: covers 1..3, mirrored.
     p.gdi.StretchBlt(p.dst, 3, 0, -3, 1, p.src, 0, 0, 3, 1, SRCCOPY);
-    EXPECT_EQ(p.d.bits[0], testing::kSentinelPixel);
+    EXPECT_EQ(p.d.bits[0], kSentinelPixel);
     EXPECT_EQ(p.d.bits[1], 3u);
     EXPECT_EQ(p.d.bits[2], 2u);
     EXPECT_EQ(p.d.bits[3], 1u);
-    EXPECT_EQ(p.d.bits[4], testing::kSentinelPixel);
+    EXPECT_EQ(p.d.bits[4], kSentinelPixel);
 }
 
 TEST(BitBlt, RasterOpsCombineSourceDestinationAndBrush) {
@@ -406,25 +400,37 @@ TEST(BitBlt, RasterOpsCombineSourceDestinationAndBrush) {
 // ROP2 and the primitives that honour or ignore it
 
 TEST(Rop2, AllSixteenCodesOverAKnownBackground) {
-    const std::uint32_t background = 0x5A3CC396;  // top byte set: ROP2 works on the whole word
-    const COLORREF pen = RGB(0x12, 0x34, 0xF0);
-    const std::uint32_t p = 0x001234F0;
+    // Each code's definition in pen P and destination D, over a background with its top byte
+    // set: ROP2 works on the whole word.
+    using Mix = std::uint32_t (*)(std::uint32_t, std::uint32_t);
+    const std::array<Mix, 16> mixes = {
+        [](std::uint32_t, std::uint32_t) { return 0u; },
+        [](std::uint32_t p, std::uint32_t d) { return ~(p | d); },
+        [](std::uint32_t p, std::uint32_t d) { return ~p & d; },
+        [](std::uint32_t p, std::uint32_t) { return ~p; },
+        [](std::uint32_t p, std::uint32_t d) { return p & ~d; },
+        [](std::uint32_t, std::uint32_t d) { return ~d; },
+        [](std::uint32_t p, std::uint32_t d) { return p ^ d; },
+        [](std::uint32_t p, std::uint32_t d) { return ~(p & d); },
+        [](std::uint32_t p, std::uint32_t d) { return p & d; },
+        [](std::uint32_t p, std::uint32_t d) { return ~(p ^ d); },
+        [](std::uint32_t, std::uint32_t d) { return d; },
+        [](std::uint32_t p, std::uint32_t d) { return ~p | d; },
+        [](std::uint32_t p, std::uint32_t) { return p; },
+        [](std::uint32_t p, std::uint32_t d) { return p | ~d; },
+        [](std::uint32_t p, std::uint32_t d) { return p | d; },
+        [](std::uint32_t, std::uint32_t) { return ~0u; }};
+    const std::uint32_t background = 0x5A3CC396, pen = 0x001234F0;
     SimCanvas c(6, 16);
     c.Fill(background);
-    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 1, pen));
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 1, RGB(0x12, 0x34, 0xF0)));
     for (int code = R2_BLACK; code <= R2_WHITE; ++code) {
         c.gdi.SetROP2(c.dc, code);
         c.gdi.MoveToEx(c.dc, 0, code - 1, nullptr);
         c.gdi.LineTo(c.dc, 4, code - 1);
-    }
-    for (int code = R2_BLACK; code <= R2_WHITE; ++code) {
-        // Result bit = bit (2*P + D) of code - 1.
-        std::uint32_t want = 0;
-        for (unsigned b = 0; b < 32; ++b) {
-            const unsigned pb = (p >> b) & 1u, db = (background >> b) & 1u;
-            want |= ((static_cast<unsigned>(code - 1) >> (2 * pb + db)) & 1u) << b;
-        }
-        for (std::int32_t x = 0; x < 4; ++x) EXPECT_EQ(c.Raw(x, code - 1), want) << "code " << code << " x " << x;
+        for (std::int32_t x = 0; x < 4; ++x)
+            EXPECT_EQ(c.Raw(x, code - 1), mixes[static_cast<std::size_t>(code - 1)](pen, background))
+                << std::hex << "code " << code << " x " << x;
         EXPECT_EQ(c.Raw(4, code - 1), background) << "the end point is never drawn (code " << code << ")";
     }
 }
@@ -435,7 +441,7 @@ TEST(Rop2, ShapesRegionsAndPixelsHonourItRectFillsBlitsAndEdgesDoNot) {
     c.gdi.SelectObject(c.dc, brush);
     c.gdi.SelectObject(c.dc, c.gdi.GetStockObject(NULL_PEN));
     c.gdi.SetROP2(c.dc, R2_XORPEN);
-    const std::uint32_t xored = testing::kSentinelPixel ^ 0x00FFFFFFu, copied = 0x00FFFFFFu;
+    const std::uint32_t xored = kSentinelPixel ^ 0x00FFFFFFu, copied = 0x00FFFFFFu;
     c.gdi.Rectangle(c.dc, 0, 0, 3, 2);  // null pen: fills (0,0) and (1,0)
     const HRGN one = c.gdi.CreateRectRgn(2, 0, 3, 1);
     c.gdi.PaintRgn(c.dc, one);
@@ -507,39 +513,39 @@ Rows WideStroke(std::int32_t w, std::int32_t h, std::int32_t width, std::span<co
         c.gdi.Polyline(c.dc, points);
     }
     // Under XOR a pixel hit once shows as 'x'; one hit twice would be back to '.'.
-    return c.Map({{kPen, '#'}, {sim::ToColorRef(sim::ToPixel(kPen) ^ testing::kSentinelPixel), 'x'}});
+    return c.Map({{kPen, '#'}, {sim::ToColorRef(sim::ToPixel(kPen) ^ kSentinelPixel), 'x'}});
 }
 
-TEST(WidePens, AxisLinesHaveRoundCapsReachingPastBothEnds) {
-    // Width 3: the body spans [3, 14) between the end points; each cap is a plus of 3 x 3
-    // centred on its end point, which adds x 14 and the middle row's ends.
-    const POINT h[2] = {{3, 3}, {14, 3}};
-    EXPECT_TRUE(SameRows(WideStroke(18, 7, 3, h),
-                         {"..................", "..................", "...############...", "..##############..",
-                          "...############...", "..................", ".................."}));
-    const POINT v[2] = {{2, 1}, {2, 5}};
-    EXPECT_TRUE(SameRows(WideStroke(5, 8, 3, v),
-                         {"..#..", ".###.", ".###.", ".###.", ".###.", ".###.", "..#..", "....."}));
-}
-
-TEST(WidePens, SlopedLinesAreAPolygonWithRoundedHalfWidths) {
-    const POINT line[2] = {{2, 2}, {12, 6}};
-    EXPECT_TRUE(SameRows(WideStroke(16, 9, 2, line),
-                         {"................", ".##.............", ".#####..........", "..######........",
-                          ".....######.....", ".......######...", "..........###...", "................",
-                          "................"}));
-}
-
-TEST(WidePens, ZeroLengthLineIsARoundDotAndJoinsAreRound) {
-    const POINT dot[2] = {{5, 5}, {5, 5}};
-    EXPECT_TRUE(SameRows(WideStroke(10, 10, 5, dot),
-                         {"..........", "..........", "..........", "....###...", "...#####..", "...#####..",
-                          "...#####..", "....###...", "..........", ".........."}));
-    const POINT vee[3] = {{2, 9}, {6, 3}, {10, 9}};
-    EXPECT_TRUE(SameRows(WideStroke(12, 12, 4, vee),
-                         {"............", ".....##.....", "....#####...", "....######..", "...#######..",
-                          "..#########.", "..##########", ".###########", "######.#####", "######..####",
-                          ".####....##.", "............"}));
+TEST(WidePens, CapsJoinsAndSlopesOfTheStrokeRegion) {
+    struct Case {
+        const char* name;
+        std::int32_t width;
+        std::vector<POINT> points;
+        Rows want;  // the canvas is as large as the picture
+    };
+    // clang-format off
+    const Case cases[] = {
+        // The body spans [3, 14) between the end points; each cap is a plus of 3 x 3 centred on
+        // its end point, which adds x 14 and the middle row's ends.
+        {"horizontal, round caps past both ends", 3, {{3, 3}, {14, 3}},
+         {"..................", "..................", "...############...", "..##############..",
+          "...############...", "..................", ".................."}},
+        {"vertical", 3, {{2, 1}, {2, 5}}, {"..#..", ".###.", ".###.", ".###.", ".###.", ".###.", "..#..", "....."}},
+        {"sloped: a polygon with rounded half widths", 2, {{2, 2}, {12, 6}},
+         {"................", ".##.............", ".#####..........", "..######........", ".....######.....",
+          ".......######...", "..........###...", "................", "................"}},
+        {"zero length: a round dot", 5, {{5, 5}, {5, 5}},
+         {"..........", "..........", "..........", "....###...", "...#####..", "...#####..", "...#####..",
+          "....###...", "..........", ".........."}},
+        {"round join", 4, {{2, 9}, {6, 3}, {10, 9}},
+         {"............", ".....##.....", "....#####...", "....######..", "...#######..", "..#########.",
+          "..##########", ".###########", "######.#####", "######..####", ".####....##.", "............"}},
+    };
+    // clang-format on
+    for (const Case& c : cases) {
+        const auto w = static_cast<std::int32_t>(c.want[0].size()), h = static_cast<std::int32_t>(c.want.size());
+        EXPECT_TRUE(SameRows(WideStroke(w, h, c.width, c.points), c.want)) << c.name;
+    }
 }
 
 TEST(WidePens, OverlappingPiecesAreHitOnceUnderXor) {
@@ -581,7 +587,7 @@ TEST(InvertRect, InvertsEveryBitIgnoringTheRop2) {
     for (std::int32_t y = 0; y < 4; ++y)
         for (std::int32_t x = 0; x < 4; ++x) {
             const bool inside = x >= 1 && x < 3 && y >= 1 && y < 3;
-            EXPECT_EQ(c.Raw(x, y), inside ? 0x33333333u : testing::kSentinelPixel) << x << "," << y;
+            EXPECT_EQ(c.Raw(x, y), inside ? 0x33333333u : kSentinelPixel) << x << "," << y;
         }
 }
 
@@ -627,7 +633,7 @@ TextBox Extents(const SimCanvas& c, COLORREF fg) {
     TextBox box;
     for (std::int32_t y = 0; y < c.view.height; ++y)
         for (std::int32_t x = 0; x < c.view.width; ++x) {
-            if (c.Raw(x, y) == testing::kSentinelPixel) continue;
+            if (c.Raw(x, y) == kSentinelPixel) continue;
             RECT& r = c.At(x, y) == fg ? box.ink : box.any;
             r = {std::min(r.left, x), std::min(r.top, y), std::max(r.right, x + 1), std::max(r.bottom, y + 1)};
         }
@@ -654,12 +660,12 @@ TEST(TextOut, OpaqueBoxIsTheExtentAtTheReferencePoint) {
     EXPECT_GE(box.ink.left, 7);
     EXPECT_LE(box.ink.bottom, 5 + ext.cy);
 
-    c.Fill(testing::kSentinelPixel);
+    c.Fill(kSentinelPixel);
     c.gdi.SetTextAlign(c.dc, TA_RIGHT | TA_BOTTOM);
     c.gdi.TextOut(c.dc, 100, 50, "Hello");
     EXPECT_EQ(Extents(c, kInk).any, (RECT{100 - ext.cx, 50 - ext.cy, 100, 50}));
 
-    c.Fill(testing::kSentinelPixel);
+    c.Fill(kSentinelPixel);
     c.gdi.SetTextAlign(c.dc, TA_CENTER | TA_BASELINE);
     c.gdi.SetBkMode(c.dc, TRANSPARENT);
     c.gdi.TextOut(c.dc, 60, 30, "Hello");

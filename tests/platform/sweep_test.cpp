@@ -10,7 +10,7 @@
 #include <sstream>
 
 #include "platform/sim/region.hpp"
-#include "sim_canvas.hpp"
+#include "support/shot.hpp"
 
 namespace korvex::platform {
 namespace {
@@ -41,7 +41,7 @@ TEST(LineSweep, RandomLinesMatchTheClosedFormUnderRandomClips) {
     std::mt19937 rng(seed);
     auto coord = [&](int lo, int hi) { return std::uniform_int_distribution<int>(lo, hi)(rng); };
     constexpr std::int32_t kSize = 40;
-    testing::SimCanvas c(kSize, kSize);
+    test::Canvas c(kSize, kSize);
     // R2_NOT turns a pixel hit once to ~sentinel and one hit twice back: double hits show too.
     c.gdi.SetROP2(c.dc, R2_NOT);
     int failures = 0;
@@ -57,7 +57,7 @@ TEST(LineSweep, RandomLinesMatchTheClosedFormUnderRandomClips) {
             c.gdi.DeleteObject(extra);
         }
         c.gdi.SelectClipRgn(c.dc, clip);
-        c.Fill(testing::kSentinelPixel);
+        c.Fill(test::kSentinelPixel);
         c.gdi.MoveToEx(c.dc, a.x, a.y, nullptr);
         c.gdi.LineTo(c.dc, b.x, b.y);
 
@@ -71,7 +71,7 @@ TEST(LineSweep, RandomLinesMatchTheClosedFormUnderRandomClips) {
         }
         for (std::int32_t y = 0; y < kSize; ++y)
             for (std::int32_t x = 0; x < kSize; ++x) {
-                const bool got = c.Raw(x, y) != testing::kSentinelPixel;
+                const bool got = c.Raw(x, y) != test::kSentinelPixel;
                 if (got == want[static_cast<std::size_t>(y * kSize + x)]) continue;
                 ADD_FAILURE() << "seed " << seed << " iteration " << iteration << ": line (" << a.x << "," << a.y
                               << ")->(" << b.x << "," << b.y << ")" << (clip ? " clipped" : "") << ", pixel ("

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,6 +10,7 @@
 #include "foundation/images.hpp"
 #include "platform/png.hpp"
 #include "platform/sim/sim_gdi.hpp"
+#include "support/bytes.hpp"
 
 namespace korvex::testing {
 namespace {
@@ -19,6 +19,7 @@ using foundation::EmbossPicture;
 using foundation::LoadIconImage;
 using foundation::LoadResImage;
 using foundation::LR_COLOR;
+using test::Put;
 
 // The sizes each normal group carries; hover (+100) and down (+200) groups carry the same.
 std::vector<std::int32_t> SizesOf(std::int32_t group) {
@@ -27,14 +28,6 @@ std::vector<std::int32_t> SizesOf(std::int32_t group) {
     if (kind == 42) return {14};
     if (kind >= 43 && kind <= 46) return {11};
     return {16};
-}
-
-std::vector<std::int32_t> AllGroups() {
-    std::vector<std::int32_t> groups;
-    for (std::int32_t base : {0, 100, 200}) {
-        for (std::int32_t n = 1; n <= 50; ++n) groups.push_back(base + n);
-    }
-    return groups;
 }
 
 std::uint32_t At(const host::StdPicture& p, std::int32_t x, std::int32_t y) {
@@ -53,19 +46,19 @@ std::int64_t OpaqueBrightness(const host::StdPicture& p) {
 // The library's icon groups
 
 TEST(IconResources, EveryGroupLoadsAtEachOfItsSizes) {
-    for (std::int32_t group : AllGroups()) {
-        for (std::int32_t size : SizesOf(group)) {
-            SCOPED_TRACE("group " + std::to_string(group) + " at " + std::to_string(size));
-            const auto picture = LoadResImage(group, size, LR_COLOR);
-            ASSERT_NE(picture, nullptr);
-            EXPECT_EQ(picture->Type(), host::PictureType::Icon);
-            EXPECT_EQ(picture->PixelWidth(), size);
-            EXPECT_EQ(picture->PixelHeight(), size);
-            const auto& px = picture->Pixels();
-            const auto opaque = std::count_if(px.begin(), px.end(), [](std::uint32_t w) { return (w >> 24) >= 128; });
-            EXPECT_GE(opaque, size * size / 10) << "an image shows something";
-        }
-    }
+    for (std::int32_t base : {0, 100, 200})
+        for (std::int32_t group = base + 1; group <= base + 50; ++group)
+            for (std::int32_t size : SizesOf(group)) {
+                SCOPED_TRACE("group " + std::to_string(group) + " at " + std::to_string(size));
+                const auto picture = LoadResImage(group, size, LR_COLOR);
+                ASSERT_NE(picture, nullptr);
+                EXPECT_EQ(picture->Type(), host::PictureType::Icon);
+                EXPECT_EQ(picture->PixelWidth(), size);
+                EXPECT_EQ(picture->PixelHeight(), size);
+                const auto& px = picture->Pixels();
+                const auto opaque = std::count_if(px.begin(), px.end(), [](std::uint32_t w) { return (w >> 24) >= 128; });
+                EXPECT_GE(opaque, size * size / 10) << "an image shows something";
+            }
 }
 
 TEST(IconResources, GroupsWithTwoSizesHoldTwoDrawingsNotOneScaled) {
@@ -164,58 +157,33 @@ TEST(IconLoader, MissingGroupsGiveNothing) {
 // ---------------------------------------------------------------------------------------------
 // ICO parsing on hand-made files
 
-void Put16(std::vector<std::uint8_t>& b, std::uint32_t v) {
-    b.push_back(static_cast<std::uint8_t>(v));
-    b.push_back(static_cast<std::uint8_t>(v >> 8));
-}
-void Put32(std::vector<std::uint8_t>& b, std::uint32_t v) {
-    Put16(b, v & 0xFFFF);
-    Put16(b, v >> 16);
-}
-
 // A 2 x 2, 24-bit entry: top row red, green; bottom row blue, white; the AND mask makes the
 // top-right pixel transparent.
 std::vector<std::uint8_t> Bmp24() {
     std::vector<std::uint8_t> b;
-    Put32(b, 40);
-    Put32(b, 2);
-    Put32(b, 4);
-    Put16(b, 1);
-    Put16(b, 24);
-    for (int i = 0; i < 6; ++i) Put32(b, 0);
-    // XOR rows bottom-up, each 6 bytes padded to 8: blue, white / red, green (B, G, R order).
-    for (std::uint8_t v : {255, 0, 0, 255, 255, 255, 0, 0}) b.push_back(v);
-    for (std::uint8_t v : {0, 0, 255, 0, 255, 0, 0, 0}) b.push_back(v);
-    // AND rows bottom-up, 4 bytes each.
-    for (std::uint8_t v : {0x00, 0, 0, 0}) b.push_back(v);
-    for (std::uint8_t v : {0x40, 0, 0, 0}) b.push_back(v);
+    Put(b, {40, 2, 4}, 4);  // header size, width, height of XOR and AND bitmaps together
+    Put(b, {1, 24}, 2);
+    Put(b, {0, 0, 0, 0, 0, 0}, 4);
+    // XOR rows bottom-up, each 6 bytes padded to 8: blue, white / red, green (B, G, R order);
+    // then the AND rows bottom-up, 4 bytes each.
+    Put(b, {255, 0, 0, 255, 255, 255, 0, 0, 0, 0, 255, 0, 255, 0, 0, 0}, 1);
+    Put(b, {0, 0, 0, 0, 0x40, 0, 0, 0}, 1);
     return b;
 }
 
-std::vector<std::uint8_t> Ico(const std::vector<std::pair<std::array<std::uint8_t, 2>, std::vector<std::uint8_t>>>& images,
-                              std::uint16_t bits = 24) {
+// An icon file with one 2 x 2 entry.
+std::vector<std::uint8_t> Ico(const std::vector<std::uint8_t>& data, std::uint16_t bits = 24) {
     std::vector<std::uint8_t> ico;
-    Put16(ico, 0);
-    Put16(ico, 1);
-    Put16(ico, static_cast<std::uint32_t>(images.size()));
-    std::uint32_t offset = 6 + 16 * static_cast<std::uint32_t>(images.size());
-    for (const auto& [size, data] : images) {
-        ico.push_back(size[0]);
-        ico.push_back(size[1]);
-        ico.push_back(0);
-        ico.push_back(0);
-        Put16(ico, 1);
-        Put16(ico, bits);
-        Put32(ico, static_cast<std::uint32_t>(data.size()));
-        Put32(ico, offset);
-        offset += static_cast<std::uint32_t>(data.size());
-    }
-    for (const auto& image : images) ico.insert(ico.end(), image.second.begin(), image.second.end());
+    Put(ico, {0, 1, 1}, 2);
+    Put(ico, {2, 2, 0, 0}, 1);
+    Put(ico, {1, bits}, 2);
+    Put(ico, {static_cast<std::uint32_t>(data.size()), 6 + 16}, 4);
+    ico.insert(ico.end(), data.begin(), data.end());
     return ico;
 }
 
 TEST(IconLoader, ReadsBottomUpBitmapsWithTheirMask) {
-    const auto ico = Ico({{{2, 2}, Bmp24()}});
+    const auto ico = Ico(Bmp24());
     const auto picture = LoadIconImage(ico, 2);
     ASSERT_NE(picture, nullptr);
     EXPECT_EQ(At(*picture, 0, 0), 0xFFFF0000u);
@@ -227,7 +195,7 @@ TEST(IconLoader, ReadsBottomUpBitmapsWithTheirMask) {
 TEST(IconLoader, ReadsPngEntries) {
     std::vector<std::uint32_t> bits = {0x00123456, 0x00ABCDEF, 0x00000000, 0x00FFFFFF};
     const auto png = platform::EncodePng(platform::PixelView{bits.data(), 2, 2});
-    const auto ico = Ico({{{2, 2}, png}}, 32);
+    const auto ico = Ico(png, 32);
     const auto picture = LoadIconImage(ico, 2);
     ASSERT_NE(picture, nullptr);
     EXPECT_EQ(At(*picture, 0, 0), 0xFF123456u);
@@ -235,7 +203,7 @@ TEST(IconLoader, ReadsPngEntries) {
 }
 
 TEST(IconLoader, DamagedFilesGiveNothing) {
-    const auto good = Ico({{{2, 2}, Bmp24()}});
+    const auto good = Ico(Bmp24());
     for (std::size_t cut : {std::size_t{0}, std::size_t{5}, std::size_t{21}, std::size_t{40}, good.size() - 1}) {
         const std::vector<std::uint8_t> truncated(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(cut));
         EXPECT_EQ(LoadIconImage(truncated, 2), nullptr) << cut;
@@ -324,52 +292,6 @@ TEST(Emboss, DisabledLookOfAnIcon) {
         }
     }
     EXPECT_GT(relief, 10) << "the tick's edges show";
-}
-
-// ---------------------------------------------------------------------------------------------
-// Contact sheet: with KORVEX_ICON_SHEET naming a PNG path, every group at each of its sizes is
-// drawn on a light background, twice enlarged, for a person to look at: rows of normal, hover and
-// down groups, then the normal 16-pixel images embossed as a disabled button shows them.
-
-TEST(IconSheet, WritesWhenAsked) {
-    const char* path = std::getenv("KORVEX_ICON_SHEET");
-    if (path == nullptr) GTEST_SKIP() << "set KORVEX_ICON_SHEET to a PNG path";
-    constexpr std::int32_t kZoom = 2, kCellW = 56, kCellH = 40, kColumns = 10;
-    constexpr std::uint32_t kBack = 0xF1F1ED;
-    const std::int32_t rows = 20;
-    const std::int32_t width = kColumns * kCellW * kZoom, height = rows * kCellH * kZoom;
-    std::vector<std::uint32_t> sheet(static_cast<std::size_t>(width) * height, 0xFFFFFF);
-    auto blit = [&](const std::vector<std::uint32_t>& px, std::int32_t w, std::int32_t h, std::int32_t ox, std::int32_t oy) {
-        for (std::int32_t y = 0; y < h * kZoom; ++y) {
-            for (std::int32_t x = 0; x < w * kZoom; ++x) {
-                sheet[static_cast<std::size_t>(oy + y) * width + ox + x] =
-                    px[static_cast<std::size_t>(y / kZoom) * w + x / kZoom];
-            }
-        }
-    };
-    platform::sim::SimGdi gdi;
-    std::int32_t cell = 0;
-    for (std::int32_t group : AllGroups()) {
-        const std::int32_t ox = (cell % kColumns) * kCellW * kZoom + 2, oy = (cell / kColumns) * kCellH * kZoom + 2;
-        std::int32_t x = 0;
-        for (std::int32_t size : SizesOf(group)) {
-            const auto picture = LoadResImage(group, size, LR_COLOR);
-            ASSERT_NE(picture, nullptr);
-            blit(foundation::ComposeOnColor(*picture, kBack), size, size, ox + x, oy);
-            x += (size + 4) * kZoom;
-        }
-        ++cell;
-    }
-    for (std::int32_t group = 1; group <= 50; ++group, ++cell) {
-        const std::int32_t size = SizesOf(group).front();
-        const auto picture = LoadResImage(group, size, LR_COLOR);
-        ASSERT_NE(picture, nullptr);
-        const auto drawn = foundation::ComposeOnColor(*picture, kBack);
-        std::vector<std::uint32_t> embossed(drawn.size(), kBack);
-        EmbossPicture(gdi, drawn, embossed, size, size, 0x00EDF1F1);
-        blit(embossed, size, size, (cell % kColumns) * kCellW * kZoom + 2, (cell / kColumns) * kCellH * kZoom + 2);
-    }
-    platform::WritePng(path, platform::PixelView{sheet.data(), width, height});
 }
 
 }  // namespace

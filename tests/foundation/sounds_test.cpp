@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -14,6 +13,9 @@
 #include "base/resources.hpp"
 #include "foundation/sounds.hpp"
 #include "platform/sim/sim_platform.hpp"
+#include "support/bench.hpp"
+#include "support/bytes.hpp"
+#include "support/error_of.hpp"
 
 using namespace korvex;
 using platform::sim::SoundRequest;
@@ -21,37 +23,20 @@ using Channel = SoundRequest::Channel;
 
 namespace {
 
-std::uint32_t Le32(const std::vector<std::uint8_t>& b, std::size_t at) {
-    return b[at] | b[at + 1] << 8 | b[at + 2] << 16 | static_cast<std::uint32_t>(b[at + 3]) << 24;
-}
-std::uint16_t Le16(const std::vector<std::uint8_t>& b, std::size_t at) {
-    return static_cast<std::uint16_t>(b[at] | b[at + 1] << 8);
-}
-
-// A PCM wave made here: `frames` frames of a constant non-zero level.
+// A PCM wave made here: `frames` mono frames of a constant non-zero level.
 std::vector<std::uint8_t> MakeWave(std::uint32_t rate, std::uint16_t bits, std::uint32_t frames) {
     const std::uint32_t block = bits / 8u;
     std::vector<std::uint8_t> w;
-    auto put32 = [&w](std::uint32_t v) { for (int s = 0; s < 32; s += 8) w.push_back(static_cast<std::uint8_t>(v >> s)); };
-    auto put16 = [&w](std::uint16_t v) { w.push_back(static_cast<std::uint8_t>(v)); w.push_back(static_cast<std::uint8_t>(v >> 8)); };
-    auto tag = [&w](const char* t) { for (int i = 0; i < 4; ++i) w.push_back(static_cast<std::uint8_t>(t[i])); };
-    tag("RIFF");
-    put32(36 + frames * block);
-    tag("WAVE");
-    tag("fmt ");
-    put32(16);
-    put16(1);
-    put16(1);
-    put32(rate);
-    put32(rate * block);
-    put16(static_cast<std::uint16_t>(block));
-    put16(bits);
-    tag("data");
-    put32(frames * block);
-    for (std::uint32_t i = 0; i < frames; ++i) {
-        if (bits == 8) w.push_back(192);
-        else put16(16384);
-    }
+    test::PutTag(w, "RIFF");
+    test::Put(w, {36 + frames * block}, 4);
+    test::PutTag(w, "WAVEfmt ");
+    test::Put(w, {16}, 4);
+    test::Put(w, {1, 1}, 2);
+    test::Put(w, {rate, rate * block}, 4);
+    test::Put(w, {block, bits}, 2);
+    test::PutTag(w, "data");
+    test::Put(w, {frames * block}, 4);
+    for (std::uint32_t i = 0; i < frames; ++i) test::Put(w, {bits == 8 ? 192u : 16384u}, block);
     return w;
 }
 
@@ -66,25 +51,16 @@ public:
     std::string GetTempPathA() override { throw host::HostError(host::kErrDeviceUnavailable); }
 };
 
-class FailingShellPlatform final : public platform::Platform {
+class FailingShellPlatform final : public test::ForwardingPlatform {
 public:
-    platform::Gdi& gdi() override { return sim.gdi(); }
-    platform::Windows& windows() override { return sim.windows(); }
-    platform::Clock& clock() override { return sim.clock(); }
-    platform::EventLoop& loop() override { return sim.loop(); }
-    platform::Sound& sound() override { return sim.sound(); }
     platform::Shell& shell() override { return failing; }
-
-    platform::sim::SimPlatform sim;
     FailingShell failing;
 };
 
-class SoundsTest : public ::testing::Test {
+class SoundsTest : public ::testing::Test, public test::SimBench {
 protected:
     const std::vector<SoundRequest>& Requests() { return platform.sound().Requests(); }
-    void Advance(std::int64_t ms) { platform.driver().Advance(ms); }
 
-    platform::sim::SimPlatform platform;
     foundation::cSounds sounds{platform};
     foundation::ResourceSoundPlayer player{platform};
 };
@@ -95,48 +71,37 @@ protected:
 // cSounds
 
 TEST_F(SoundsTest, SystemSoundPlaysTheNamedEventAsynchronouslyWithoutDefault) {
-    platform.sound().RegisterNamedSound("SystemExclamation", MakeWave(11025, 8, 1103));
+    platform.sound().RegisterNamedSound("SystemExclamation", MakeWave(11025, 8, 1103));  // 100 ms
+    // The ends of the table, a name whose spelling is its own, and indices outside it (silent,
+    // no error).
     sounds.SystemSound(13);
-    ASSERT_EQ(Requests().size(), 1u);
-    EXPECT_EQ(Requests()[0].channel, Channel::PlaySound);
-    EXPECT_EQ(Requests()[0].name, "SystemExclamation");
-    EXPECT_EQ(Requests()[0].flags, 0x83u);
     EXPECT_NE(platform.sound().Playing(Channel::PlaySound), nullptr);
     Advance(100);
-    EXPECT_EQ(platform.sound().Playing(Channel::PlaySound), nullptr) << "a 100 ms sound is over after 100 ms";
-
-    // The ends of the table and a name whose spelling is its own.
-    sounds.SystemSound(0);
-    sounds.SystemSound(12);
-    sounds.SystemSound(17);
+    EXPECT_EQ(platform.sound().Playing(Channel::PlaySound), nullptr) << "over after 100 ms";
+    for (const std::int32_t index : {0, 12, 17, 18, -1, 1 << 30}) sounds.SystemSound(index);
     ASSERT_EQ(Requests().size(), 4u);
-    EXPECT_EQ(Requests()[1].name, "AppGPFault");
-    EXPECT_EQ(Requests()[2].name, "Ringout");
-    EXPECT_EQ(Requests()[3].name, "SystemStart");
+    const std::array<const char*, 4> names = {"SystemExclamation", "AppGPFault", "Ringout",
+                                              "SystemStart"};
+    for (std::size_t i = 0; i < 4; ++i) {
+        EXPECT_EQ(Requests()[i].channel, Channel::PlaySound);
+        EXPECT_EQ(Requests()[i].name, names[i]);
+        EXPECT_EQ(Requests()[i].flags, 0x83u);
+    }
     // An event the user gave no sound is silence, not the default beep.
+    EXPECT_TRUE(Requests()[0].audible);
     EXPECT_FALSE(Requests()[3].audible);
 }
 
-TEST_F(SoundsTest, SystemSoundOutsideTheTableIsSilentAndRaisesNothing) {
-    EXPECT_NO_THROW(sounds.SystemSound(18));
-    EXPECT_NO_THROW(sounds.SystemSound(-1));
-    EXPECT_NO_THROW(sounds.SystemSound(1 << 30));
-    EXPECT_TRUE(Requests().empty());
-}
-
 TEST_F(SoundsTest, SoundPlayFlagsAndALoopThatRunsUntilSoundStop) {
-    platform.sound().RegisterNamedSound("C:\\Sounds\\ding.wav", MakeWave(11025, 8, 2205));  // 200 ms
-    sounds.SoundPlay("C:\\Sounds\\ding.wav", false, false);
-    sounds.SoundPlay("C:\\Sounds\\ding.wav", true, false);
-    sounds.SoundPlay("C:\\Sounds\\ding.wav", false, true);
-    sounds.SoundPlay("C:\\Sounds\\ding.wav", true, true);
+    platform.sound().RegisterNamedSound("C:\\Sounds\\ding.wav", MakeWave(11025, 8, 2205));
+    // (async, loop): flags 0x02 (no default) plus 0x01 async and 0x08 loop.
+    const std::pair<bool, bool> calls[] = {{false, false}, {true, false}, {false, true}, {true, true}};
+    for (const auto& [async, loop] : calls) sounds.SoundPlay("C:\\Sounds\\ding.wav", async, loop);
     ASSERT_EQ(Requests().size(), 4u);
-    EXPECT_EQ(Requests()[0].flags, 0x02u);
-    EXPECT_EQ(Requests()[1].flags, 0x03u);
-    EXPECT_EQ(Requests()[2].flags, 0x0Au);
-    EXPECT_EQ(Requests()[3].flags, 0x0Bu);
+    for (std::size_t i = 0; i < 4; ++i)
+        EXPECT_EQ(Requests()[i].flags, (std::array{0x02u, 0x03u, 0x0Au, 0x0Bu}[i]));
 
-    Advance(5000);
+    Advance(5000);  // the sound lasts 200 ms
     const SoundRequest* playing = platform.sound().Playing(Channel::PlaySound);
     ASSERT_NE(playing, nullptr) << "a looping sound outlasts its length";
     EXPECT_EQ(playing, &Requests()[3]);
@@ -186,63 +151,36 @@ TEST(SoundResources, EachIsUncompressedMonoPcmOfItsExactSize) {
         std::uint32_t dataBytes;
         std::int64_t durationMs;
     };
-    const Row rows[] = {{101, 890, 11025, 8, 705, 63},     {102, 17132, 22050, 16, 17088, 387},
-                        {103, 8864, 11025, 8, 8772, 795},  {104, 4566, 11025, 8, 4473, 405},
-                        {105, 1758, 11025, 8, 1714, 155},  {106, 1576, 11025, 8, 1532, 138}};
+    const Row rows[] = {{101, 890, 11025, 8, 705, 63},    {102, 17132, 22050, 16, 17088, 387},
+                        {103, 8864, 11025, 8, 8772, 795}, {104, 4566, 11025, 8, 4473, 405},
+                        {105, 1758, 11025, 8, 1714, 155}, {106, 1576, 11025, 8, 1532, 138}};
     for (const Row& row : rows) {
         SCOPED_TRACE(row.id);
         const std::vector<std::uint8_t> image = foundation::LoadResData(row.id, "WAVE");
         ASSERT_EQ(image.size(), row.fileBytes);
-        EXPECT_EQ(std::memcmp(image.data(), "RIFF", 4), 0);
-        EXPECT_EQ(Le32(image, 4), image.size() - 8) << "the RIFF size covers the whole file";
-        EXPECT_EQ(std::memcmp(image.data() + 8, "WAVE", 4), 0);
-        // Walk the chunks: exactly one fmt and one data chunk, nothing past the end.
-        std::size_t at = 12;
-        int fmtCount = 0, dataCount = 0;
-        while (at < image.size()) {
-            ASSERT_LE(at + 8, image.size());
-            const std::uint32_t size = Le32(image, at + 4);
-            if (std::memcmp(image.data() + at, "fmt ", 4) == 0) {
-                ++fmtCount;
-                EXPECT_EQ(Le16(image, at + 8), 1) << "PCM";
-                EXPECT_EQ(Le16(image, at + 10), 1) << "mono";
-                EXPECT_EQ(Le32(image, at + 12), row.rate);
-                EXPECT_EQ(Le32(image, at + 16), row.rate * row.bits / 8) << "byte rate";
-                EXPECT_EQ(Le16(image, at + 20), row.bits / 8) << "block align";
-                EXPECT_EQ(Le16(image, at + 22), row.bits);
-            }
-            if (std::memcmp(image.data() + at, "data", 4) == 0) {
-                ++dataCount;
-                EXPECT_EQ(size, row.dataBytes);
-            }
-            at += 8 + size + (size & 1);
-        }
-        EXPECT_EQ(at, image.size());
-        EXPECT_EQ(fmtCount, 1);
-        EXPECT_EQ(dataCount, 1);
-        EXPECT_EQ(platform::sim::WaveDurationMs(image), row.durationMs);
-        // Not silence: the samples move away from the format's zero level.
+        EXPECT_EQ(test::Le(image, 4), image.size() - 8) << "the RIFF size covers the whole file";
         const auto wave = platform::sim::ParseWave(image);
         ASSERT_TRUE(wave);
+        EXPECT_EQ(wave->channels, 1);
+        EXPECT_EQ(wave->sampleRate, row.rate);
+        EXPECT_EQ(wave->bitsPerSample, row.bits);
+        EXPECT_EQ(wave->data.size(), row.dataBytes);
+        EXPECT_EQ(platform::sim::WaveDurationMs(image), row.durationMs);
+        // Not silence: the samples move away from the format's zero level.
+        const std::size_t step = wave->bitsPerSample / 8u;
         std::size_t loud = 0;
-        for (std::size_t i = 0; i + 1 < wave->data.size(); i += wave->bitsPerSample / 8u) {
-            const int v = wave->bitsPerSample == 8 ? wave->data[i] - 128
-                                                   : static_cast<std::int16_t>(wave->data[i] | wave->data[i + 1] << 8) / 256;
-            if (v > 16 || v < -16) ++loud;
+        for (std::size_t i = 0; i + 1 < wave->data.size(); i += step) {
+            const int v = step == 1 ? wave->data[i] - 128
+                                    : static_cast<std::int16_t>(test::Le(wave->data, i, 2)) / 256;
+            loud += v > 16 || v < -16;
         }
-        EXPECT_GT(loud, wave->data.size() / (wave->bitsPerSample / 8u) / 20);
+        EXPECT_GT(loud, wave->data.size() / step / 20);
     }
 }
 
 TEST(SoundResources, OnlyTheSixWaveResourcesExist) {
-    for (std::int32_t id : {0, 100, 107, 1000, -101}) {
-        try {
-            (void)foundation::LoadResData(id, "WAVE");
-            ADD_FAILURE() << id << " loaded";
-        } catch (const host::HostError& e) {
-            EXPECT_EQ(e.Number(), 326);
-        }
-    }
+    for (std::int32_t id : {0, 100, 107, 1000, -101})
+        EXPECT_EQ(test::ErrorOf([&] { (void)foundation::LoadResData(id, "WAVE"); }), 326) << id;
     EXPECT_THROW((void)foundation::LoadResData(101, "ICON"), host::HostError);
     // The resources are the embedded files themselves.
     const auto file = resources::Find("sounds/104.wav");
@@ -279,12 +217,7 @@ TEST_F(SoundsTest, PlaySoundHandsTheWholeImageToTheDeviceFromMemory) {
 
 TEST_F(SoundsTest, AnUnknownResourceRaises326AndLeavesTheCurrentSoundPlaying) {
     player.PlaySound(103);
-    try {
-        player.PlaySound(100);
-        FAIL() << "no error";
-    } catch (const host::HostError& e) {
-        EXPECT_EQ(e.Number(), 326);
-    }
+    EXPECT_EQ(test::ErrorOf([&] { player.PlaySound(100); }), 326);
     EXPECT_EQ(Requests().size(), 1u);
     EXPECT_EQ(platform.sound().Playing(Channel::SndPlaySound), &Requests()[0]);
 }
@@ -378,6 +311,6 @@ TEST_F(SoundsTest, WriteWavWritesTheTimelineAsMono16Bit22050) {
     EXPECT_EQ(wave->sampleRate, 22050u);
     EXPECT_EQ(wave->bitsPerSample, 16);
     EXPECT_EQ(wave->data.size(), samples.size() * 2);
-    EXPECT_EQ(static_cast<std::int16_t>(Le16(file, 44 + 200)), samples[100]);
+    EXPECT_EQ(static_cast<std::int16_t>(test::Le(file, 44 + 200, 2)), samples[100]);
     EXPECT_FALSE(platform.sound().WriteWav(std::filesystem::path(KORVEX_BINARY_DIR) / "no" / "such" / "dir.wav"));
 }
