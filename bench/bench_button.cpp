@@ -38,10 +38,13 @@ struct ButtonForm {
         context.Classes().Register(controls::Button::Class());
         form.Width = 3000;
         form.Height = 1500;
-        host::Site& added = form.Add("Korvex_Tools.Button", {"B", 8 * kTwips, 8 * kTwips, 120 * kTwips, 40 * kTwips});
-        form.LetProperty(added, "BorderStyle", static_cast<std::int32_t>(controls::EnumStyle::XPStyle));
+        host::Site& added = form.Add("Korvex_Tools.Button",
+                                     {"B", 8 * kTwips, 8 * kTwips, 120 * kTwips, 40 * kTwips});
+        form.LetProperty(added, "BorderStyle",
+                         static_cast<std::int32_t>(controls::EnumStyle::XPStyle));
         form.LetProperty(added, "Caption", "Weiter");
-        form.LetProperty(added, "ButtonShow", static_cast<std::int32_t>(controls::EnumButton::btnOK));
+        form.LetProperty(added, "ButtonShow",
+                         static_cast<std::int32_t>(controls::EnumButton::btnOK));
         form.SwitchMode(true);
         form.Show();
         site = &form.Get("B");
@@ -111,7 +114,8 @@ void BM_FillRectFace(benchmark::State& state) {
     platform::sim::SimGdi gdi;
     const platform::HDC dc = gdi.CreateCompatibleDC(platform::HDC{});
     gdi.SelectObject(dc, gdi.CreateDIBSection32(120, 40));
-    const platform::HBRUSH brushes[2] = {gdi.CreateSolidBrush(0x00C8D0D4), gdi.CreateSolidBrush(0x00F0F8FC)};
+    const platform::HBRUSH brushes[2] = {gdi.CreateSolidBrush(0x00C8D0D4),
+                                         gdi.CreateSolidBrush(0x00F0F8FC)};
     const platform::RECT face{2, 3, 118, 37};
     int i = 0;
     for (auto _ : state) {

@@ -41,13 +41,15 @@ void BM_Memset1080p(benchmark::State& state) {
         benchmark::DoNotOptimize(buffer.data());
         benchmark::ClobberMemory();
     }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(buffer.size() * sizeof(std::uint32_t)));
+    state.SetBytesProcessed(state.iterations() *
+                            static_cast<std::int64_t>(buffer.size() * sizeof(std::uint32_t)));
 }
 BENCHMARK(BM_Memset1080p);
 
 void BM_FillRect1080p(benchmark::State& state) {
     Canvas c;
-    const HBRUSH brushes[2] = {c.gdi.CreateSolidBrush(RGB(0x12, 0x34, 0x56)), c.gdi.CreateSolidBrush(RGB(0xAB, 0xCD, 0xEF))};
+    const HBRUSH brushes[2] = {c.gdi.CreateSolidBrush(RGB(0x12, 0x34, 0x56)),
+                               c.gdi.CreateSolidBrush(RGB(0xAB, 0xCD, 0xEF))};
     const RECT all{0, 0, kWidth, kHeight};
     int i = 0;
     for (auto _ : state) {
@@ -70,7 +72,8 @@ void BM_ShortLines(benchmark::State& state) {
         benchmark::ClobberMemory();
     }
     state.counters["line_pixels"] = benchmark::Counter(
-        static_cast<double>(set.pixels) * static_cast<double>(state.iterations()), benchmark::Counter::kIsRate);
+        static_cast<double>(set.pixels) * static_cast<double>(state.iterations()),
+        benchmark::Counter::kIsRate);
 }
 // Wall time, as the baseline below is timed.
 BENCHMARK(BM_ShortLines)->UseRealTime();
@@ -81,36 +84,39 @@ BENCHMARK(BM_ShortLines)->UseRealTime();
 void BM_ShortLinesRealGdi(benchmark::State& state) {
     const char* runner = std::getenv("KORVEX_GDI_WIN");
     const char* prefix = std::getenv("KORVEX_WINEPREFIX");
-    const std::string exe = runner ? runner : KORVEX_ORACLE_DIR "/mingw/src/platform/win32/korvex-gdi-win.exe";
+    const std::string exe =
+        runner ? runner : KORVEX_ORACLE_DIR "/mingw/src/platform/win32/korvex-gdi-win.exe";
     const std::string winePrefix = prefix ? prefix : KORVEX_ORACLE_DIR "/wineprefix";
     const char* wine = "/usr/lib/wine/wine64";
-    if (!std::filesystem::exists(exe) || !std::filesystem::exists(wine) || !std::filesystem::exists(winePrefix)) {
+    if (!std::filesystem::exists(exe) || !std::filesystem::exists(wine) ||
+        !std::filesystem::exists(winePrefix)) {
         state.SkipWithError("no Windows runner or Wine prefix: run `ctest -L gdi-oracle` first");
         return;
     }
     const std::int64_t passes = state.max_iterations;
-    const std::string command = "WINEPREFIX='" + winePrefix + "' WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' " +
-                                wine + " '" + exe + "' --bench-lines " + std::to_string(passes) + " 2>/dev/null";
+    const std::string command =
+        "WINEPREFIX='" + winePrefix + "' WINEDEBUG=-all WINEDLLOVERRIDES='mscoree,mshtml=' " +
+        wine + " '" + exe + "' --bench-lines " + std::to_string(passes) + " 2>/dev/null";
     std::vector<double> seconds;
     long long pixels = 0;
     if (FILE* pipe = ::popen(command.c_str(), "r")) {
         char word[64];
         if (std::fscanf(pipe, "pixels %lld seconds", &pixels) == 1) {
-            while (std::fscanf(pipe, "%63s", word) == 1) seconds.push_back(std::strtod(word, nullptr));
+            while (std::fscanf(pipe, "%63s", word) == 1)
+                seconds.push_back(std::strtod(word, nullptr));
         }
         ::pclose(pipe);
     }
-    if (static_cast<std::int64_t>(seconds.size()) != passes || pixels != korvex::bench::MakeShortLines().pixels) {
+    if (static_cast<std::int64_t>(seconds.size()) != passes ||
+        pixels != korvex::bench::MakeShortLines().pixels) {
         state.SkipWithError("the Windows runner gave no timings");
         return;
     }
     std::size_t i = 0;
     for (auto _ : state) state.SetIterationTime(seconds[i++]);
-    state.counters["line_pixels"] =
-        benchmark::Counter(static_cast<double>(pixels) * static_cast<double>(passes), benchmark::Counter::kIsRate);
+    state.counters["line_pixels"] = benchmark::Counter(
+        static_cast<double>(pixels) * static_cast<double>(passes), benchmark::Counter::kIsRate);
 }
 BENCHMARK(BM_ShortLinesRealGdi)->Iterations(10)->UseManualTime();
-
-
 
 }  // namespace

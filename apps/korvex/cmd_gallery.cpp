@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "commands.hpp"
+#include "driver/gdi_script.hpp"
+#include "driver/script_runner.hpp"
 #include "gallery.hpp"
 #include "host/json_codec.hpp"
-#include "driver/script_runner.hpp"
-#include "driver/gdi_script.hpp"
 #include "platform/png.hpp"
 #include "platform/sim/sim_gdi.hpp"
 #include "sampler_script.hpp"
@@ -26,15 +26,23 @@ namespace korvex::cli {
 namespace gallery {
 
 Json Form(std::int32_t width, std::int32_t height, Json controls, std::uint32_t backColor) {
-    return Json{{"Form", {{"Name", "Gallery"}, {"Caption", "Gallery"}, {"Width", width}, {"Height", height},
-                          {"BackColor", backColor}}},
+    return Json{{"Form",
+                 {{"Name", "Gallery"},
+                  {"Caption", "Gallery"},
+                  {"Width", width},
+                  {"Height", height},
+                  {"BackColor", backColor}}},
                 {"Controls", std::move(controls)}};
 }
 
-Json Control(const std::string& progId, const std::string& name, std::int32_t left, std::int32_t top,
-             std::int32_t width, std::int32_t height, Json properties) {
-    return Json{{"ProgID", "Korvex_Tools." + progId}, {"Name", name},  {"Left", left},
-                {"Top", top},                          {"Width", width}, {"Height", height},
+Json Control(const std::string& progId, const std::string& name, std::int32_t left,
+             std::int32_t top, std::int32_t width, std::int32_t height, Json properties) {
+    return Json{{"ProgID", "Korvex_Tools." + progId},
+                {"Name", name},
+                {"Left", left},
+                {"Top", top},
+                {"Width", width},
+                {"Height", height},
                 {"Properties", std::move(properties)}};
 }
 
@@ -63,36 +71,50 @@ Json Label3DFont(Json props, const std::string& name, std::int16_t size, bool bo
 Section Line3DSection() {
     Json controls = Json::array();
     for (int w = 1; w <= 3; ++w) {
-        controls.push_back(Control("Line3D", "H" + std::to_string(w), 240, 240 + (w - 1) * 360, 2400, 30,
-                                   {{"Orientation", Json{{"Integer", 0}}}, {"BorderWidth", Json{{"Integer", w}}}}));
-        controls.push_back(Control("Line3D", "V" + std::to_string(w), 3000 + (w - 1) * 360, 240, 30, 1200,
-                                   {{"Orientation", Json{{"Integer", 1}}}, {"BorderWidth", Json{{"Integer", w}}}}));
+        controls.push_back(Control(
+            "Line3D", "H" + std::to_string(w), 240, 240 + (w - 1) * 360, 2400, 30,
+            {{"Orientation", Json{{"Integer", 0}}}, {"BorderWidth", Json{{"Integer", w}}}}));
+        controls.push_back(Control(
+            "Line3D", "V" + std::to_string(w), 3000 + (w - 1) * 360, 240, 30, 1200,
+            {{"Orientation", Json{{"Integer", 1}}}, {"BorderWidth", Json{{"Integer", w}}}}));
     }
     return {"Line3D",
-            {{"line3d.png", "horizontal and vertical, BorderWidth 1, 2 and 3", Form(4200, 1680, controls)}}};
+            {{"line3d.png", "horizontal and vertical, BorderWidth 1, 2 and 3",
+              Form(4200, 1680, controls)}}};
 }
 
 Section Label3DSection() {
-    static const char* const kModes[] = {"0 - Schatten Unten Rechts", "1 - Schatten Unten", "2 - Schatten Unten Links",
-                                         "3 - Schatten Links",        "4 - Schatten Oben Links", "5 - Oben",
-                                         "6 - Oben Rechts",           "7 - Rechts",          "8 - Standard"};
+    static const char* const kModes[] = {"0 - Schatten Unten Rechts",
+                                         "1 - Schatten Unten",
+                                         "2 - Schatten Unten Links",
+                                         "3 - Schatten Links",
+                                         "4 - Schatten Oben Links",
+                                         "5 - Oben",
+                                         "6 - Oben Rechts",
+                                         "7 - Rechts",
+                                         "8 - Standard"};
     auto grid = [&](bool transparent) {
         Json controls = Json::array();
         for (int mode = 0; mode < 9; ++mode) {
-            Json props = Label3DFont({{"Caption", kModes[mode]}, {"TextMode", Json{{"Integer", mode}}},
-                                      {"xDist", Json{{"Integer", 30}}}, {"BackStyle", transparent ? 1 : 0}},
+            Json props = Label3DFont({{"Caption", kModes[mode]},
+                                      {"TextMode", Json{{"Integer", mode}}},
+                                      {"xDist", Json{{"Integer", 30}}},
+                                      {"BackStyle", transparent ? 1 : 0}},
                                      "Arial", 12, true);
-            controls.push_back(Control("Label3D", "L" + std::to_string(mode), 120 + (mode % 3) * 3720,
-                                       120 + (mode / 3) * 600, 3600, 480, props));
+            controls.push_back(Control("Label3D", "L" + std::to_string(mode),
+                                       120 + (mode % 3) * 3720, 120 + (mode / 3) * 600, 3600, 480,
+                                       props));
         }
         return controls;
     };
     Json focused = Json::array({Control("Label3D", "L1", 120, 120, 3600, 480,
-                                        Label3DFont({{"Caption", "Fokus: Enter klickt"}, {"FocusRect", true},
+                                        Label3DFont({{"Caption", "Fokus: Enter klickt"},
+                                                     {"FocusRect", true},
                                                      {"xDist", Json{{"Integer", 30}}}},
                                                     "Arial", 12, true))});
     return {"Label3D",
-            {{"label3d-opaque.png", "the nine text modes, opaque (the button face behind the text) on a white form",
+            {{"label3d-opaque.png",
+              "the nine text modes, opaque (the button face behind the text) on a white form",
               Form(11400, 2040, grid(false), 0x00FFFFFF)},
              {"label3d-transparent.png", "the nine text modes, transparent on a white form",
               Form(11400, 2040, grid(true), 0x00FFFFFF)},
@@ -101,25 +123,28 @@ Section Label3DSection() {
 }
 
 Section FramesSection() {
-    static const char* const kStyles[] = {"0 Off_Frame",  "1 Standard_Down", "2 Standard_Up",  "3 Bright_Down",
-                                          "4 Bright_Up",  "5 Dark_Down",     "6 Dark_UP",      "7 Dark_Frame",
-                                          "8 Standard_Frame", "9 Flat_Frame", "10 XP_Frame"};
+    static const char* const kStyles[] = {"0 Off_Frame",   "1 Standard_Down", "2 Standard_Up",
+                                          "3 Bright_Down", "4 Bright_Up",     "5 Dark_Down",
+                                          "6 Dark_UP",     "7 Dark_Frame",    "8 Standard_Frame",
+                                          "9 Flat_Frame",  "10 XP_Frame"};
     Json styles = Json::array();
     for (int style = 0; style < 11; ++style) {
-        styles.push_back(Control("Frames", "F" + std::to_string(style), 120 + (style % 4) * 2040,
-                                 120 + (style / 4) * 1200, 1920, 1080,
-                                 {{"Caption", kStyles[style]}, {"BorderStyle", Json{{"Integer", style}}}}));
+        styles.push_back(
+            Control("Frames", "F" + std::to_string(style), 120 + (style % 4) * 2040,
+                    120 + (style / 4) * 1200, 1920, 1080,
+                    {{"Caption", kStyles[style]}, {"BorderStyle", Json{{"Integer", style}}}}));
     }
     static const char* const kAlign[] = {"fLeft", "fCenter", "fRight"};
     static const char* const kTop[] = {"fStandard", "fUnderBorder", "fOverBorder"};
     Json placements = Json::array();
     for (int top = 0; top < 3; ++top) {
         for (int align = 0; align < 3; ++align) {
-            placements.push_back(Control("Frames", "A" + std::to_string(top * 3 + align), 120 + align * 2400,
-                                         120 + top * 1200, 2280, 1080,
-                                         {{"Caption", std::string(kAlign[align]) + ", " + kTop[top]},
-                                          {"Alignment", align},
-                                          {"AlignmentTop", top}}));
+            placements.push_back(
+                Control("Frames", "A" + std::to_string(top * 3 + align), 120 + align * 2400,
+                        120 + top * 1200, 2280, 1080,
+                        {{"Caption", std::string(kAlign[align]) + ", " + kTop[top]},
+                         {"Alignment", align},
+                         {"AlignmentTop", top}}));
         }
     }
     return {"Frames",
@@ -137,17 +162,20 @@ Section HyperlinkSection() {
                                               {"FontUnderline", Json{{"Integer", -1}}}})});
         return Tile{file, title, Form(3360, 1080, controls), script};
     };
-    return {"Hyperlink",
-            {link("hyperlink-link.png", "link colour", ""),
-             link("hyperlink-hover.png", "hover colour (pointer over the link)", "move H1\nwait 100\n"),
-             link("hyperlink-active.png", "active colour (just clicked)", "move H1\nclick\nwait 100\n"),
-             link("hyperlink-visited.png", "visited colour (clicked, then released beside the link)",
-                  "move H1\nclick\nmove H1 185 35\nclick\nwait 100\n")}};
+    return {
+        "Hyperlink",
+        {link("hyperlink-link.png", "link colour", ""),
+         link("hyperlink-hover.png", "hover colour (pointer over the link)", "move H1\nwait 100\n"),
+         link("hyperlink-active.png", "active colour (just clicked)", "move H1\nclick\nwait 100\n"),
+         link("hyperlink-visited.png", "visited colour (clicked, then released beside the link)",
+              "move H1\nclick\nmove H1 185 35\nclick\nwait 100\n")}};
 }
 
 Section IconsSection() {
     Json controls = Json::array({Control("Icons", "I1", 240, 240, 570, 570)});
-    return {"Icons", {{"icons.png", "the Icons control on a form: a 38-pixel raised square", Form(1080, 1080, controls)}}};
+    return {"Icons",
+            {{"icons.png", "the Icons control on a form: a 38-pixel raised square",
+              Form(1080, 1080, controls)}}};
 }
 
 Section AboutSection() {
@@ -165,8 +193,8 @@ bool HasClasses(const Session& session, const Json& form, const std::string& fil
     for (const Json& control : form["Controls"]) {
         const std::string progId = control["ProgID"].get<std::string>();
         if (!session.context.Classes().Find(progId)) {
-            std::fprintf(stderr, "korvex gallery: %s skipped: %s is not in the library\n", file.c_str(),
-                         progId.c_str());
+            std::fprintf(stderr, "korvex gallery: %s skipped: %s is not in the library\n",
+                         file.c_str(), progId.c_str());
             return false;
         }
     }
@@ -177,7 +205,8 @@ bool HasClasses(const Session& session, const Json& form, const std::string& fil
 void ReportErrors(const std::string& file, const std::string& log) {
     std::istringstream lines(log);
     for (std::string line; std::getline(lines, line);) {
-        if (line.rfind("error ", 0) == 0) std::fprintf(stderr, "korvex gallery: %s: %s\n", file.c_str(), line.c_str());
+        if (line.rfind("error ", 0) == 0)
+            std::fprintf(stderr, "korvex gallery: %s: %s\n", file.c_str(), line.c_str());
     }
 }
 
@@ -205,7 +234,8 @@ struct Picture {
 using Grid = std::map<std::pair<int, int>, Picture>;
 
 // Runs one form and captures its cells into `grid`; false when the form cannot run here.
-bool CaptureRun(const Run& run, const std::string& file, const std::filesystem::path& out, Grid& grid) {
+bool CaptureRun(const Run& run, const std::string& file, const std::filesystem::path& out,
+                Grid& grid) {
     Session session;
     if (!HasClasses(session, run.form, file)) return false;
     session.Open(run.form.dump());
@@ -218,10 +248,12 @@ bool CaptureRun(const Run& run, const std::string& file, const std::filesystem::
         platform::RECT r;
         const platform::HWND window = site ? site->GetControl().SurfaceWindow() : platform::HWND{};
         if (!window || !windows.GetWindowRect(window, &r)) {
-            std::fprintf(stderr, "korvex gallery: %s: no window for %s\n", file.c_str(), capture.control.c_str());
+            std::fprintf(stderr, "korvex gallery: %s: no window for %s\n", file.c_str(),
+                         capture.control.c_str());
             return false;
         }
-        grid[{capture.row, capture.column}] = {r.Width(), r.Height(), session.platform.driver().ComposeWindow(window), capture.label};
+        grid[{capture.row, capture.column}] = {
+            r.Width(), r.Height(), session.platform.driver().ComposeWindow(window), capture.label};
         runner.Run(capture.after);
     }
     ReportErrors(file, log.str());
@@ -246,16 +278,20 @@ void WriteSheet(const Sheet& sheet, const Grid& grid, const std::filesystem::pat
     };
     const std::int32_t line = extent("Ag").cy;
 
-    int rows = static_cast<int>(sheet.rowHeads.size()), columns = static_cast<int>(sheet.columnHeads.size());
+    int rows = static_cast<int>(sheet.rowHeads.size()),
+        columns = static_cast<int>(sheet.columnHeads.size());
     for (const auto& [at, picture] : grid) {
         rows = std::max(rows, at.first + 1);
         columns = std::max(columns, at.second + 1);
     }
-    std::vector<std::int32_t> widths(static_cast<std::size_t>(columns), 0), heights(static_cast<std::size_t>(rows), 0);
+    std::vector<std::int32_t> widths(static_cast<std::size_t>(columns), 0),
+        heights(static_cast<std::size_t>(rows), 0);
     std::int32_t headWidth = 0;
-    for (const std::string& head : sheet.rowHeads) headWidth = std::max(headWidth, extent(head).cx + kGap);
+    for (const std::string& head : sheet.rowHeads)
+        headWidth = std::max(headWidth, extent(head).cx + kGap);
     for (int c = 0; c < static_cast<int>(sheet.columnHeads.size()); ++c)
-        widths[static_cast<std::size_t>(c)] = extent(sheet.columnHeads[static_cast<std::size_t>(c)]).cx;
+        widths[static_cast<std::size_t>(c)] =
+            extent(sheet.columnHeads[static_cast<std::size_t>(c)]).cx;
     for (const auto& [at, picture] : grid) {
         auto& width = widths[static_cast<std::size_t>(at.second)];
         width = std::max({width, picture.width, extent(picture.label).cx});
@@ -263,7 +299,8 @@ void WriteSheet(const Sheet& sheet, const Grid& grid, const std::filesystem::pat
         height = std::max(height, picture.height + (picture.label.empty() ? 0 : kLabelGap + line));
     }
     std::vector<std::int32_t> lefts, tops;
-    std::int32_t x = kMargin + headWidth, y = kMargin + (sheet.columnHeads.empty() ? 0 : line + kLabelGap);
+    std::int32_t x = kMargin + headWidth,
+                 y = kMargin + (sheet.columnHeads.empty() ? 0 : line + kLabelGap);
     for (std::int32_t width : widths) {
         lefts.push_back(x);
         x += width + kGap;
@@ -278,8 +315,9 @@ void WriteSheet(const Sheet& sheet, const Grid& grid, const std::filesystem::pat
     const platform::HBITMAP bitmap = gdi.CreateDIBSection32(sheetWidth, sheetHeight);
     gdi.SelectObject(dc, bitmap);
     gdi.SelectObject(dc, font);
-    const platform::COLORREF background =
-        sheet.background == 0xFFFFFFFF ? gdi.GetSysColor(platform::COLOR_BTNFACE) : sheet.background;
+    const platform::COLORREF background = sheet.background == 0xFFFFFFFF
+                                              ? gdi.GetSysColor(platform::COLOR_BTNFACE)
+                                              : sheet.background;
     const platform::HBRUSH brush = gdi.CreateSolidBrush(background);
     gdi.FillRect(dc, {0, 0, sheetWidth, sheetHeight}, brush);
     gdi.DeleteObject(brush);
@@ -293,7 +331,8 @@ void WriteSheet(const Sheet& sheet, const Grid& grid, const std::filesystem::pat
         // Beside the middle of the row's pictures, leaving their labels out.
         std::int32_t pictureHeight = 0;
         for (const auto& [at, picture] : grid)
-            if (at.first == static_cast<int>(r)) pictureHeight = std::max(pictureHeight, picture.height);
+            if (at.first == static_cast<int>(r))
+                pictureHeight = std::max(pictureHeight, picture.height);
         gdi.TextOut(dc, kMargin, tops[r] + (pictureHeight - line) / 2, sheet.rowHeads[r]);
     }
     const platform::PixelView pixels = gdi.BitmapPixels(bitmap);
@@ -301,12 +340,14 @@ void WriteSheet(const Sheet& sheet, const Grid& grid, const std::filesystem::pat
         const auto r = static_cast<std::size_t>(at.first), c = static_cast<std::size_t>(at.second);
         const std::int32_t left = lefts[c] + (widths[c] - picture.width) / 2, top = tops[r];
         for (std::int32_t py = 0; py < picture.height; ++py) {
-            std::copy_n(picture.pixels.begin() + static_cast<std::ptrdiff_t>(py) * picture.width, picture.width,
+            std::copy_n(picture.pixels.begin() + static_cast<std::ptrdiff_t>(py) * picture.width,
+                        picture.width,
                         pixels.bits + static_cast<std::ptrdiff_t>(top + py) * sheetWidth + left);
         }
         if (!picture.label.empty()) {
             const std::int32_t w = extent(picture.label).cx;
-            gdi.TextOut(dc, lefts[c] + (widths[c] - w) / 2, top + picture.height + kLabelGap, picture.label);
+            gdi.TextOut(dc, lefts[c] + (widths[c] - w) / 2, top + picture.height + kLabelGap,
+                        picture.label);
         }
     }
     platform::WritePng(path.string(), gdi.BitmapPixels(bitmap));
@@ -321,7 +362,8 @@ bool RenderSheet(const Tile& tile, const std::filesystem::path& out) {
     for (const Run& run : tile.sheet.runs) {
         if (!CaptureRun(run, tile.file, out, grid)) return false;
     }
-    for (const DrawnCell& cell : tile.sheet.drawn) grid[{cell.row, cell.column}] = {cell.width, cell.height, cell.pixels, cell.label};
+    for (const DrawnCell& cell : tile.sheet.drawn)
+        grid[{cell.row, cell.column}] = {cell.width, cell.height, cell.pixels, cell.label};
     if (grid.empty()) return false;
     WriteSheet(tile.sheet, grid, out / tile.file);
     return true;
@@ -329,17 +371,22 @@ bool RenderSheet(const Tile& tile, const std::filesystem::path& out) {
 
 void RenderSampler(const std::filesystem::path& out) {
     platform::sim::SimGdi gdi;
-    const platform::PixelView pixels = platform::RunGdiScript(gdi, platform::ParseGdiScript(kSamplerScript));
+    const platform::PixelView pixels =
+        platform::RunGdiScript(gdi, platform::ParseGdiScript(kSamplerScript));
     platform::WritePng((out / "sampler.png").string(), pixels);
 }
 
 std::string Escape(const std::string& text) {
     std::string out;
     for (char c : text) {
-        if (c == '<') out += "&lt;";
-        else if (c == '>') out += "&gt;";
-        else if (c == '&') out += "&amp;";
-        else out += c;
+        if (c == '<')
+            out += "&lt;";
+        else if (c == '>')
+            out += "&gt;";
+        else if (c == '&')
+            out += "&amp;";
+        else
+            out += c;
     }
     return out;
 }
@@ -363,16 +410,18 @@ int RunGallery(Args args) {
     }
     std::filesystem::create_directories(out);
 
-    std::vector<Section> sections = {Line3DSection(), Label3DSection(), FramesSection(), HyperlinkSection(),
-                                     IconsSection()};
+    std::vector<Section> sections = {Line3DSection(), Label3DSection(), FramesSection(),
+                                     HyperlinkSection(), IconsSection()};
     for (Section& section : ButtonSections()) sections.push_back(std::move(section));
     sections.push_back(AboutSection());
     RenderSampler(out);
 
     std::ostringstream html;
-    html << "<!DOCTYPE html>\n<html lang=\"de\"><head><meta charset=\"utf-8\"><title>Korvex Tools gallery</title>\n"
+    html << "<!DOCTYPE html>\n<html lang=\"de\"><head><meta charset=\"utf-8\"><title>Korvex Tools "
+            "gallery</title>\n"
             "<style>body{font-family:sans-serif;background:#f4f4f4;margin:2em}"
-            ".grid{display:flex;flex-wrap:wrap;gap:1.5em}figure{margin:0;background:#fff;padding:.8em;"
+            ".grid{display:flex;flex-wrap:wrap;gap:1.5em}figure{margin:0;background:#fff;padding:."
+            "8em;"
             "border:1px solid #ccc}img{image-rendering:pixelated;display:block}"
             "figcaption{margin-top:.5em;font-size:.9em;color:#333}</style></head><body>\n"
             "<h1>Korvex Tools gallery</h1>\n";
@@ -382,16 +431,21 @@ int RunGallery(Args args) {
         for (const Tile& tile : section.tiles) {
             if (!RenderTile(tile, out)) continue;
             ++rendered;
-            figures << "<figure><img src=\"" << tile.file << "\" alt=\"" << Escape(tile.title) << "\"><figcaption>"
-                    << Escape(tile.file) << ": " << Escape(tile.title) << "</figcaption></figure>\n";
+            figures << "<figure><img src=\"" << tile.file << "\" alt=\"" << Escape(tile.title)
+                    << "\"><figcaption>" << Escape(tile.file) << ": " << Escape(tile.title)
+                    << "</figcaption></figure>\n";
         }
         if (figures.str().empty()) continue;
-        html << "<h2>" << Escape(section.title) << "</h2>\n<div class=\"grid\">\n" << figures.str() << "</div>\n";
+        html << "<h2>" << Escape(section.title) << "</h2>\n<div class=\"grid\">\n"
+             << figures.str() << "</div>\n";
     }
-    html << "<h2>Drawing device</h2>\n<div class=\"grid\"><figure><img src=\"sampler.png\" alt=\"sampler\">"
-            "<figcaption>sampler.png: every drawing primitive</figcaption></figure></div>\n</body></html>\n";
+    html << "<h2>Drawing device</h2>\n<div class=\"grid\"><figure><img src=\"sampler.png\" "
+            "alt=\"sampler\">"
+            "<figcaption>sampler.png: every drawing "
+            "primitive</figcaption></figure></div>\n</body></html>\n";
     std::ofstream((out / "index.html").string()) << html.str();
-    std::printf("korvex gallery: %d pictures and index.html in %s\n", rendered + 1, out.string().c_str());
+    std::printf("korvex gallery: %d pictures and index.html in %s\n", rendered + 1,
+                out.string().c_str());
     return 0;
 }
 

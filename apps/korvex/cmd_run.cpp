@@ -10,8 +10,8 @@
 #include <string>
 
 #include "commands.hpp"
-#include "host/container.hpp"
 #include "driver/script_runner.hpp"
+#include "host/container.hpp"
 #include "platform/png.hpp"
 #include "session.hpp"
 
@@ -25,24 +25,28 @@ std::string ReadAll(std::istream& in) {
     return text.str();
 }
 
-
-
 }  // namespace
 
 int RunForm(Args args) {
     std::string formPath, scriptPath, wavPath, outDir = ".";
     for (std::size_t i = 0; i < args.size(); ++i) {
-        if (args[i] == "--script" && i + 1 < args.size()) scriptPath = args[++i];
-        else if (args[i] == "--wav" && i + 1 < args.size()) wavPath = args[++i];
-        else if (args[i] == "--out" && i + 1 < args.size()) outDir = args[++i];
-        else if (formPath.empty() && !args[i].starts_with("--")) formPath = args[i];
+        if (args[i] == "--script" && i + 1 < args.size())
+            scriptPath = args[++i];
+        else if (args[i] == "--wav" && i + 1 < args.size())
+            wavPath = args[++i];
+        else if (args[i] == "--out" && i + 1 < args.size())
+            outDir = args[++i];
+        else if (formPath.empty() && !args[i].starts_with("--"))
+            formPath = args[i];
         else {
-            std::fprintf(stderr, "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
+            std::fprintf(stderr,
+                         "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
             return 2;
         }
     }
     if (formPath.empty()) {
-        std::fprintf(stderr, "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
+        std::fprintf(stderr,
+                     "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
         return 2;
     }
     std::string script;
@@ -82,8 +86,10 @@ int RunForm(Args args) {
 int RenderForm(Args args) {
     std::string formPath, output;
     for (std::size_t i = 0; i < args.size(); ++i) {
-        if ((args[i] == "-o" || args[i] == "--out") && i + 1 < args.size()) output = args[++i];
-        else if (formPath.empty()) formPath = args[i];
+        if ((args[i] == "-o" || args[i] == "--out") && i + 1 < args.size())
+            output = args[++i];
+        else if (formPath.empty())
+            formPath = args[i];
     }
     if (formPath.empty() || output.empty()) {
         std::fprintf(stderr, "usage: korvex render FORM.json -o FILE.png\n");
@@ -92,7 +98,8 @@ int RenderForm(Args args) {
     Session session;
     session.Open(ReadFormFile(formPath));
     platform::Windows& windows = session.platform.windows();
-    std::vector<std::uint32_t> pixels = session.platform.driver().ComposeWindow(session.form.FormWindow());
+    std::vector<std::uint32_t> pixels =
+        session.platform.driver().ComposeWindow(session.form.FormWindow());
     platform::RECT r;
     windows.GetWindowRect(session.form.FormWindow(), &r);
     platform::WritePng(output, {pixels.data(), r.Width(), r.Height()});

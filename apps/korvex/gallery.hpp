@@ -59,9 +59,9 @@ struct Sheet {
 };
 
 struct Tile {
-    std::string file;   // PNG name
-    std::string title;  // caption under the picture
-    Json form;          // a form snapshot's form file
+    std::string file;         // PNG name
+    std::string title;        // caption under the picture
+    Json form;                // a form snapshot's form file
     std::string script = {};  // run before the picture is taken
     // "form" for the form's window, "top" for the topmost window (a modal box the script opened).
     std::string capture = "form";
@@ -74,9 +74,11 @@ struct Section {
 };
 
 // A form file (sizes in twips) and one of its controls, as korvex run reads them.
-Json Form(std::int32_t width, std::int32_t height, Json controls, std::uint32_t backColor = 0x8000000F);
-Json Control(const std::string& progId, const std::string& name, std::int32_t left, std::int32_t top,
-             std::int32_t width, std::int32_t height, Json properties = Json::object());
+Json Form(std::int32_t width, std::int32_t height, Json controls,
+          std::uint32_t backColor = 0x8000000F);
+Json Control(const std::string& progId, const std::string& name, std::int32_t left,
+             std::int32_t top, std::int32_t width, std::int32_t height,
+             Json properties = Json::object());
 Json Font(const std::string& name, double size, bool bold);
 
 // Renders one tile into `out`; false (with a note on stderr) when it could not be made, for

@@ -32,11 +32,16 @@ enum class Look { normal, hover, down, latched, disabled };
 
 const char* LookName(Look look) {
     switch (look) {
-        case Look::normal: return "normal";
-        case Look::hover: return "hover";
-        case Look::down: return "down";
-        case Look::latched: return "latched";
-        case Look::disabled: return "disabled";
+        case Look::normal:
+            return "normal";
+        case Look::hover:
+            return "hover";
+        case Look::down:
+            return "down";
+        case Look::latched:
+            return "latched";
+        case Look::disabled:
+            return "disabled";
     }
     return "";
 }
@@ -51,11 +56,15 @@ struct Steps {
 
 Steps StepsFor(Look look, const std::string& name) {
     switch (look) {
-        case Look::hover: return {"move " + name + "\nwait 100\n", ""};
-        case Look::down: return {"move " + name + "\ndown\n", "up\n"};
-        case Look::latched: return {"set " + name + ".Value True\n", ""};
+        case Look::hover:
+            return {"move " + name + "\nwait 100\n", ""};
+        case Look::down:
+            return {"move " + name + "\ndown\n", "up\n"};
+        case Look::latched:
+            return {"set " + name + ".Value True\n", ""};
         case Look::normal:
-        case Look::disabled: break;
+        case Look::disabled:
+            break;
     }
     return {};
 }
@@ -66,9 +75,10 @@ void ApplyLook(Json& properties, Look look) {
     if (look == Look::disabled) properties["EnabledB"] = false;
 }
 
-Json ButtonControl(const std::string& name, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
-                   Json properties) {
-    return Control("Button", name, x * kTwips, y * kTwips, w * kTwips, h * kTwips, std::move(properties));
+Json ButtonControl(const std::string& name, std::int32_t x, std::int32_t y, std::int32_t w,
+                   std::int32_t h, Json properties) {
+    return Control("Button", name, x * kTwips, y * kTwips, w * kTwips, h * kTwips,
+                   std::move(properties));
 }
 
 std::string EnumName(std::int32_t value) {
@@ -79,11 +89,14 @@ std::string EnumName(std::int32_t value) {
 // Border styles
 
 Tile StylesTile(bool gradient) {
-    static const char* const kStyles[] = {"nOff", "Cool", "Flat", "nStandard", "extra", "XPStyle", "XPcool", "XPflat"};
-    constexpr Look kLooks[] = {Look::normal, Look::hover, Look::down, Look::latched, Look::disabled};
+    static const char* const kStyles[] = {"nOff",  "Cool",    "Flat",   "nStandard",
+                                          "extra", "XPStyle", "XPcool", "XPflat"};
+    constexpr Look kLooks[] = {Look::normal, Look::hover, Look::down, Look::latched,
+                               Look::disabled};
     Sheet sheet;
     for (Look look : kLooks) sheet.columnHeads.push_back(LookName(look));
-    for (int style = 0; style < 8; ++style) sheet.rowHeads.push_back(std::to_string(style) + " " + kStyles[style]);
+    for (int style = 0; style < 8; ++style)
+        sheet.rowHeads.push_back(std::to_string(style) + " " + kStyles[style]);
     for (int column = 0; column < 5; ++column) {
         const Look look = kLooks[column];
         Run run;
@@ -101,10 +114,14 @@ Tile StylesTile(bool gradient) {
     }
     const std::string which = gradient ? "gradient" : "plain";
     return {"buttons-styles-" + which + ".png",
-            std::string("the eight BorderStyle values (rows) normal, hovered, held down, latched (a switch with "
+            std::string("the eight BorderStyle values (rows) normal, hovered, held down, latched "
+                        "(a switch with "
                         "Value True) and disabled (EnabledB False); Gradient ") +
                 (gradient ? "True" : "False"),
-            {}, "", "form", std::move(sheet)};
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -119,7 +136,8 @@ Tile TextTile() {
     Json controls = Json::array();
     for (int a = 0; a < 4; ++a) {
         const std::string name = "A" + std::to_string(a);
-        controls.push_back(ButtonControl(name, 8 + a * 136, 8, 120, 40, {{"TextAlignment", a}, {"Caption", "Weiter"}}));
+        controls.push_back(ButtonControl(name, 8 + a * 136, 8, 120, 40,
+                                         {{"TextAlignment", a}, {"Caption", "Weiter"}}));
         run.captures.push_back({0, a, name, "", "", std::to_string(a) + " " + kAlignments[a]});
     }
     // A large bold caption on a plain face with a grey copy, where the one-pixel offset shows best.
@@ -136,15 +154,20 @@ Tile TextTile() {
     }
     for (int p : {1, 3}) {
         const std::string name = "P" + std::to_string(p);
-        run.captures.push_back({2, p, name, "move " + name + "\nwait 100\n", "", std::to_string(p) + " " + k3D[p]});
+        run.captures.push_back(
+            {2, p, name, "move " + name + "\nwait 100\n", "", std::to_string(p) + " " + k3D[p]});
     }
     run.form = Form(700 * kTwips, 140 * kTwips, controls);
     sheet.runs.push_back(std::move(run));
     return {"buttons-text.png",
-            "TextAlignment tOff, Arrow, tRight, tBottom; the five Font3D styles (the copy behind the caption, "
+            "TextAlignment tOff, Arrow, tRight, tBottom; the five Font3D styles (the copy behind "
+            "the caption, "
             "here grey), "
             "pTopOver and pDownOver also hovered",
-            {}, "", "form", std::move(sheet)};
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -159,18 +182,25 @@ Tile ImagesTile(bool iconSize, Look look) {
     for (int image = 1; image <= 50; ++image) {
         const int row = (image - 1) / kColumns, column = (image - 1) % kColumns;
         const std::string name = "I" + std::to_string(image);
-        controls.push_back(ButtonControl(name, 8 + column * (side + 8), 8 + row * (side + 8), side, side,
-                                         {{"ButtonShow", image}, {"TextAlignment", 0}, {"IconSize", iconSize}}));
+        controls.push_back(
+            ButtonControl(name, 8 + column * (side + 8), 8 + row * (side + 8), side, side,
+                          {{"ButtonShow", image}, {"TextAlignment", 0}, {"IconSize", iconSize}}));
         const Steps steps = StepsFor(look, name);
-        run.captures.push_back({row, column, name, steps.before, steps.after, std::to_string(image) + " " + EnumName(image)});
+        run.captures.push_back({row, column, name, steps.before, steps.after,
+                                std::to_string(image) + " " + EnumName(image)});
     }
-    run.form = Form((16 + kColumns * (side + 8)) * kTwips, (16 + 5 * (side + 8)) * kTwips, controls);
+    run.form =
+        Form((16 + kColumns * (side + 8)) * kTwips, (16 + 5 * (side + 8)) * kTwips, controls);
     sheet.runs.push_back(std::move(run));
     const std::string size = iconSize ? "32" : "16";
     return {"buttons-images" + size + "-" + LookName(look) + ".png",
-            std::string("ButtonShow 1 to 50, IconSize ") + (iconSize ? "True" : "False") + ", " + LookName(look) +
+            std::string("ButtonShow 1 to 50, IconSize ") + (iconSize ? "True" : "False") + ", " +
+                LookName(look) +
                 (iconSize ? " (41 to 50 have no 32-pixel images and keep their own)" : ""),
-            {}, "", "form", std::move(sheet)};
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -185,8 +215,9 @@ Tile FocusTile() {
     const std::pair<const char*, int> buttons[] = {{"F", 2}, {"X", 5}};
     for (int column = 0; column < 2; ++column) {
         const std::string name = buttons[column].first;
-        controls.push_back(ButtonControl(name, 8 + column * 136, 8, 120, 40,
-                                         {{"BorderStyle", buttons[column].second}, {"FocusRect", true}, {"Caption", "OK"}}));
+        controls.push_back(ButtonControl(
+            name, 8 + column * 136, 8, 120, 40,
+            {{"BorderStyle", buttons[column].second}, {"FocusRect", true}, {"Caption", "OK"}}));
         run.captures.push_back({0, column, name, ""});
     }
     for (int column = 0; column < 2; ++column) {
@@ -195,8 +226,12 @@ Tile FocusTile() {
     }
     run.form = Form(290 * kTwips, 60 * kTwips, controls);
     sheet.runs.push_back(std::move(run));
-    return {"buttons-focus.png", "FocusRect True: the dotted rectangle on Flat, the blue inner frame on XPStyle",
-            {}, "", "form", std::move(sheet)};
+    return {"buttons-focus.png",
+            "FocusRect True: the dotted rectangle on Flat, the blue inner frame on XPStyle",
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 // A 48-pixel disc shaded from `light` at the top to `dark` at the bottom, with a white ring, on
@@ -204,7 +239,9 @@ Tile FocusTile() {
 Json DiscPicture(std::uint32_t light, std::uint32_t dark) {
     constexpr std::int32_t kSide = 48;
     std::vector<std::uint32_t> pixels(kSide * kSide, 0x00FF00FF);
-    auto channel = [](std::uint32_t colour, int shift) { return static_cast<int>((colour >> shift) & 0xFF); };
+    auto channel = [](std::uint32_t colour, int shift) {
+        return static_cast<int>((colour >> shift) & 0xFF);
+    };
     for (int y = 0; y < kSide; ++y) {
         for (int x = 0; x < kSide; ++x) {
             const double r = std::hypot(x - 23.5, y - 23.5);
@@ -213,7 +250,8 @@ Json DiscPicture(std::uint32_t light, std::uint32_t dark) {
             if (r <= 20) {
                 colour = 0;
                 for (int shift : {0, 8, 16}) {
-                    const int c = channel(light, shift) + (channel(dark, shift) - channel(light, shift)) * y / (kSide - 1);
+                    const int c = channel(light, shift) +
+                                  (channel(dark, shift) - channel(light, shift)) * y / (kSide - 1);
                     colour |= static_cast<std::uint32_t>(c) << shift;
                 }
             }
@@ -223,9 +261,10 @@ Json DiscPicture(std::uint32_t light, std::uint32_t dark) {
     const std::vector<std::uint8_t> png = platform::EncodePng({pixels.data(), kSide, kSide});
     platform::Image image = platform::DecodePng(png);
     // The ground colour becomes transparent; everything else opaque.
-    for (std::uint32_t& pixel : image.pixels) pixel = pixel == 0x00FF00FF ? 0 : (pixel | 0xFF000000u);
-    auto picture = std::make_shared<host::StdPicture>(host::PictureType::Bitmap, image.width, image.height,
-                                                      std::move(image.pixels));
+    for (std::uint32_t& pixel : image.pixels)
+        pixel = pixel == 0x00FF00FF ? 0 : (pixel | 0xFF000000u);
+    auto picture = std::make_shared<host::StdPicture>(host::PictureType::Bitmap, image.width,
+                                                      image.height, std::move(image.pixels));
     return host::json::Encode(host::Variant(std::move(picture)));
 }
 
@@ -235,12 +274,13 @@ Tile BigPictureTile() {
     Run run;
     // Saved at the size the picture gives it (48 + 2 pixels), as a designer would have saved it;
     // no caption, so the picture is the whole face.
-    Json controls = Json::array({ButtonControl("G", 8, 8, 50, 50,
-                                               {{"ButtonShow", 0},
-                                                {"TextAlignment", 0},
-                                                {"PictureUp", DiscPicture(0x40A0FF, 0x003080)},
-                                                {"PictureOver", DiscPicture(0x80D0FF, 0x2060C0)},
-                                                {"PictureDown", DiscPicture(0x003080, 0x40A0FF)}})});
+    Json controls =
+        Json::array({ButtonControl("G", 8, 8, 50, 50,
+                                   {{"ButtonShow", 0},
+                                    {"TextAlignment", 0},
+                                    {"PictureUp", DiscPicture(0x40A0FF, 0x003080)},
+                                    {"PictureOver", DiscPicture(0x80D0FF, 0x2060C0)},
+                                    {"PictureDown", DiscPicture(0x003080, 0x40A0FF)}})});
     for (int column = 0; column < 3; ++column) {
         sheet.columnHeads.push_back(LookName(kLooks[column]));
         const Steps steps = StepsFor(kLooks[column], "G");
@@ -249,8 +289,12 @@ Tile BigPictureTile() {
     run.form = Form(100 * kTwips, 100 * kTwips, controls);
     sheet.runs.push_back(std::move(run));
     return {"buttons-bigpicture.png",
-            "ButtonShow 0 with 48-pixel PictureUp, PictureOver and PictureDown: the face takes the picture's size",
-            {}, "", "form", std::move(sheet)};
+            "ButtonShow 0 with 48-pixel PictureUp, PictureOver and PictureDown: the face takes the "
+            "picture's size",
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -290,14 +334,21 @@ DrawnCell IconCell(std::int32_t image, int row, int column) {
         }
         x += kGroupGap - kSizeGap;
     }
-    DrawnCell cell{row, column, std::max(x - kGroupGap, 1), std::max(height, 1), {}, std::to_string(image) + " " + EnumName(image)};
-    cell.pixels.assign(static_cast<std::size_t>(cell.width) * static_cast<std::size_t>(cell.height), kGround);
+    DrawnCell cell{row,
+                   column,
+                   std::max(x - kGroupGap, 1),
+                   std::max(height, 1),
+                   {},
+                   std::to_string(image) + " " + EnumName(image)};
+    cell.pixels.assign(static_cast<std::size_t>(cell.width) * static_cast<std::size_t>(cell.height),
+                       kGround);
     for (const Placed& p : placed) {
         // Bottom-aligned, so the sizes of one row stand on one line.
         const std::int32_t top = cell.height - p.size;
         for (std::int32_t py = 0; py < p.size; ++py)
-            std::copy_n(p.pixels.begin() + static_cast<std::ptrdiff_t>(py) * p.size, p.size,
-                        cell.pixels.begin() + static_cast<std::ptrdiff_t>(top + py) * cell.width + p.x);
+            std::copy_n(
+                p.pixels.begin() + static_cast<std::ptrdiff_t>(py) * p.size, p.size,
+                cell.pixels.begin() + static_cast<std::ptrdiff_t>(top + py) * cell.width + p.x);
     }
     return cell;
 }
@@ -305,11 +356,16 @@ DrawnCell IconCell(std::int32_t image, int row, int column) {
 Tile IconSheetTile() {
     Sheet sheet;
     sheet.background = 0x00FFFFFF;
-    for (std::int32_t image = 1; image <= 50; ++image) sheet.drawn.push_back(IconCell(image, (image - 1) / 5, (image - 1) % 5));
+    for (std::int32_t image = 1; image <= 50; ++image)
+        sheet.drawn.push_back(IconCell(image, (image - 1) / 5, (image - 1) % 5));
     return {"icons-sheet.png",
-            "every icon group at each of its sizes: per image the groups N (normal), N + 100 (hover) and N + 200 "
+            "every icon group at each of its sizes: per image the groups N (normal), N + 100 "
+            "(hover) and N + 200 "
             "(down)",
-            {}, "", "form", std::move(sheet)};
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 }  // namespace
@@ -324,8 +380,8 @@ Tile FlatButtonTile() {
     Json controls = Json::array();
     for (int column = 0; column < 4; ++column) {
         const std::string name = "F" + std::to_string(column);
-        controls.push_back(Control("FlatButton", name, (8 + column * 96) * kTwips, 8 * kTwips, 80 * kTwips,
-                                   24 * kTwips,
+        controls.push_back(Control("FlatButton", name, (8 + column * 96) * kTwips, 8 * kTwips,
+                                   80 * kTwips, 24 * kTwips,
                                    {{"Caption", column == 3 ? "Abbre&chen" : "&Ja"},
                                     {"HoverColor", 0x00C00000},
                                     {"FocusRect", column == 3}}));
@@ -337,15 +393,21 @@ Tile FlatButtonTile() {
     run.form = Form(400 * kTwips, 40 * kTwips, controls);
     sheet.runs.push_back(std::move(run));
     return {"flatbutton.png",
-            "FlatButton: the flat ring, raised with the hover colour, sunken with the caption moved, and the focus",
-            {}, "", "form", std::move(sheet)};
+            "FlatButton: the flat ring, raised with the hover colour, sunken with the caption "
+            "moved, and the focus",
+            {},
+            "",
+            "form",
+            std::move(sheet)};
 }
 
 std::vector<Section> ButtonSections() {
-    Section button{"Button", {StylesTile(true), StylesTile(false), TextTile(), FocusTile(), BigPictureTile()}};
+    Section button{
+        "Button", {StylesTile(true), StylesTile(false), TextTile(), FocusTile(), BigPictureTile()}};
     Section images{"Button images", {}};
     for (bool iconSize : {false, true})
-        for (Look look : {Look::normal, Look::hover, Look::down}) images.tiles.push_back(ImagesTile(iconSize, look));
+        for (Look look : {Look::normal, Look::hover, Look::down})
+            images.tiles.push_back(ImagesTile(iconSize, look));
     Section icons{"Icon collection", {IconSheetTile()}};
     Section flat{"FlatButton (the message boxes' button)", {FlatButtonTile()}};
     return {std::move(button), std::move(images), std::move(icons), std::move(flat)};

@@ -24,11 +24,12 @@ constexpr std::array kCommands = {
     Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
     Command{"run", "korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]",
             "runs a form with a script of input, prints its events", RunForm},
-    Command{"render", "korvex render FORM.json -o FILE.png", "renders a form as it looks at run time",
-            RenderForm},
-    Command{"gallery", "korvex gallery --out DIR", "renders every control in its main looks, with index.html",
-            RunGallery},
-    Command{"gdi", "korvex gdi SCRIPT [--png FILE] [--hex FILE]", "runs a drawing script and writes the canvas", RunGdi},
+    Command{"render", "korvex render FORM.json -o FILE.png",
+            "renders a form as it looks at run time", RenderForm},
+    Command{"gallery", "korvex gallery --out DIR",
+            "renders every control in its main looks, with index.html", RunGallery},
+    Command{"gdi", "korvex gdi SCRIPT [--png FILE] [--hex FILE]",
+            "runs a drawing script and writes the canvas", RunGdi},
     Command{"members", "korvex members CLASS | --all --out DIR",
             "the member reference of a class (e.g. Korvex_Tools.Button) as Markdown", RunMembers},
 };
@@ -47,7 +48,9 @@ int Help(Args) {
 
 }  // namespace
 
-std::span<const Command> AllCommands() { return kCommands; }
+std::span<const Command> AllCommands() {
+    return kCommands;
+}
 
 }  // namespace korvex::cli
 

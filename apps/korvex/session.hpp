@@ -16,7 +16,8 @@ namespace korvex::cli {
 // A form file's text; the host's file-not-found error when it cannot be read.
 inline std::string ReadFormFile(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
-    if (!in) throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "korvex");
+    if (!in)
+        throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "korvex");
     std::stringstream text;
     text << in.rdbuf();
     return text.str();

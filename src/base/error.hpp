@@ -45,7 +45,7 @@ enum ErrorNumber : std::int32_t {
 std::string_view StandardErrorText(std::int32_t number);
 
 class HostError : public std::runtime_error {
-public:
+  public:
     // Standard text for the number.
     explicit HostError(std::int32_t number, std::string source = {});
     HostError(std::int32_t number, std::string description, std::string source);
@@ -54,7 +54,7 @@ public:
     [[nodiscard]] const std::string& Description() const { return description_; }
     [[nodiscard]] const std::string& Source() const { return source_; }
 
-private:
+  private:
     std::int32_t number_;
     std::string description_;
     std::string source_;

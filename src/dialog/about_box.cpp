@@ -72,7 +72,9 @@ frmAbout::frmAbout(platform::Platform& platform)
         lblButton.ForeColor(kLinkHoverColor);
     };
     // Leaving the link towards the text is what puts it back to rest.
-    lbl1.events.MouseMove = [this](std::int16_t, std::int16_t, float, float) { lblButton.ForeColor(kLinkColor); };
+    lbl1.events.MouseMove = [this](std::int16_t, std::int16_t, float, float) {
+        lblButton.ForeColor(kLinkColor);
+    };
 }
 
 void frmAbout::OpenLink(platform::HWND owner, std::string address) {
@@ -80,8 +82,8 @@ void frmAbout::OpenLink(platform::HWND owner, std::string address) {
     if (address.compare(0, 7, "http://") != 0) address.insert(0, "http://");
     std::intptr_t result = 0;
     try {
-        result = Me.Platform().shell().ShellExecuteA(owner, std::string_view("Open"), address, "", "",
-                                                     platform::SW_SHOWMAXIMIZED);
+        result = Me.Platform().shell().ShellExecuteA(owner, std::string_view("Open"), address, "",
+                                                     "", platform::SW_SHOWMAXIMIZED);
     } catch (const std::exception&) {
         // No browser, a bad address: the user sees nothing happen, and the pointer comes back.
     }
@@ -91,7 +93,8 @@ void frmAbout::OpenLink(platform::HWND owner, std::string address) {
 
 void ShowAboutBox(host::HostContext& context) {
     platform::Platform* platform = context.Platform();
-    if (!platform) throw host::HostError(host::kErrInvalidCall, "The about box needs a screen", "frmAbout");
+    if (!platform)
+        throw host::HostError(host::kErrInvalidCall, "The about box needs a screen", "frmAbout");
     frmAbout form(*platform);
     form.Me.Show(true);
     form.Me.Unload();

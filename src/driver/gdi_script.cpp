@@ -490,9 +490,9 @@ GdiScript ParseGdiScript(std::string_view text) {
             haveCanvas = true;
             continue;
         }
-        const auto def =
-            std::find_if(kCalls.begin(), kCalls.end(),
-                         [&](const CallDef& candidate) { return candidate.name == name; });
+        const auto def = std::find_if(kCalls.begin(), kCalls.end(), [&](const CallDef& candidate) {
+            return candidate.name == name;
+        });
         if (def == kCalls.end())
             throw GdiScriptError(lineNumber, "unknown call '" + std::string(name) + "'");
         if (!haveCanvas)

@@ -16,9 +16,9 @@ namespace {
 // Key names a script may use instead of virtual key numbers.
 const std::map<std::string, int, std::less<>>& KeyNames() {
     static const std::map<std::string, int, std::less<>> names = {
-        {"backspace", 8}, {"tab", 9},     {"enter", 13}, {"return", 13}, {"shift", 16},
-        {"ctrl", 17},     {"alt", 18},    {"escape", 27}, {"esc", 27},   {"space", 32},
-        {"left", 37},     {"up", 38},     {"right", 39}, {"down", 40},   {"delete", 46},
+        {"backspace", 8}, {"tab", 9},  {"enter", 13},  {"return", 13}, {"shift", 16},
+        {"ctrl", 17},     {"alt", 18}, {"escape", 27}, {"esc", 27},    {"space", 32},
+        {"left", 37},     {"up", 38},  {"right", 39},  {"down", 40},   {"delete", 46},
     };
     return names;
 }
@@ -47,11 +47,16 @@ struct Pointer {
 bool ParseButtonWords(const std::vector<std::string>& words, std::size_t from, Pointer& out) {
     for (std::size_t i = from; i < words.size(); ++i) {
         const std::string w = Lower(words[i]);
-        if (w == "left") out.button = platform::kButtonLeft;
-        else if (w == "right") out.button = platform::kButtonRight;
-        else if (w == "middle") out.button = platform::kButtonMiddle;
-        else if (w.rfind("shift=", 0) == 0 && IsInteger(w.substr(6))) out.shift = std::stoi(w.substr(6));
-        else return false;
+        if (w == "left")
+            out.button = platform::kButtonLeft;
+        else if (w == "right")
+            out.button = platform::kButtonRight;
+        else if (w == "middle")
+            out.button = platform::kButtonMiddle;
+        else if (w.rfind("shift=", 0) == 0 && IsInteger(w.substr(6)))
+            out.shift = std::stoi(w.substr(6));
+        else
+            return false;
     }
     return true;
 }
@@ -70,7 +75,8 @@ bool ParseKeyCode(const std::string& word, int& code) {
 // Names are only known while the form runs (a mode switch re-creates controls), so an unknown
 // one is the host's run-time error, not a malformed line.
 HostError NoControl(const std::string& name) {
-    return HostError(kErrObjectRequired, "Object required: there is no control named " + name, "korvex");
+    return HostError(kErrObjectRequired, "Object required: there is no control named " + name,
+                     "korvex");
 }
 
 std::string Unquote(const std::string& word) {
@@ -116,7 +122,8 @@ std::vector<std::string> SplitScriptLine(const std::string& line, int number) {
             }
             if (!closed) throw ScriptError(number, "unterminated text");
         } else {
-            while (i < line.size() && line[i] != ' ' && line[i] != '\t' && line[i] != '\r') word += line[i++];
+            while (i < line.size() && line[i] != ' ' && line[i] != '\t' && line[i] != '\r')
+                word += line[i++];
         }
         words.push_back(std::move(word));
     }
@@ -131,7 +138,8 @@ Variant ScriptRunner::ParseValue(const std::string& token) {
     if (lower == "nothing") return Variant::Nothing();
     if (auto number = ParseNumber(token)) {
         if (IsInteger(token) || token.rfind("&", 0) == 0) {
-            if (*number >= -2147483648.0 && *number <= 2147483647.0) return static_cast<std::int32_t>(*number);
+            if (*number >= -2147483648.0 && *number <= 2147483647.0)
+                return static_cast<std::int32_t>(*number);
             if (*number > 0 && *number <= 4294967295.0) return static_cast<std::uint32_t>(*number);
         }
         return *number;
@@ -200,7 +208,9 @@ void ScriptRunner::Validate(const Line& line) const {
     const auto& w = line.words;
     const std::string command = Lower(w[0]);
     const std::size_t n = w.size() - 1;
-    auto fail = [&](const std::string& why) { throw ScriptError(line.number, why + " (" + command + ")"); };
+    auto fail = [&](const std::string& why) {
+        throw ScriptError(line.number, why + " (" + command + ")");
+    };
     Pointer pointer;
     int code = 0;
     if (command == "move") {
@@ -210,7 +220,8 @@ void ScriptRunner::Validate(const Line& line) const {
     } else if (command == "down" || command == "up" || command == "click") {
         if (!ParseButtonWords(w, 1, pointer)) fail("expected: [left|right|middle] [shift=N]");
     } else if (command == "dblclick") {
-        if (!ParseButtonWords(w, 1, pointer)) fail("expected: dblclick [left|right|middle] [shift=N]");
+        if (!ParseButtonWords(w, 1, pointer))
+            fail("expected: dblclick [left|right|middle] [shift=N]");
     } else if (command == "key") {
         if (n < 2) fail("expected: key down|up CODE [shift=N], or key press ASCII");
         const std::string kind = Lower(w[1]);
@@ -219,7 +230,8 @@ void ScriptRunner::Validate(const Line& line) const {
         } else if (kind == "down" || kind == "up") {
             if (!ParseKeyCode(w[2], code)) fail("unknown key '" + w[2] + "'");
             for (std::size_t i = 3; i < w.size(); ++i) {
-                if (Lower(w[i]).rfind("shift=", 0) != 0 || !IsInteger(w[i].substr(6))) fail("expected shift=N");
+                if (Lower(w[i]).rfind("shift=", 0) != 0 || !IsInteger(w[i].substr(6)))
+                    fail("expected shift=N");
             }
         } else {
             fail("expected: key down|up|press");
@@ -241,7 +253,8 @@ void ScriptRunner::Validate(const Line& line) const {
     } else {
         throw ScriptError(line.number, "unknown command '" + w[0] + "'");
     }
-    if ((command == "get" || command == "set" || command == "call") && w[1].find('.') == std::string::npos) {
+    if ((command == "get" || command == "set" || command == "call") &&
+        w[1].find('.') == std::string::npos) {
         fail("expected NAME.MEMBER");
     }
 }
@@ -261,7 +274,8 @@ platform::POINT ScriptRunner::PointOf(const Line& line) const {
     platform::RECT r;
     if (Lower(w[1]) == "top") {
         const platform::HWND top = TopWindow();
-        if (!top || !windows.GetWindowRect(top, &r)) throw HostError(kErrInvalidCall, "There is no window on the screen", "korvex");
+        if (!top || !windows.GetWindowRect(top, &r))
+            throw HostError(kErrInvalidCall, "There is no window on the screen", "korvex");
     } else {
         Site* site = form_.Find(w[1]);
         if (!site) throw NoControl(w[1]);
@@ -271,7 +285,8 @@ platform::POINT ScriptRunner::PointOf(const Line& line) const {
             const platform::POINT origin = windows.ClientToScreen(form_.FormWindow(), {0, 0});
             const platform::RECT b = site->Bounds();
             r = {origin.x + form_.TwipsToPixelsX(b.left), origin.y + form_.TwipsToPixelsY(b.top),
-                 origin.x + form_.TwipsToPixelsX(b.right), origin.y + form_.TwipsToPixelsY(b.bottom)};
+                 origin.x + form_.TwipsToPixelsX(b.right),
+                 origin.y + form_.TwipsToPixelsY(b.bottom)};
         }
     }
     if (w.size() == 4) {
@@ -296,7 +311,12 @@ void ScriptRunner::Execute(const Line& line) {
     platform::Driver& loop = driver_;
     platform::Windows& windows = platform_.windows();
     Pointer pointer;
-    ParseButtonWords(w, command == "down" || command == "up" || command == "click" || command == "dblclick" ? 1 : w.size(), pointer);
+    ParseButtonWords(
+        w,
+        command == "down" || command == "up" || command == "click" || command == "dblclick"
+            ? 1
+            : w.size(),
+        pointer);
 
     if (command == "move") {
         loop.MouseMove(PointOf(line));
@@ -318,15 +338,20 @@ void ScriptRunner::Execute(const Line& line) {
         ParseKeyCode(w[2], code);
         int shift = 0;
         for (std::size_t i = 3; i < w.size(); ++i) shift = std::stoi(w[i].substr(6));
-        if (kind == "press") loop.KeyPress(code);
-        else if (kind == "down") loop.KeyDown(code, shift);
-        else loop.KeyUp(code, shift);
+        if (kind == "press")
+            loop.KeyPress(code);
+        else if (kind == "down")
+            loop.KeyDown(code, shift);
+        else
+            loop.KeyUp(code, shift);
     } else if (command == "type") {
         std::string text;
         for (std::size_t i = 1; i < w.size(); ++i) text += (i > 1 ? " " : "") + Unquote(w[i]);
         for (unsigned char c : text) {
             // Letters and digits have virtual keys of their own upper-case code.
-            const int vk = (c >= 'a' && c <= 'z') ? c - 32 : ((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ') ? c : 0;
+            const int vk = (c >= 'a' && c <= 'z')                                           ? c - 32
+                           : ((c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ') ? c
+                                                                                            : 0;
             if (vk) loop.KeyDown(vk, 0);
             loop.KeyPress(c);
             if (vk) loop.KeyUp(vk, 0);
@@ -349,7 +374,8 @@ void ScriptRunner::Execute(const Line& line) {
         std::vector<Variant> args;
         for (std::size_t i = 2; i < w.size(); ++i) args.push_back(ParseValue(w[i]));
         const Variant result = form_.CallMethod(*site, method, args);
-        if (!result.IsEmpty()) out_ << site->Name() << "." << method << " = " << DisplayText(result) << "\n";
+        if (!result.IsEmpty())
+            out_ << site->Name() << "." << method << " = " << DisplayText(result) << "\n";
     } else if (command == "design" || command == "runmode") {
         form_.SwitchMode(command == "runmode");
     } else if (command == "snapshot") {
@@ -370,7 +396,9 @@ void ScriptRunner::Execute(const Line& line) {
             }
             platform::RECT r;
             if (!window || !windows.GetWindowRect(window, &r)) {
-                throw HostError(kErrInvalidCall, "There is no window to take a snapshot of (" + w[2] + ")", "korvex");
+                throw HostError(kErrInvalidCall,
+                                "There is no window to take a snapshot of (" + w[2] + ")",
+                                "korvex");
             }
             pixels = driver_.ComposeWindow(window);
             size = {r.Width(), r.Height()};
@@ -381,7 +409,8 @@ void ScriptRunner::Execute(const Line& line) {
         try {
             platform::WritePng(path, {pixels.data(), size.cx, size.cy});
         } catch (const std::runtime_error& e) {
-            throw HostError(kErrPathFileAccess, std::string("Path/File access error (") + e.what() + ")", "korvex");
+            throw HostError(kErrPathFileAccess,
+                            std::string("Path/File access error (") + e.what() + ")", "korvex");
         }
     } else if (command == "save") {
         SaveFormFile(form_, (outDir_ / w[1]).string());

@@ -32,20 +32,21 @@
 namespace korvex::host {
 
 class ScriptError : public std::runtime_error {
-public:
+  public:
     ScriptError(int line, const std::string& message)
         : std::runtime_error("script line " + std::to_string(line) + ": " + message), line_(line) {}
     [[nodiscard]] int Line() const { return line_; }
 
-private:
+  private:
     int line_;
 };
 
 class ScriptRunner final : public platform::InputSource, public EventSink {
-public:
+  public:
     // The form must belong to a host context with a platform, which `driver` drives. Output
     // goes to `out`; snapshots and saved forms are written below `outDir`.
-    ScriptRunner(Container& form, platform::Driver& driver, std::ostream& out, std::filesystem::path outDir = ".");
+    ScriptRunner(Container& form, platform::Driver& driver, std::ostream& out,
+                 std::filesystem::path outDir = ".");
     ~ScriptRunner() override;
     ScriptRunner(const ScriptRunner&) = delete;
     ScriptRunner& operator=(const ScriptRunner&) = delete;
@@ -63,7 +64,7 @@ public:
     // Parses a script value as written in `set` and `call`.
     static Variant ParseValue(const std::string& token);
 
-private:
+  private:
     struct Line {
         int number = 0;
         std::vector<std::string> words;

@@ -6,7 +6,6 @@ namespace korvex::forms {
 
 using namespace platform;
 
-
 FormClient::FormClient(platform::Platform& platform, HWND frame, const RECT& position)
     : DrawingSurface(platform, frame, true, position) {
     platform.windows().ShowWindow(hWnd(), true);
@@ -15,7 +14,8 @@ FormClient::FormClient(platform::Platform& platform, HWND frame, const RECT& pos
 // ---------------------------------------------------------------------------------------------
 // Construction and geometry
 
-Form::Form(platform::Platform& platform, std::string name) : platform_(platform), name_(std::move(name)) {
+Form::Form(platform::Platform& platform, std::string name)
+    : platform_(platform), name_(std::move(name)) {
     Windows& windows = platform_.windows();
     const std::int32_t w = 4800 / TwipsPerPixelX(platform_), h = 3600 / TwipsPerPixelY(platform_);
     position_ = RECT{0, 0, w, h};
@@ -55,8 +55,10 @@ void Form::Move(float Left, float Top, float Width, float Height) {
     const auto px = [](float twips, int perPixel) {
         return static_cast<std::int32_t>(twips / static_cast<float>(perPixel) + 0.5f);
     };
-    const std::int32_t l = px(Left, TwipsPerPixelX(platform_)), t = px(Top, TwipsPerPixelY(platform_));
-    position_ = RECT{l, t, l + px(Width, TwipsPerPixelX(platform_)), t + px(Height, TwipsPerPixelY(platform_))};
+    const std::int32_t l = px(Left, TwipsPerPixelX(platform_)),
+                       t = px(Top, TwipsPerPixelY(platform_));
+    position_ = RECT{l, t, l + px(Width, TwipsPerPixelX(platform_)),
+                     t + px(Height, TwipsPerPixelY(platform_))};
     windows.MoveWindow(hwnd_, position_);
     PlaceClient();
     placed_ = true;
@@ -85,16 +87,23 @@ TITLEBARINFO Form::TitleBar() const {
     Windows& windows = platform_.windows();
     if (!windows.GetTitleBarInfo(hwnd_, &info) || !windows.GetWindowRect(hwnd_, &window)) return {};
     const auto toWindow = [&window](RECT r) {
-        return RECT{r.left - window.left, r.top - window.top, r.right - window.left, r.bottom - window.top};
+        return RECT{r.left - window.left, r.top - window.top, r.right - window.left,
+                    r.bottom - window.top};
     };
     info.rcTitleBar = toWindow(info.rcTitleBar);
     info.rcClose = toWindow(info.rcClose);
     return info;
 }
 
-RECT Form::CaptionRect() const { return TitleBar().rcTitleBar; }
-RECT Form::CloseBoxRect() const { return TitleBar().rcClose; }
-bool Form::CloseBoxPressed() const { return TitleBar().closePressed; }
+RECT Form::CaptionRect() const {
+    return TitleBar().rcTitleBar;
+}
+RECT Form::CloseBoxRect() const {
+    return TitleBar().rcClose;
+}
+bool Form::CloseBoxPressed() const {
+    return TitleBar().closePressed;
+}
 
 // ---------------------------------------------------------------------------------------------
 // Show, hide, unload

@@ -10,7 +10,8 @@ namespace korvex::forms {
 using namespace platform;
 
 Frame::Frame(DrawingSurface& container)
-    : DrawingSurface(container.Platform(), container.hWnd(), true, RECT{0, 0, 0, 0}), container_(container) {
+    : DrawingSurface(container.Platform(), container.hWnd(), true, RECT{0, 0, 0, 0}),
+      container_(container) {
     Font(container.Font()->Clone());
     Platform().windows().ShowWindow(hWnd(), true);
     Redraw();
@@ -29,9 +30,11 @@ float Frame::Height() const {
     return static_cast<float>(container_.Scale().SizeFromPixelsY(WindowPosition().Height()));
 }
 
-void Frame::Move(float Left, std::optional<float> Top, std::optional<float> Width, std::optional<float> Height) {
+void Frame::Move(float Left, std::optional<float> Top, std::optional<float> Width,
+                 std::optional<float> Height) {
     if ((Width && *Width < 0) || (Height && *Height < 0))
-        throw host::HostError(host::kErrInvalidPropertyValue, Width && *Width < 0 ? "Width" : "Height");
+        throw host::HostError(host::kErrInvalidPropertyValue,
+                              Width && *Width < 0 ? "Width" : "Height");
     const ScaleSystem& scale = container_.Scale();
     const RECT now = WindowPosition();
     const std::int32_t l = ToDevice(scale.ToPixelX(Left));

@@ -23,10 +23,18 @@ Lightweight::~Lightweight() {
 }
 
 // Without a container (it has gone) positions read as plain pixels.
-float Lightweight::Left() const { return bounds_.Left(container_ ? &container_->Scale() : nullptr); }
-float Lightweight::Top() const { return bounds_.Top(container_ ? &container_->Scale() : nullptr); }
-float Lightweight::Width() const { return bounds_.Width(container_ ? &container_->Scale() : nullptr); }
-float Lightweight::Height() const { return bounds_.Height(container_ ? &container_->Scale() : nullptr); }
+float Lightweight::Left() const {
+    return bounds_.Left(container_ ? &container_->Scale() : nullptr);
+}
+float Lightweight::Top() const {
+    return bounds_.Top(container_ ? &container_->Scale() : nullptr);
+}
+float Lightweight::Width() const {
+    return bounds_.Width(container_ ? &container_->Scale() : nullptr);
+}
+float Lightweight::Height() const {
+    return bounds_.Height(container_ ? &container_->Scale() : nullptr);
+}
 
 void Lightweight::SetBounds(std::optional<float> left, std::optional<float> top,
                             std::optional<float> width, std::optional<float> height) {

@@ -21,10 +21,18 @@ PictureBox::~PictureBox() {
     if (container_) container_->DetachWindow(this);
 }
 
-float PictureBox::Left() const { return bounds_.Left(container_ ? &container_->Scale() : nullptr); }
-float PictureBox::Top() const { return bounds_.Top(container_ ? &container_->Scale() : nullptr); }
-float PictureBox::Width() const { return bounds_.Width(container_ ? &container_->Scale() : nullptr); }
-float PictureBox::Height() const { return bounds_.Height(container_ ? &container_->Scale() : nullptr); }
+float PictureBox::Left() const {
+    return bounds_.Left(container_ ? &container_->Scale() : nullptr);
+}
+float PictureBox::Top() const {
+    return bounds_.Top(container_ ? &container_->Scale() : nullptr);
+}
+float PictureBox::Width() const {
+    return bounds_.Width(container_ ? &container_->Scale() : nullptr);
+}
+float PictureBox::Height() const {
+    return bounds_.Height(container_ ? &container_->Scale() : nullptr);
+}
 
 void PictureBox::SetBounds(std::optional<float> left, std::optional<float> top,
                            std::optional<float> width, std::optional<float> height) {

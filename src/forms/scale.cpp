@@ -132,10 +132,12 @@ float PixelBounds::Height(const ScaleSystem* scale) const {
     return static_cast<float>(scale ? scale->SizeFromPixelsY(height) : height);
 }
 
-PixelBounds PixelBounds::With(const ScaleSystem& scale, std::optional<float> newLeft, std::optional<float> newTop,
-                              std::optional<float> newWidth, std::optional<float> newHeight) const {
+PixelBounds PixelBounds::With(const ScaleSystem& scale, std::optional<float> newLeft,
+                              std::optional<float> newTop, std::optional<float> newWidth,
+                              std::optional<float> newHeight) const {
     return {newLeft ? scale.ToPixelX(*newLeft) : left, newTop ? scale.ToPixelY(*newTop) : top,
-            newWidth ? scale.SizeToPixelsX(*newWidth) : width, newHeight ? scale.SizeToPixelsY(*newHeight) : height};
+            newWidth ? scale.SizeToPixelsX(*newWidth) : width,
+            newHeight ? scale.SizeToPixelsY(*newHeight) : height};
 }
 
 platform::RECT PixelBounds::Device(std::int32_t inset) const {
@@ -145,7 +147,8 @@ platform::RECT PixelBounds::Device(std::int32_t inset) const {
 
 void CheckSizes(std::optional<float> width, std::optional<float> height) {
     if ((width && *width < 0) || (height && *height < 0)) {
-        throw host::HostError(host::kErrInvalidPropertyValue, width && *width < 0 ? "Width" : "Height");
+        throw host::HostError(host::kErrInvalidPropertyValue,
+                              width && *width < 0 ? "Width" : "Height");
     }
 }
 

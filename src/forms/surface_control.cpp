@@ -8,8 +8,8 @@ namespace {
 
 platform::Platform& RequirePlatform(host::HostContext& context) {
     if (!context.Platform()) {
-        throw host::HostError(host::kErrInvalidCall, "This control needs a host with a platform to show it on",
-                              "Control");
+        throw host::HostError(host::kErrInvalidCall,
+                              "This control needs a host with a platform to show it on", "Control");
     }
     return *context.Platform();
 }
@@ -25,10 +25,12 @@ SurfaceControl::SurfaceControl(host::HostContext& context)
     };
 }
 
-void SurfaceControl::ForwardMouse(MouseEvents& source, std::int32_t mouseDown, std::int32_t mouseMove,
-                                  std::int32_t mouseUp) {
+void SurfaceControl::ForwardMouse(MouseEvents& source, std::int32_t mouseDown,
+                                  std::int32_t mouseMove, std::int32_t mouseUp) {
     const auto forward = [this](std::int32_t id) {
-        return [this, id](std::int16_t Button, std::int16_t Shift, float x, float y) { RaiseEvent(id, Button, Shift, x, y); };
+        return [this, id](std::int16_t Button, std::int16_t Shift, float x, float y) {
+            RaiseEvent(id, Button, Shift, x, y);
+        };
     };
     source.MouseDown = forward(mouseDown);
     source.MouseMove = forward(mouseMove);

@@ -12,8 +12,8 @@
 #include <span>
 #include <string_view>
 
-#include "foundation/color.hpp"
 #include "base/error.hpp"
+#include "foundation/color.hpp"
 
 namespace korvex::foundation {
 
@@ -138,43 +138,67 @@ struct Pass {
 // Later passes paint over earlier ones; the order is part of the look.
 
 constexpr Pass kSingleBevel[] = {
-    {2, Repeat::kPerUnit, {Ln("(L+i-1, T+i-1) to (R-i, T+i-1)"), Ln("(L+i-1, T+i-1) to (L+i-1, B-i)")}},
+    {2,
+     Repeat::kPerUnit,
+     {Ln("(L+i-1, T+i-1) to (R-i, T+i-1)"), Ln("(L+i-1, T+i-1) to (L+i-1, B-i)")}},
     {1, Repeat::kPerUnit, {Ln("(L+i-1, B-i) to (R-i, B-i)"), Ln("(R-i, T+i-1) to (R-i, B-i+1)")}},
 };
 
 constexpr Pass kDoubleBevel[] = {
-    {2, Repeat::kPerUnit, {Ln("(L+i-1, T+i-1) to (R-i, T+i-1)"), Ln("(L+i-1, T+i-1) to (L+i-1, B-i)")}},
+    {2,
+     Repeat::kPerUnit,
+     {Ln("(L+i-1, T+i-1) to (R-i, T+i-1)"), Ln("(L+i-1, T+i-1) to (L+i-1, B-i)")}},
     {1, Repeat::kPerUnit, {Ln("(L+i-1, B-i) to (R-i+1, B-i)"), Ln("(R-i, T+i-1) to (R-i, B-i)")}},
     {4, Repeat::kOnce, {Ln("(L+W, T+W) to (R-W, T+W)"), Ln("(L+W, T+W) to (L+W, B-W)")}},
     {3, Repeat::kOnce, {Ln("(L+W, B-W-1) to (R-W-1, B-W-1)"), Ln("(R-W-1, T+W) to (R-W-1, B-W)")}},
 };
 
 constexpr Pass kOutlinedBevel[] = {
-    {1, Repeat::kPerUnit, {Ln("(L+i-1, T+i-1) to (R-i, T+i-1)"), Ln("(L+i-1, T+i-1) to (L+i-1, B-i)"),
-                           Ln("(L+i-1, B-i) to (R-i+1, B-i)"), Ln("(R-i, T+i-1) to (R-i, B-i)")}},
+    {1,
+     Repeat::kPerUnit,
+     {Ln("(L+i-1, T+i-1) to (R-i, T+i-1)"), Ln("(L+i-1, T+i-1) to (L+i-1, B-i)"),
+      Ln("(L+i-1, B-i) to (R-i+1, B-i)"), Ln("(R-i, T+i-1) to (R-i, B-i)")}},
     {2, Repeat::kPerUnit, {Ln("(L+i, T+i) to (R-i, T+i)"), Ln("(L+i, T+i+1) to (L+i, B-i)")}},
-    {3, Repeat::kPerUnit, {Ln("(L+i+1, B-i-1) to (R-i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
-    {4, Repeat::kOnce, {Ln("(L+W+1, T+W+1) to (R-W-1, T+W+1)"), Ln("(L+W+1, T+W+1) to (L+W+1, B-W-1)")}},
-    {5, Repeat::kOnce, {Ln("(L+W+2, B-W-2) to (R-W-1, B-W-2)"), Ln("(R-W-2, T+W+2) to (R-W-2, B-W-2)")}},
+    {3,
+     Repeat::kPerUnit,
+     {Ln("(L+i+1, B-i-1) to (R-i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
+    {4,
+     Repeat::kOnce,
+     {Ln("(L+W+1, T+W+1) to (R-W-1, T+W+1)"), Ln("(L+W+1, T+W+1) to (L+W+1, B-W-1)")}},
+    {5,
+     Repeat::kOnce,
+     {Ln("(L+W+2, B-W-2) to (R-W-1, B-W-2)"), Ln("(R-W-2, T+W+2) to (R-W-2, B-W-2)")}},
 };
 
 constexpr Pass kRoundedFrame[] = {
-    {1, Repeat::kPerUnit, {Ln("(L+i+1, T+i-1) to (R-i-1, T+i-1)"), Ln("(L+i+1, B-i) to (R-i-1, B-i)")}},
-    {1, Repeat::kPerUnit, {Ln("(L+i-1, T+i+1) to (L+i-1, B-i-1)"), Ln("(R-i, T+i+1) to (R-i, B-i-1)")}},
+    {1,
+     Repeat::kPerUnit,
+     {Ln("(L+i+1, T+i-1) to (R-i-1, T+i-1)"), Ln("(L+i+1, B-i) to (R-i-1, B-i)")}},
+    {1,
+     Repeat::kPerUnit,
+     {Ln("(L+i-1, T+i+1) to (L+i-1, B-i-1)"), Ln("(R-i, T+i+1) to (R-i, B-i-1)")}},
     {1, Repeat::kPerUnit, {Ln("(L+i, T+i) to (R-i, T+i)"), Ln("(L+i, T+i+1) to (L+i, B-i)")}},
-    {1, Repeat::kPerUnit, {Ln("(L+i+1, B-i-1) to (R-i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
+    {1,
+     Repeat::kPerUnit,
+     {Ln("(L+i+1, B-i-1) to (R-i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
     {3, Repeat::kPerUnit, {Ln("(L+i+1, T+i) to (R-i-1, T+i)")}},
-    {2, Repeat::kPerUnit, {Ln("(L+i, T+i+1) to (L+i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
+    {2,
+     Repeat::kPerUnit,
+     {Ln("(L+i, T+i+1) to (L+i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
     {4, Repeat::kPerUnit, {Ln("(L+i+1, B-i-1) to (R-i-1, B-i-1)")}},
     {5, Repeat::kLastTwo, {Ln("(L+i, T+i+1) to (R-i-1, T+i+1)")}},
     {6, Repeat::kLastTwo, {Ln("(L+i+1, B-i-2) to (R-i-1, B-i-2)")}},
 };
 
 constexpr Pass kXPFrame[] = {
-    {4, Repeat::kPerUnit, {Ln("(L+i+1, T+i-1) to (R-i-1, T+i-1)"), Ln("(L+i-1, T+i+1) to (L+i-1, B-i-1)")}},
+    {4,
+     Repeat::kPerUnit,
+     {Ln("(L+i+1, T+i-1) to (R-i-1, T+i-1)"), Ln("(L+i-1, T+i+1) to (L+i-1, B-i-1)")}},
     {4, Repeat::kPerUnit, {Ln("(L+i+1, B-i) to (R-i-1, B-i)"), Ln("(R-i, T+i+1) to (R-i, B-i-1)")}},
     {4, Repeat::kPerUnit, {Ln("(L+i, T+i) to (R-i, T+i)"), Ln("(L+i, T+i+1) to (L+i, B-i)")}},
-    {4, Repeat::kPerUnit, {Ln("(L+i+1, B-i-1) to (R-i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
+    {4,
+     Repeat::kPerUnit,
+     {Ln("(L+i+1, B-i-1) to (R-i, B-i-1)"), Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
     {2, Repeat::kPerUnit, {Ln("(L+i, T+i+1) to (L+i, B-i-1)")}},
     {6, Repeat::kPerUnit, {Ln("(L+i+1, T+i) to (R-i-1, T+i)")}},
     {2, Repeat::kPerUnit, {Ln("(R-i-1, T+i+1) to (R-i-1, B-i-1)")}},
@@ -202,7 +226,7 @@ struct Frame {
     std::int64_t w;
 
     std::int32_t Eval(const Coord& c, std::int64_t i) const {
-        std::int64_t v = c.edge == 'L' ? rect.left
+        std::int64_t v = c.edge == 'L'   ? rect.left
                          : c.edge == 'T' ? rect.top
                          : c.edge == 'R' ? rect.right
                                          : rect.bottom;
@@ -271,15 +295,23 @@ void DrawBorderStyle(platform::Gdi& gdi, platform::HDC dc, const platform::RECT&
                      std::int32_t style, host::OLE_COLOR& color1, host::OLE_COLOR& color2,
                      host::OLE_COLOR& color3, host::OLE_COLOR& color4, host::OLE_COLOR& color5,
                      host::OLE_COLOR& color6, std::int32_t penStyle, std::int32_t width) {
-    const auto colors =
-        ConvertInPlace(gdi, {&color1, &color2, &color3, &color4, &color5, &color6});
+    const auto colors = ConvertInPlace(gdi, {&color1, &color2, &color3, &color4, &color5, &color6});
     std::span<const Pass> passes;
     switch (style) {
-        case 1: passes = kSingleBevel; break;
-        case 2: passes = kDoubleBevel; break;
-        case 3: passes = kOutlinedBevel; break;
-        case 4: passes = kRoundedFrame; break;
-        default: break;
+        case 1:
+            passes = kSingleBevel;
+            break;
+        case 2:
+            passes = kDoubleBevel;
+            break;
+        case 3:
+            passes = kOutlinedBevel;
+            break;
+        case 4:
+            passes = kRoundedFrame;
+            break;
+        default:
+            break;
     }
     Paint(gdi, dc, rect, passes, colors, penStyle, width);
 }
@@ -288,8 +320,7 @@ void DrawXPFrame(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& rec
                  std::int32_t style, host::OLE_COLOR& color1, host::OLE_COLOR& color2,
                  host::OLE_COLOR& color3, host::OLE_COLOR& color4, host::OLE_COLOR& color5,
                  host::OLE_COLOR& color6, std::int32_t penStyle, std::int32_t width) {
-    const auto colors =
-        ConvertInPlace(gdi, {&color1, &color2, &color3, &color4, &color5, &color6});
+    const auto colors = ConvertInPlace(gdi, {&color1, &color2, &color3, &color4, &color5, &color6});
     std::span<const Pass> passes;
     if (style == 1) passes = kXPFrame;
     Paint(gdi, dc, rect, passes, colors, penStyle, width);

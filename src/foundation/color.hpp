@@ -19,7 +19,9 @@ platform::COLORREF OleColorToRGBTopByte(platform::Gdi& gdi, host::OLE_COLOR colo
 
 // Channels of an RGB value for the image filters, each 0 to 255 for an RGB value. The host's
 // integer division truncates toward zero, which these keep for negative inputs.
-constexpr std::int16_t RedComponent(std::int32_t rgb) { return static_cast<std::int16_t>(rgb & 255); }
+constexpr std::int16_t RedComponent(std::int32_t rgb) {
+    return static_cast<std::int16_t>(rgb & 255);
+}
 constexpr std::int16_t GreenComponent(std::int32_t rgb) {
     return static_cast<std::int16_t>((rgb / 256) & 255);
 }

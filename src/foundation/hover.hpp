@@ -18,13 +18,13 @@ bool IsMouseInto(platform::Windows& windows, platform::HWND hWnd);
 
 // One control's poll state: the last pointer position seen, initially (0, 0).
 class HoverPoll {
-public:
+  public:
     // Called on every tick. Nothing when the pointer has not moved since the last tick (a
     // resting pointer causes no repaint); otherwise whether it is inside the window now. The
     // look is re-applied on every movement, inside or outside.
     std::optional<bool> Tick(platform::Windows& windows, platform::HWND hWnd);
 
-private:
+  private:
     platform::POINT last_{0, 0};
 };
 

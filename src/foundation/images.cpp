@@ -43,7 +43,8 @@ std::uint16_t U16(std::span<const std::uint8_t> b, std::size_t at) {
 
 std::uint32_t U32(std::span<const std::uint8_t> b, std::size_t at) {
     return static_cast<std::uint32_t>(b[at]) | (static_cast<std::uint32_t>(b[at + 1]) << 8) |
-           (static_cast<std::uint32_t>(b[at + 2]) << 16) | (static_cast<std::uint32_t>(b[at + 3]) << 24);
+           (static_cast<std::uint32_t>(b[at + 2]) << 16) |
+           (static_cast<std::uint32_t>(b[at + 3]) << 24);
 }
 
 std::optional<std::vector<DirEntry>> ReadDirectory(std::span<const std::uint8_t> ico) {
@@ -68,7 +69,8 @@ std::optional<std::vector<DirEntry>> ReadDirectory(std::span<const std::uint8_t>
 
 bool IsPng(std::span<const std::uint8_t> data) {
     static constexpr std::uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-    return data.size() >= 8 && std::equal(std::begin(kSignature), std::end(kSignature), data.begin());
+    return data.size() >= 8 &&
+           std::equal(std::begin(kSignature), std::end(kSignature), data.begin());
 }
 
 std::optional<Image> DecodeBmpEntry(std::span<const std::uint8_t> data) {
@@ -80,7 +82,8 @@ std::optional<Image> DecodeBmpEntry(std::span<const std::uint8_t> data) {
     const std::uint32_t compression = U32(data, 16);
     std::uint32_t colours = U32(data, 32);
     if (header < 40 || header > data.size() || compression != 0) return std::nullopt;
-    if (width <= 0 || width > 256 || doubled <= 0 || doubled > 512 || doubled % 2 != 0) return std::nullopt;
+    if (width <= 0 || width > 256 || doubled <= 0 || doubled > 512 || doubled % 2 != 0)
+        return std::nullopt;
     if (bits != 1 && bits != 4 && bits != 8 && bits != 24 && bits != 32) return std::nullopt;
     const std::int32_t height = doubled / 2;
     if (bits <= 8 && colours == 0) colours = 1u << bits;
@@ -94,7 +97,8 @@ std::optional<Image> DecodeBmpEntry(std::span<const std::uint8_t> data) {
     const std::size_t andStart = xorStart + xorStride * static_cast<std::size_t>(height);
     if (andStart + andStride * static_cast<std::size_t>(height) > data.size()) return std::nullopt;
 
-    Image image{width, height, std::vector<std::uint32_t>(static_cast<std::size_t>(width) * height)};
+    Image image{width, height,
+                std::vector<std::uint32_t>(static_cast<std::size_t>(width) * height)};
     bool anyAlpha = false;
     for (std::int32_t y = 0; y < height; ++y) {
         const std::size_t row = xorStart + xorStride * static_cast<std::size_t>(height - 1 - y);
@@ -106,12 +110,14 @@ std::optional<Image> DecodeBmpEntry(std::span<const std::uint8_t> data) {
                 anyAlpha = anyAlpha || (word >> 24) != 0;
             } else if (bits == 24) {
                 const std::size_t at = row + 3 * ux;
-                word = data[at] | (data[at + 1] << 8) | (static_cast<std::uint32_t>(data[at + 2]) << 16);
+                word = data[at] | (data[at + 1] << 8) |
+                       (static_cast<std::uint32_t>(data[at + 2]) << 16);
             } else {
                 const std::size_t bit = ux * bits;
                 const std::uint8_t byte = data[row + bit / 8];
                 const unsigned index = (byte >> (8 - bits - bit % 8)) & ((1u << bits) - 1);
-                if (index < colours) word = U32(data, palette + 4 * std::size_t{index}) & 0x00FFFFFFu;
+                if (index < colours)
+                    word = U32(data, palette + 4 * std::size_t{index}) & 0x00FFFFFFu;
             }
             image.pixels[static_cast<std::size_t>(y) * width + ux] = word;
         }
@@ -168,8 +174,10 @@ const DirEntry* PickEntry(const std::vector<DirEntry>& entries, std::int32_t siz
     return best;
 }
 
-std::vector<std::uint32_t> ScaleNearest(const Image& image, std::int32_t width, std::int32_t height) {
-    std::vector<std::uint32_t> out(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+std::vector<std::uint32_t> ScaleNearest(const Image& image, std::int32_t width,
+                                        std::int32_t height) {
+    std::vector<std::uint32_t> out(static_cast<std::size_t>(width) *
+                                   static_cast<std::size_t>(height));
     for (std::int32_t y = 0; y < height; ++y) {
         const std::int32_t sy = y * image.height / height;
         for (std::int32_t x = 0; x < width; ++x) {
@@ -186,7 +194,8 @@ std::vector<std::uint32_t> ScaleNearest(const Image& image, std::int32_t width, 
 // ---------------------------------------------------------------------------------------------
 // Loading
 
-std::shared_ptr<host::StdPicture> LoadIconImage(std::span<const std::uint8_t> ico, std::int32_t size) {
+std::shared_ptr<host::StdPicture> LoadIconImage(std::span<const std::uint8_t> ico,
+                                                std::int32_t size) {
     const auto entries = ReadDirectory(ico);
     if (!entries) return nullptr;
     const DirEntry* entry = PickEntry(*entries, size > 0 ? size : kSystemIconSize);
@@ -198,17 +207,21 @@ std::shared_ptr<host::StdPicture> LoadIconImage(std::span<const std::uint8_t> ic
     std::vector<std::uint32_t> pixels = (width == image->width && height == image->height)
                                             ? image->pixels
                                             : ScaleNearest(*image, width, height);
-    return std::make_shared<host::StdPicture>(host::PictureType::Icon, width, height, std::move(pixels));
+    return std::make_shared<host::StdPicture>(host::PictureType::Icon, width, height,
+                                              std::move(pixels));
 }
 
-std::shared_ptr<host::StdPicture> LoadResImage(std::int32_t id, std::int32_t size, std::int32_t flags) {
+std::shared_ptr<host::StdPicture> LoadResImage(std::int32_t id, std::int32_t size,
+                                               std::int32_t flags) {
     static_cast<void>(flags);
-    const std::span<const std::uint8_t> ico = resources::Find("icons/" + std::to_string(id) + ".ico");
+    const std::span<const std::uint8_t> ico =
+        resources::Find("icons/" + std::to_string(id) + ".ico");
     if (ico.empty()) return nullptr;
     return LoadIconImage(ico, size);
 }
 
-std::vector<std::uint32_t> ComposeOnColor(const host::StdPicture& picture, std::uint32_t background) {
+std::vector<std::uint32_t> ComposeOnColor(const host::StdPicture& picture,
+                                          std::uint32_t background) {
     std::vector<std::uint32_t> out;
     out.reserve(picture.Pixels().size());
     for (const std::uint32_t word : picture.Pixels()) {
@@ -250,7 +263,8 @@ void EmbossPicture(platform::Gdi& gdi, std::span<const std::uint32_t> source,
             std::uint32_t& out = destination[static_cast<std::size_t>(y) * width + x];
             std::uint32_t word = out & 0xFF000000u;
             for (int i = 0; i < 3; ++i) {
-                const int value = std::min(255, std::abs(channel(here, i) - channel(below, i) + baseChannel[i]));
+                const int value =
+                    std::min(255, std::abs(channel(here, i) - channel(below, i) + baseChannel[i]));
                 word |= static_cast<std::uint32_t>(value) << (16 - 8 * i);
             }
             out = word;

@@ -27,14 +27,17 @@ inline constexpr std::int32_t kSystemIconSize = 32;
 // scaled down, else the largest smaller one scaled up (nearest pixel); among images of one size
 // the deepest colour wins. A missing or unreadable group gives nullptr, not an error. `flags` are
 // LoadImageA's; colour is the only mode the library carries, so they pick nothing here.
-std::shared_ptr<host::StdPicture> LoadResImage(std::int32_t id, std::int32_t size, std::int32_t flags);
+std::shared_ptr<host::StdPicture> LoadResImage(std::int32_t id, std::int32_t size,
+                                               std::int32_t flags);
 
 // The same from the bytes of an .ico file; nullptr when they are no icon group.
-std::shared_ptr<host::StdPicture> LoadIconImage(std::span<const std::uint8_t> ico, std::int32_t size);
+std::shared_ptr<host::StdPicture> LoadIconImage(std::span<const std::uint8_t> ico,
+                                                std::int32_t size);
 
 // The pixels of `picture` drawn over a background of `background` (0x00RRGGBB), alpha blended,
 // as an image box shows an icon on a surface of that colour. Words come back 0x00RRGGBB.
-std::vector<std::uint32_t> ComposeOnColor(const host::StdPicture& picture, std::uint32_t background);
+std::vector<std::uint32_t> ComposeOnColor(const host::StdPicture& picture,
+                                          std::uint32_t background);
 
 // The pixel table the emboss filter reads holds at most this many pixels each way; pixels
 // beyond it are neither read nor written.

@@ -12,9 +12,11 @@ namespace {
 
 // The platform's event sound aliases, in the order SystemSound numbers them.
 constexpr std::array<std::string_view, 18> kSystemSounds = {
-    "AppGPFault",   "ProgramClose", "EmptyRecycleBin", "MailBeep",          "Maximize",   "MenuCommand",
-    "MenuPopup",    "Minimize",     "Open",            "RestoreDown",       "RestoreUp",  "RingIn",
-    "Ringout",      "SystemExclamation", "SystemExit", "SystemHand",        "SystemQuestion", "SystemStart"};
+    "AppGPFault",     "ProgramClose",      "EmptyRecycleBin", "MailBeep",
+    "Maximize",       "MenuCommand",       "MenuPopup",       "Minimize",
+    "Open",           "RestoreDown",       "RestoreUp",       "RingIn",
+    "Ringout",        "SystemExclamation", "SystemExit",      "SystemHand",
+    "SystemQuestion", "SystemStart"};
 
 // The directory helpers hand the platform a 255-character buffer and keep what it wrote.
 constexpr std::size_t kDirectoryBuffer = 255;

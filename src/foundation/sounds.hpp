@@ -26,7 +26,7 @@ inline constexpr std::int32_t kFirstWaveResource = 101;
 inline constexpr std::int32_t kLastWaveResource = 106;
 
 class cSounds {  // keeps no state
-public:
+  public:
     explicit cSounds(platform::Platform& platform);
     // Plays row SoundIndex (0 to 17) of the system event table; any other index is silence.
     void SystemSound(std::int32_t SoundIndex);
@@ -42,7 +42,7 @@ public:
     // The name of system event SoundIndex; empty for an index outside the table.
     static std::string_view SystemSoundName(std::int32_t SoundIndex);
 
-private:
+  private:
     platform::Platform& platform_;
 };
 
@@ -53,13 +53,13 @@ std::vector<std::uint8_t> LoadResData(std::int32_t id, std::string_view type);
 // Plays the library's own WAVE resources (101 to 106) from memory and keeps the image alive
 // while it plays.
 class ResourceSoundPlayer {
-public:
+  public:
     explicit ResourceSoundPlayer(platform::Platform& platform);
     // Error 326 for an id that is not one of the library's WAVE resources.
     void PlaySound(std::int16_t ResourceId);
     void EndPlaySound();
 
-private:
+  private:
     platform::Platform& platform_;
     // The image the platform is reading from; replaced only after the platform let go of the
     // previous one (the new call replaces the old sound first).

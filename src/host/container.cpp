@@ -31,7 +31,9 @@ void Site::RaiseEvent(const EventInfo& event, std::span<Variant> args) {
     if (container_.sink_) container_.sink_->OnEvent(*this, event, args);
 }
 
-HostContext& Site::Context() const { return container_.Context(); }
+HostContext& Site::Context() const {
+    return container_.Context();
+}
 
 platform::HWND Site::ContainerWindow() const {
     if (parent_ && parent_->control_) {
@@ -41,7 +43,8 @@ platform::HWND Site::ContainerWindow() const {
 }
 
 platform::RECT Site::Bounds() const {
-    return {extender_.Left, extender_.Top, extender_.Left + extender_.Width, extender_.Top + extender_.Height};
+    return {extender_.Left, extender_.Top, extender_.Left + extender_.Width,
+            extender_.Top + extender_.Height};
 }
 
 void Site::RequestExtent(std::int32_t width, std::int32_t height) {
@@ -57,12 +60,15 @@ void Site::RequestExtent(std::int32_t width, std::int32_t height) {
 // ---------------------------------------------------------------------------------------------
 // Container
 
-Container::Container(HostContext& context) : context_(context), font_(context.DefaultFont()->Clone()) {
+Container::Container(HostContext& context)
+    : context_(context), font_(context.DefaultFont()->Clone()) {
     if (platform::Platform* p = context_.Platform()) {
-        formWindow_ = p->windows().CreateWindow({}, {0, 0, TwipsToPixelsX(Width), TwipsToPixelsY(Height)}, {},
-                                                this, Caption);
-        keyFilter_ = p->loop().AddKeyFilter(
-            [this](const platform::KeyEvent& event, platform::HWND focus) { return FilterKey(event, focus); });
+        formWindow_ = p->windows().CreateWindow(
+            {}, {0, 0, TwipsToPixelsX(Width), TwipsToPixelsY(Height)}, {}, this, Caption);
+        keyFilter_ =
+            p->loop().AddKeyFilter([this](const platform::KeyEvent& event, platform::HWND focus) {
+                return FilterKey(event, focus);
+            });
     }
 }
 
@@ -86,8 +92,9 @@ Site* Container::FocusedSite(platform::HWND focus) const {
 }
 
 bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus) {
-    const bool tab = (event.kind == platform::KeyEvent::Kind::Press) ? event.keyCode == '\t'
-                                                                      : event.keyCode == platform::VK_TAB;
+    const bool tab = (event.kind == platform::KeyEvent::Kind::Press)
+                         ? event.keyCode == '\t'
+                         : event.keyCode == platform::VK_TAB;
     if (!tab) return false;
     platform::Windows& windows = context_.Platform()->windows();
     // Only keys meant for this form: its own window or a window inside it has the focus.
@@ -98,15 +105,17 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
 
     std::vector<Site*> stops;
     for (const auto& site : sites_) {
-        const platform::HWND w = site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
-        if (w && site->extender_.TabStop && site->control_->CanGetFocus() && windows.IsWindowVisible(w) &&
-            windows.IsWindowEnabled(w)) {
+        const platform::HWND w =
+            site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
+        if (w && site->extender_.TabStop && site->control_->CanGetFocus() &&
+            windows.IsWindowVisible(w) && windows.IsWindowEnabled(w)) {
             stops.push_back(site.get());
         }
     }
     if (stops.empty()) return true;
-    std::stable_sort(stops.begin(), stops.end(),
-                     [](const Site* a, const Site* b) { return a->extender_.TabIndex < b->extender_.TabIndex; });
+    std::stable_sort(stops.begin(), stops.end(), [](const Site* a, const Site* b) {
+        return a->extender_.TabIndex < b->extender_.TabIndex;
+    });
     const bool backwards = (event.shift & platform::kShiftMask) != 0;
     auto current = std::find(stops.begin(), stops.end(), FocusedSite(focus));
     std::size_t next = 0;
@@ -122,13 +131,15 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
 
 std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
     platform::Platform* p = context_.Platform();
-    const int perPixel = p ? platform::TwipsPerPixelX(*p) : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
+    const int perPixel = p ? platform::TwipsPerPixelX(*p)
+                           : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 
 std::int32_t Container::TwipsToPixelsY(std::int32_t twips) const {
     platform::Platform* p = context_.Platform();
-    const int perPixel = p ? platform::TwipsPerPixelY(*p) : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
+    const int perPixel = p ? platform::TwipsPerPixelY(*p)
+                           : platform::kTwipsPerInch / platform::kDefaultPixelsPerInch;
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 
@@ -155,7 +166,8 @@ void Container::OnPaint(platform::HDC dc, const platform::RECT& client) {
 }
 
 void Container::PlaceWindow(Site& site) {
-    if (site.control_) site.control_->Place(site.Bounds(), site.extender_.Visible, site.extender_.Enabled);
+    if (site.control_)
+        site.control_->Place(site.Bounds(), site.extender_.Visible, site.extender_.Enabled);
 }
 
 void Container::Clear() {
@@ -173,16 +185,20 @@ void Container::TerminateAll() {
     }
 }
 
-Site& Container::Create(std::string_view progId, Extender extender, Site* parent, const JsonPropertyBag* bag) {
+Site& Container::Create(std::string_view progId, Extender extender, Site* parent,
+                        const JsonPropertyBag* bag) {
     const ClassInfo* info = context_.Classes().Find(progId);
     if (!info || !info->create) {
         throw HostError(kErrCannotCreateObject,
-                        std::string(StandardErrorText(kErrCannotCreateObject)) + " (" + std::string(progId) + ")",
+                        std::string(StandardErrorText(kErrCannotCreateObject)) + " (" +
+                            std::string(progId) + ")",
                         "Container");
     }
-    if (extender.Name.empty()) throw HostError(kErrInvalidCall, "A control needs a name", "Container");
+    if (extender.Name.empty())
+        throw HostError(kErrInvalidCall, "A control needs a name", "Container");
     if (Find(extender.Name)) {
-        throw HostError(kErrInvalidCall, "A control named " + extender.Name + " already exists", "Container");
+        throw HostError(kErrInvalidCall, "A control named " + extender.Name + " already exists",
+                        "Container");
     }
 
     auto owned = std::make_unique<Site>(*this, *info, std::move(extender), parent);
@@ -229,7 +245,8 @@ Site& Container::Add(std::string_view progId, Extender extender, Site* parent) {
     return Create(progId, std::move(extender), parent, nullptr);
 }
 
-Site& Container::Restore(std::string_view progId, Extender extender, const JsonPropertyBag& bag, Site* parent) {
+Site& Container::Restore(std::string_view progId, Extender extender, const JsonPropertyBag& bag,
+                         Site* parent) {
     return Create(progId, std::move(extender), parent, &bag);
 }
 
@@ -250,7 +267,9 @@ Site* Container::Find(std::string_view name) const {
 
 Site& Container::Get(std::string_view name) const {
     Site* site = Find(name);
-    if (!site) throw HostError(kErrInvalidCall, "There is no control named " + std::string(name), "Container");
+    if (!site)
+        throw HostError(kErrInvalidCall, "There is no control named " + std::string(name),
+                        "Container");
     return *site;
 }
 
@@ -309,18 +328,28 @@ void Container::LetProperty(Site& site, std::string_view name, const Variant& va
         PlaceWindow(site);
         site.GetControl().UserControl_Resize();
     };
-    if (EqualsNoCase(name, "Name") || EqualsNoCase(name, "Container")) throw HostError(kErrReadOnlyProperty, std::string(name));
-    if (EqualsNoCase(name, "Left")) e.Left = value.ToLong(), PlaceWindow(site);
-    else if (EqualsNoCase(name, "Top")) e.Top = value.ToLong(), PlaceWindow(site);
-    else if (EqualsNoCase(name, "Width")) resize(e.Width);
-    else if (EqualsNoCase(name, "Height")) resize(e.Height);
-    else if (EqualsNoCase(name, "Visible")) e.Visible = value.ToBool(), PlaceWindow(site);
-    else if (EqualsNoCase(name, "Enabled")) e.Enabled = value.ToBool(), PlaceWindow(site);
-    else if (EqualsNoCase(name, "TabIndex")) e.TabIndex = value.ToInteger();
-    else if (EqualsNoCase(name, "TabStop")) e.TabStop = value.ToBool();
+    if (EqualsNoCase(name, "Name") || EqualsNoCase(name, "Container"))
+        throw HostError(kErrReadOnlyProperty, std::string(name));
+    if (EqualsNoCase(name, "Left"))
+        e.Left = value.ToLong(), PlaceWindow(site);
+    else if (EqualsNoCase(name, "Top"))
+        e.Top = value.ToLong(), PlaceWindow(site);
+    else if (EqualsNoCase(name, "Width"))
+        resize(e.Width);
+    else if (EqualsNoCase(name, "Height"))
+        resize(e.Height);
+    else if (EqualsNoCase(name, "Visible"))
+        e.Visible = value.ToBool(), PlaceWindow(site);
+    else if (EqualsNoCase(name, "Enabled"))
+        e.Enabled = value.ToBool(), PlaceWindow(site);
+    else if (EqualsNoCase(name, "TabIndex"))
+        e.TabIndex = value.ToInteger();
+    else if (EqualsNoCase(name, "TabStop"))
+        e.TabStop = value.ToBool();
     else {
         Variant argument = value;
-        Invoke(site.GetControl(), name, value.IsObject() ? InvokeKind::Set : InvokeKind::Let, {&argument, 1});
+        Invoke(site.GetControl(), name, value.IsObject() ? InvokeKind::Set : InvokeKind::Let,
+               {&argument, 1});
     }
 }
 

@@ -30,7 +30,7 @@ struct Extender {
 
 // One sited control.
 class Site final : public ControlSite {
-public:
+  public:
     Site(Container& container, const ClassInfo& info, Extender extender, Site* parent);
 
     [[nodiscard]] const std::string& Name() const { return extender_.Name; }
@@ -48,7 +48,7 @@ public:
     [[nodiscard]] platform::RECT Bounds() const override;
     void RequestExtent(std::int32_t width, std::int32_t height) override;
 
-private:
+  private:
     friend class Container;
     Container& container_;
     const ClassInfo* info_;
@@ -62,14 +62,14 @@ private:
 
 // Receives what the sited controls raise and report, in the order it happens.
 class EventSink {
-public:
+  public:
     virtual ~EventSink() = default;
     virtual void OnEvent(Site& site, const EventInfo& event, std::span<Variant> args) = 0;
     virtual void OnPropertyChanged(Site& site, std::string_view property) = 0;
 };
 
 class Container : private platform::WindowHandler {
-public:
+  public:
     explicit Container(HostContext& context);
     ~Container();
     Container(const Container&) = delete;
@@ -130,9 +130,10 @@ public:
     // The bag each control writes now, in form order.
     [[nodiscard]] JsonPropertyBag SaveBag(const Site& site) const;
 
-private:
+  private:
     friend class Site;
-    Site& Create(std::string_view progId, Extender extender, Site* parent, const JsonPropertyBag* bag);
+    Site& Create(std::string_view progId, Extender extender, Site* parent,
+                 const JsonPropertyBag* bag);
     // Creates the site's control and brings it up: Initialize, siting, InitProperties or
     // ReadProperties, Resize, its window placed by the extender.
     void Instantiate(Site& site, const JsonPropertyBag* bag);

@@ -6,7 +6,8 @@ HostContext::HostContext(platform::Platform* platform)
     : platform_(platform), defaultFont_(std::make_shared<StdFont>("MS Sans Serif", 8.25)) {}
 
 void HostContext::ShowAboutBox() {
-    if (!aboutBox_) throw HostError(kErrInvalidCall, "The about box is not available in this host", "Host");
+    if (!aboutBox_)
+        throw HostError(kErrInvalidCall, "The about box is not available in this host", "Host");
     aboutBox_();
 }
 
@@ -15,7 +16,8 @@ void Control::RaiseEventArgs(std::int32_t id, std::span<Variant> args) {
     const EventInfo* event = TypeInfo().Event(id);
     if (!event) {
         throw HostError(kErrInvalidCall,
-                        TypeInfo().name + " has no event number " + std::to_string(id), TypeInfo().name);
+                        TypeInfo().name + " has no event number " + std::to_string(id),
+                        TypeInfo().name);
     }
     if (args.size() != event->params.size()) {
         throw HostError(kErrWrongArguments, TypeInfo().name + "." + event->name, TypeInfo().name);
@@ -54,14 +56,22 @@ std::int16_t EffectiveMousePointer(std::int16_t pointer, const std::shared_ptr<S
 
 std::vector<std::pair<std::string, std::int32_t>> MousePointerMembers(std::string_view customName) {
     static constexpr std::pair<std::string_view, std::int32_t> kNames[] = {
-        {"Voreinstellung", 0},       {"Pfeil", 1},
-        {"Kreuz", 2},                {"Icursor", 3},
-        {"Symbol", 4},               {"Größenänderung", 5},
-        {"Größenänderung_No_Sw", 6}, {"Größenänderung_N_O", 7},
-        {"Größenänderung_Nw_So", 8}, {"Größenänderung_W_O", 9},
-        {"Aufwärtspfeil", 10},       {"Sanduhr", 11},
-        {"Nicht_ablegen", 12},       {"Pfeil_Sanduhr", 13},
-        {"Pfeil_Fragezeichen", 14},  {"Größenänderung_Alle", 15},
+        {"Voreinstellung", 0},
+        {"Pfeil", 1},
+        {"Kreuz", 2},
+        {"Icursor", 3},
+        {"Symbol", 4},
+        {"Größenänderung", 5},
+        {"Größenänderung_No_Sw", 6},
+        {"Größenänderung_N_O", 7},
+        {"Größenänderung_Nw_So", 8},
+        {"Größenänderung_W_O", 9},
+        {"Aufwärtspfeil", 10},
+        {"Sanduhr", 11},
+        {"Nicht_ablegen", 12},
+        {"Pfeil_Sanduhr", 13},
+        {"Pfeil_Fragezeichen", 14},
+        {"Größenänderung_Alle", 15},
     };
     std::vector<std::pair<std::string, std::int32_t>> members;
     for (const auto& [name, value] : kNames) members.emplace_back(std::string(name), value);

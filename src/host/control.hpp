@@ -16,13 +16,13 @@
 #include <utility>
 
 #include "base/error.hpp"
-#include "platform/window.hpp"
 #include "host/font.hpp"
 #include "host/object.hpp"
 #include "host/ole_types.hpp"
 #include "host/property_bag.hpp"
 #include "host/type_info.hpp"
 #include "host/variant.hpp"
+#include "platform/window.hpp"
 
 namespace korvex::host {
 
@@ -37,7 +37,7 @@ struct AmbientProperties {
 // What the host thread shares with every control it drives: the creatable classes and the
 // about box. One per user-interface thread; two hosts never see each other's.
 class HostContext {
-public:
+  public:
     // Without a platform the host persists and drives controls but shows nothing.
     explicit HostContext(platform::Platform* platform = nullptr);
 
@@ -58,19 +58,19 @@ public:
     // otherwise (a control made on its own gets a top-level window).
     [[nodiscard]] platform::HWND NewControlParent() const { return newControlParent_; }
     class CreatingIn {
-    public:
+      public:
         CreatingIn(HostContext& context, platform::HWND parent)
             : context_(context), previous_(std::exchange(context.newControlParent_, parent)) {}
         ~CreatingIn() { context_.newControlParent_ = previous_; }
         CreatingIn(const CreatingIn&) = delete;
         CreatingIn& operator=(const CreatingIn&) = delete;
 
-    private:
+      private:
         HostContext& context_;
         platform::HWND previous_;
     };
 
-private:
+  private:
     platform::Platform* platform_;
     ClassRegistry classes_;
     std::shared_ptr<StdFont> defaultFont_;
@@ -80,7 +80,7 @@ private:
 
 // The host's side of one sited control.
 class ControlSite {
-public:
+  public:
     virtual ~ControlSite() = default;
     [[nodiscard]] virtual AmbientProperties Ambient() const = 0;
     virtual void PropertyChanged(std::string_view name) = 0;
@@ -96,7 +96,7 @@ public:
 };
 
 class Control : public Object {
-public:
+  public:
     // Lifecycle, in the order the host calls them.
     virtual void UserControl_Initialize() {}
     virtual void UserControl_InitProperties() {}
@@ -144,16 +144,14 @@ public:
 
     // Raises a declared event (KORVEX_EVENTS) by its number.
     template <class E, class... A>
-        requires std::is_enum_v<E>
-    void RaiseEvent(E id, A&... args) {
-        RaiseEvent(static_cast<std::int32_t>(id), args...);
-    }
+    requires std::is_enum_v<E>
+    void RaiseEvent(E id, A&... args) { RaiseEvent(static_cast<std::int32_t>(id), args...); }
 
     // Ambient properties of the site; defaults when the control is not sited. Public because
     // property declarations take their font defaults from it.
     [[nodiscard]] AmbientProperties Ambient() const;
 
-protected:
+  protected:
     // The site is known: its container window and bounds can be read.
     virtual void SiteAttached() {}
     // Tells the host that a persisted property changed, by its public name.
@@ -161,7 +159,7 @@ protected:
     // Loads the library's about box, shows it modally and unloads it.
     void OpenAboutBox();
 
-private:
+  private:
     ControlSite* site_ = nullptr;
     std::int32_t extentWidth_ = 0;
     std::int32_t extentHeight_ = 0;

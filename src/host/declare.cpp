@@ -25,8 +25,10 @@ std::int32_t ParseValue(std::string_view text) {
         base = 16;
     }
     std::int64_t value = 0;
-    [[maybe_unused]] const auto [end, ec] = std::from_chars(text.data(), text.data() + text.size(), value, base);
-    assert(ec == std::errc{} && end == text.data() + text.size() && "enumerator values are plain literals");
+    [[maybe_unused]] const auto [end, ec] =
+        std::from_chars(text.data(), text.data() + text.size(), value, base);
+    assert(ec == std::errc{} && end == text.data() + text.size() &&
+           "enumerator values are plain literals");
     return static_cast<std::int32_t>(negative ? -value : value);
 }
 

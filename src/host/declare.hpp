@@ -34,12 +34,13 @@ namespace korvex::host {
 
 // The names and values of one enumeration, parsed once from the text of its declaration.
 class EnumDeclaration {
-public:
+  public:
     using Members = std::vector<std::pair<std::string, std::int32_t>>;
     // `body` is the enumerator list as written: "a = 1, b, c = 0x10"; a member without a value
     // follows the one before it, as in C++.
     EnumDeclaration(std::string_view name, std::string_view body);
-    EnumDeclaration(std::string_view name, Members members) : name_(name), members_(std::move(members)) {}
+    EnumDeclaration(std::string_view name, Members members)
+        : name_(name), members_(std::move(members)) {}
 
     [[nodiscard]] const std::string& Name() const { return name_; }
     [[nodiscard]] const Members& List() const { return members_; }
@@ -47,7 +48,7 @@ public:
     // 32-bit value).
     [[nodiscard]] std::string_view NameOf(std::int32_t value) const;
 
-private:
+  private:
     std::string name_;
     Members members_;
 };
@@ -64,11 +65,11 @@ const EnumDeclaration& EnumOf() {
     return DescribeEnum(E{});
 }
 
-#define KORVEX_ENUM(Name, ...)                                                              \
-    enum class Name : std::int32_t { __VA_ARGS__ };                                         \
-    inline const ::korvex::host::EnumDeclaration& DescribeEnum(Name) {                      \
-        static const ::korvex::host::EnumDeclaration declaration(#Name, #__VA_ARGS__);      \
-        return declaration;                                                                 \
+#define KORVEX_ENUM(Name, ...)                                                         \
+    enum class Name : std::int32_t { __VA_ARGS__ };                                    \
+    inline const ::korvex::host::EnumDeclaration& DescribeEnum(Name) {                 \
+        static const ::korvex::host::EnumDeclaration declaration(#Name, #__VA_ARGS__); \
+        return declaration;                                                            \
     }
 
 // The seventeen members of a control's pointer enumeration ("Voreinstellung" = 0, "Pfeil" = 1,
@@ -76,12 +77,12 @@ const EnumDeclaration& EnumOf() {
 EnumDeclaration::Members MousePointerMembers(std::string_view customName);
 
 // A control's pointer enumeration: the shared members under the control's own names.
-#define KORVEX_POINTER_ENUM(Name, customName)                                                    \
-    enum class Name : std::int32_t {};                                                           \
-    inline const ::korvex::host::EnumDeclaration& DescribeEnum(Name) {                           \
-        static const ::korvex::host::EnumDeclaration declaration(                                \
-            #Name, ::korvex::host::MousePointerMembers(customName));                             \
-        return declaration;                                                                      \
+#define KORVEX_POINTER_ENUM(Name, customName)                          \
+    enum class Name : std::int32_t {};                                 \
+    inline const ::korvex::host::EnumDeclaration& DescribeEnum(Name) { \
+        static const ::korvex::host::EnumDeclaration declaration(      \
+            #Name, ::korvex::host::MousePointerMembers(customName));   \
+        return declaration;                                            \
     }
 
 // Events are numbered from 1 in the order of the event interface.
@@ -101,10 +102,13 @@ struct Default {
     using Compute = V (*)(const C&);
     Default() = default;
     template <class U>
-        requires std::is_convertible_v<U, V> || std::is_convertible_v<U, Compute>
-    Default(U given, std::string_view text = {}) : note(text), set(true) {
-        if constexpr (std::is_convertible_v<U, Compute>) compute = given;
-        else value = static_cast<V>(given);
+    requires std::is_convertible_v<U, V> || std::is_convertible_v<U, Compute> Default(
+        U given, std::string_view text = {})
+        : note(text), set(true) {
+        if constexpr (std::is_convertible_v<U, Compute>)
+            compute = given;
+        else
+            value = static_cast<V>(given);
     }
 
     [[nodiscard]] V Of(const C& control) const { return compute ? compute(control) : value; }
@@ -142,7 +146,9 @@ struct Property {
         return FromVariant<V>(PropBag.ReadProperty(Key(), Stored(ReadDefault(control))));
     }
     // Reads the key and passes it to the property's own setter.
-    void Load(C& control, const PropertyBag& PropBag) const { (control.*set)(Read(control, PropBag)); }
+    void Load(C& control, const PropertyBag& PropBag) const {
+        (control.*set)(Read(control, PropBag));
+    }
     void Save(const C& control, PropertyBag& PropBag) const {
         PropBag.WriteProperty(Key(), Stored((control.*get)()), Stored(WriteDefault(control)));
     }
@@ -163,25 +169,38 @@ struct Property {
         if (read.set) return read.Of(control);
         return Implicit(control);
     }
-    [[nodiscard]] V WriteDefault(const C& control) const { return write.set ? write.Of(control) : ReadDefault(control); }
-    [[nodiscard]] V Initial(const C& control) const { return init.set ? init.Of(control) : ReadDefault(control); }
+    [[nodiscard]] V WriteDefault(const C& control) const {
+        return write.set ? write.Of(control) : ReadDefault(control);
+    }
+    [[nodiscard]] V Initial(const C& control) const {
+        return init.set ? init.Of(control) : ReadDefault(control);
+    }
 
     // The value in the bag's kind.
     [[nodiscard]] Variant Stored(const V& value) const {
         switch (bag) {
-        case BagKind::Integer:
-            // Checked: an enumeration value beyond 16 bits is the host's overflow, as any Integer.
-            if constexpr (std::is_enum_v<V>) return Variant(static_cast<std::int32_t>(value)).ConvertedLike(Variant(std::int16_t{}));
-            else if constexpr (std::is_same_v<V, bool>) return Variant(static_cast<std::int16_t>(value ? -1 : 0));
-            else return Variant(value).ConvertedLike(Variant(std::int16_t{}));
-        case BagKind::Double:
-            if constexpr (std::is_arithmetic_v<V>) return Variant(static_cast<double>(value));
-            else return Variant(value).ConvertedLike(Variant(0.0));
-        case BagKind::Long:
-            if constexpr (std::is_enum_v<V> || std::is_integral_v<V>) return Variant(static_cast<std::int32_t>(value));
-            else return Variant(value).ConvertedLike(Variant(std::int32_t{}));
-        default:
-            return Variant(value);
+            case BagKind::Integer:
+                // Checked: an enumeration value beyond 16 bits is the host's overflow, as any
+                // Integer.
+                if constexpr (std::is_enum_v<V>)
+                    return Variant(static_cast<std::int32_t>(value))
+                        .ConvertedLike(Variant(std::int16_t{}));
+                else if constexpr (std::is_same_v<V, bool>)
+                    return Variant(static_cast<std::int16_t>(value ? -1 : 0));
+                else
+                    return Variant(value).ConvertedLike(Variant(std::int16_t{}));
+            case BagKind::Double:
+                if constexpr (std::is_arithmetic_v<V>)
+                    return Variant(static_cast<double>(value));
+                else
+                    return Variant(value).ConvertedLike(Variant(0.0));
+            case BagKind::Long:
+                if constexpr (std::is_enum_v<V> || std::is_integral_v<V>)
+                    return Variant(static_cast<std::int32_t>(value));
+                else
+                    return Variant(value).ConvertedLike(Variant(std::int32_t{}));
+            default:
+                return Variant(value);
         }
     }
 
@@ -191,18 +210,24 @@ struct Property {
         const Default<C, V>& d = given.set ? given : (read.set ? read : given);
         if (d.set && d.compute) return std::string(d.note.empty() ? "computed" : d.note);
         if (d.set) return DisplayText(Stored(d.value));
-        if constexpr (std::is_same_v<V, std::shared_ptr<StdFont>>) return "ambient font";
-        else return DisplayText(Stored(V{}));
+        if constexpr (std::is_same_v<V, std::shared_ptr<StdFont>>)
+            return "ambient font";
+        else
+            return DisplayText(Stored(V{}));
     }
     [[nodiscard]] VarKind StoredKind() const {
-        if constexpr (std::is_same_v<V, std::shared_ptr<StdFont>>) return VarKind::Font;
-        else if constexpr (std::is_same_v<V, std::shared_ptr<StdPicture>>) return VarKind::Picture;
-        else return Stored(V{}).Kind();
+        if constexpr (std::is_same_v<V, std::shared_ptr<StdFont>>)
+            return VarKind::Font;
+        else if constexpr (std::is_same_v<V, std::shared_ptr<StdPicture>>)
+            return VarKind::Picture;
+        else
+            return Stored(V{}).Kind();
     }
 
-private:
+  private:
     [[nodiscard]] static V Implicit(const C& control) {
-        if constexpr (std::is_same_v<V, std::shared_ptr<StdFont>>) return control.Ambient().Font;
+        if constexpr (std::is_same_v<V, std::shared_ptr<StdFont>>)
+            return control.Ambient().Font;
         else {
             (void)control;
             return V{};

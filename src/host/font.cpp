@@ -124,8 +124,12 @@ StdPicture::StdPicture(PictureType type, std::int32_t width, std::int32_t height
     }
 }
 
-std::int32_t StdPicture::Width() const { return PixelsToHimetric(width_); }
-std::int32_t StdPicture::Height() const { return PixelsToHimetric(height_); }
+std::int32_t StdPicture::Width() const {
+    return PixelsToHimetric(width_);
+}
+std::int32_t StdPicture::Height() const {
+    return PixelsToHimetric(height_);
+}
 
 bool StdPicture::SameContent(const StdPicture& other) const {
     return type_ == other.type_ && width_ == other.width_ && height_ == other.height_ &&

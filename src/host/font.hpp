@@ -13,7 +13,7 @@
 namespace korvex::host {
 
 class StdFont final : public Object {
-public:
+  public:
     using Listener = std::function<void(std::string_view property)>;
 
     StdFont() = default;
@@ -46,7 +46,7 @@ public:
 
     [[nodiscard]] const ClassInfo& TypeInfo() const override;
 
-private:
+  private:
     void Changed(std::string_view property);
 
     std::string name_ = "MS Sans Serif";
@@ -59,12 +59,18 @@ private:
     std::vector<std::weak_ptr<Listener>> listeners_;
 };
 
-enum class PictureType : std::int16_t { None = 0, Bitmap = 1, Metafile = 2, Icon = 3, EnhMetafile = 4 };
+enum class PictureType : std::int16_t {
+    None = 0,
+    Bitmap = 1,
+    Metafile = 2,
+    Icon = 3,
+    EnhMetafile = 4
+};
 
 // A picture: its pixels as 0xAARRGGBB words, top-down (alpha 0 is transparent, as in icons).
 // Sizes read in pixels and, as the host reports them, in himetric units at 96 pixels per inch.
 class StdPicture final : public Object {
-public:
+  public:
     StdPicture() = default;
     StdPicture(PictureType type, std::int32_t width, std::int32_t height,
                std::vector<std::uint32_t> pixels);
@@ -82,7 +88,7 @@ public:
     [[nodiscard]] bool SameContent(const StdPicture& other) const;
     [[nodiscard]] const ClassInfo& TypeInfo() const override;
 
-private:
+  private:
     PictureType type_ = PictureType::None;
     std::int32_t width_ = 0;
     std::int32_t height_ = 0;

@@ -10,17 +10,20 @@ namespace korvex::host::json {
 
 namespace {
 
-constexpr std::string_view kBase64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::string_view kBase64 =
+    "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
 [[noreturn]] void Malformed(const std::string& what) {
-    throw HostError(kErrInvalidPropertyValue, "Invalid property value in JSON: " + what, "PropertyBag");
+    throw HostError(kErrInvalidPropertyValue, "Invalid property value in JSON: " + what,
+                    "PropertyBag");
 }
 
 std::string Base64Encode(const std::vector<std::uint32_t>& words) {
     std::vector<std::uint8_t> bytes;
     bytes.reserve(words.size() * 4);
     for (std::uint32_t w : words) {
-        for (int shift = 0; shift < 32; shift += 8) bytes.push_back(static_cast<std::uint8_t>(w >> shift));
+        for (int shift = 0; shift < 32; shift += 8)
+            bytes.push_back(static_cast<std::uint8_t>(w >> shift));
     }
     std::string out;
     out.reserve((bytes.size() + 2) / 3 * 4);
@@ -54,7 +57,8 @@ std::vector<std::uint32_t> Base64DecodeWords(const std::string& text) {
     if (bytes.size() % 4 != 0) Malformed("picture pixels are not whole 32-bit words");
     std::vector<std::uint32_t> words(bytes.size() / 4);
     for (std::size_t i = 0; i < words.size(); ++i) {
-        words[i] = static_cast<std::uint32_t>(bytes[4 * i]) | static_cast<std::uint32_t>(bytes[4 * i + 1]) << 8 |
+        words[i] = static_cast<std::uint32_t>(bytes[4 * i]) |
+                   static_cast<std::uint32_t>(bytes[4 * i + 1]) << 8 |
                    static_cast<std::uint32_t>(bytes[4 * i + 2]) << 16 |
                    static_cast<std::uint32_t>(bytes[4 * i + 3]) << 24;
     }
@@ -84,8 +88,10 @@ std::shared_ptr<StdFont> DecodeFont(const Json& j) {
     auto font = std::make_shared<StdFont>();
     font->Name(Field<std::string>(j, "Name", font->Name()));
     font->Size(Field<double>(j, "Size", font->Size()));
-    if (j.contains("Weight")) font->Weight(Field<std::int16_t>(j, "Weight", 400));
-    else font->Bold(Field<bool>(j, "Bold", false));
+    if (j.contains("Weight"))
+        font->Weight(Field<std::int16_t>(j, "Weight", 400));
+    else
+        font->Bold(Field<bool>(j, "Bold", false));
     font->Italic(Field<bool>(j, "Italic", false));
     font->Underline(Field<bool>(j, "Underline", false));
     font->Strikethrough(Field<bool>(j, "Strikethrough", false));
@@ -97,14 +103,22 @@ std::shared_ptr<StdFont> DecodeFont(const Json& j) {
 
 Json Encode(const Variant& value) {
     switch (value.Kind()) {
-        case VarKind::Empty: return nullptr;
-        case VarKind::Boolean: return value.ToBool();
-        case VarKind::Integer: return Json{{"Integer", value.ToInteger()}};
-        case VarKind::Long: return value.ToLong();
-        case VarKind::Single: return Json{{"Single", static_cast<double>(value.ToSingle())}};
-        case VarKind::Double: return value.ToDouble();
-        case VarKind::String: return value.ToString();
-        case VarKind::Font: return Json{{"Font", EncodeFont(*value.ToFont())}};
+        case VarKind::Empty:
+            return nullptr;
+        case VarKind::Boolean:
+            return value.ToBool();
+        case VarKind::Integer:
+            return Json{{"Integer", value.ToInteger()}};
+        case VarKind::Long:
+            return value.ToLong();
+        case VarKind::Single:
+            return Json{{"Single", static_cast<double>(value.ToSingle())}};
+        case VarKind::Double:
+            return value.ToDouble();
+        case VarKind::String:
+            return value.ToString();
+        case VarKind::Font:
+            return Json{{"Font", EncodeFont(*value.ToFont())}};
         case VarKind::Picture: {
             auto p = value.ToPicture();
             return Json{{"Picture",
@@ -116,29 +130,35 @@ Json Encode(const Variant& value) {
         case VarKind::Object:
             if (value.ToObject()) Malformed("an object that cannot be persisted");
             return Json{{"Object", nullptr}};
-        case VarKind::Missing: return Json{{"Missing", true}};
+        case VarKind::Missing:
+            return Json{{"Missing", true}};
     }
     return nullptr;
 }
 
 Variant Decode(const Json& j) {
     switch (j.type()) {
-        case Json::value_t::null: return {};
-        case Json::value_t::boolean: return j.get<bool>();
-        case Json::value_t::string: return j.get<std::string>();
-        case Json::value_t::number_float: return j.get<double>();
+        case Json::value_t::null:
+            return {};
+        case Json::value_t::boolean:
+            return j.get<bool>();
+        case Json::value_t::string:
+            return j.get<std::string>();
+        case Json::value_t::number_float:
+            return j.get<double>();
         case Json::value_t::number_integer:
         case Json::value_t::number_unsigned: {
             const auto n = j.get<std::int64_t>();
-            if (n >= std::numeric_limits<std::int32_t>::min() && n <= std::numeric_limits<std::int32_t>::max())
+            if (n >= std::numeric_limits<std::int32_t>::min() &&
+                n <= std::numeric_limits<std::int32_t>::max())
                 return static_cast<std::int32_t>(n);
             if (n > 0 && n <= 0xFFFFFFFFLL) return static_cast<std::uint32_t>(n);
             return static_cast<double>(n);
         }
         case Json::value_t::object: {
             if (j.size() != 1) Malformed(j.dump());
-            // The entry's key and value, held by the object itself (an items() proxy would not outlive
-            // this statement).
+            // The entry's key and value, held by the object itself (an items() proxy would not
+            // outlive this statement).
             const auto entry = j.begin();
             const std::string tag = entry.key();
             const Json& inner = entry.value();
@@ -158,13 +178,15 @@ Variant Decode(const Json& j) {
             if (tag == "Picture") {
                 if (!inner.is_object()) Malformed("picture");
                 const auto type = static_cast<PictureType>(Field<int>(inner, "Type", 1));
-                return std::make_shared<StdPicture>(type, Field<std::int32_t>(inner, "Width", 0),
-                                                    Field<std::int32_t>(inner, "Height", 0),
-                                                    Base64DecodeWords(Field<std::string>(inner, "Pixels", "")));
+                return std::make_shared<StdPicture>(
+                    type, Field<std::int32_t>(inner, "Width", 0),
+                    Field<std::int32_t>(inner, "Height", 0),
+                    Base64DecodeWords(Field<std::string>(inner, "Pixels", "")));
             }
             Malformed(j.dump());
         }
-        default: Malformed(j.dump());
+        default:
+            Malformed(j.dump());
     }
 }
 

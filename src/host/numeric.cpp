@@ -12,7 +12,9 @@ namespace korvex::host {
 
 namespace {
 
-[[noreturn]] void Overflow() { throw HostError(kErrOverflow); }
+[[noreturn]] void Overflow() {
+    throw HostError(kErrOverflow);
+}
 
 template <class T>
 T CheckedRange(std::int64_t value) {
@@ -20,14 +22,21 @@ T CheckedRange(std::int64_t value) {
     return static_cast<T>(value);
 }
 
-bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\n' || c == '\r';
+}
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 int DigitValue(char c, int radix) {
     int d = -1;
-    if (c >= '0' && c <= '9') d = c - '0';
-    else if (c >= 'a' && c <= 'f') d = c - 'a' + 10;
-    else if (c >= 'A' && c <= 'F') d = c - 'A' + 10;
+    if (c >= '0' && c <= '9')
+        d = c - '0';
+    else if (c >= 'a' && c <= 'f')
+        d = c - 'a' + 10;
+    else if (c >= 'A' && c <= 'F')
+        d = c - 'A' + 10;
     return d < radix ? d : -1;
 }
 
@@ -37,9 +46,12 @@ int DigitValue(char c, int radix) {
 std::size_t ParseRadix(std::string_view s, double& out) {
     if (s.size() < 2 || s[0] != '&') return 0;
     int radix = 0;
-    if (s[1] == 'H' || s[1] == 'h') radix = 16;
-    else if (s[1] == 'O' || s[1] == 'o') radix = 8;
-    else return 0;
+    if (s[1] == 'H' || s[1] == 'h')
+        radix = 16;
+    else if (s[1] == 'O' || s[1] == 'o')
+        radix = 8;
+    else
+        return 0;
     std::size_t i = 2;
     std::uint64_t value = 0;
     bool any = false;
@@ -55,8 +67,10 @@ std::size_t ParseRadix(std::string_view s, double& out) {
         return i;
     }
     const bool longSuffix = i < s.size() && s[i] == '&';
-    if (value <= 0xFFFF && !longSuffix) out = static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
-    else out = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
+    if (value <= 0xFFFF && !longSuffix)
+        out = static_cast<std::int16_t>(static_cast<std::uint16_t>(value));
+    else
+        out = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
     return longSuffix ? i + 1 : i;
 }
 
@@ -116,9 +130,11 @@ std::string FormatSignificant(double value, int digits) {
         std::snprintf(exp, sizeof exp, "E%c%02d", exponent < 0 ? '-' : '+', std::abs(exponent));
         return out + exp;
     }
-    if (exponent < 0) return sign + "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + mantissa;
+    if (exponent < 0)
+        return sign + "0." + std::string(static_cast<std::size_t>(-exponent - 1), '0') + mantissa;
     const auto whole = static_cast<std::size_t>(exponent) + 1;
-    if (mantissa.size() <= whole) return sign + mantissa + std::string(whole - mantissa.size(), '0');
+    if (mantissa.size() <= whole)
+        return sign + mantissa + std::string(whole - mantissa.size(), '0');
     return sign + mantissa.substr(0, whole) + "." + mantissa.substr(whole);
 }
 
@@ -151,15 +167,31 @@ float ToSingle(double value) {
     return static_cast<float>(value);
 }
 
-double Int(double value) { return std::floor(value); }
-double Fix(double value) { return std::trunc(value); }
+double Int(double value) {
+    return std::floor(value);
+}
+double Fix(double value) {
+    return std::trunc(value);
+}
 
-std::int16_t AddInteger(std::int16_t a, std::int16_t b) { return CheckedRange<std::int16_t>(std::int64_t{a} + b); }
-std::int16_t SubInteger(std::int16_t a, std::int16_t b) { return CheckedRange<std::int16_t>(std::int64_t{a} - b); }
-std::int16_t MulInteger(std::int16_t a, std::int16_t b) { return CheckedRange<std::int16_t>(std::int64_t{a} * b); }
-std::int32_t AddLong(std::int32_t a, std::int32_t b) { return CheckedRange<std::int32_t>(std::int64_t{a} + b); }
-std::int32_t SubLong(std::int32_t a, std::int32_t b) { return CheckedRange<std::int32_t>(std::int64_t{a} - b); }
-std::int32_t MulLong(std::int32_t a, std::int32_t b) { return CheckedRange<std::int32_t>(std::int64_t{a} * b); }
+std::int16_t AddInteger(std::int16_t a, std::int16_t b) {
+    return CheckedRange<std::int16_t>(std::int64_t{a} + b);
+}
+std::int16_t SubInteger(std::int16_t a, std::int16_t b) {
+    return CheckedRange<std::int16_t>(std::int64_t{a} - b);
+}
+std::int16_t MulInteger(std::int16_t a, std::int16_t b) {
+    return CheckedRange<std::int16_t>(std::int64_t{a} * b);
+}
+std::int32_t AddLong(std::int32_t a, std::int32_t b) {
+    return CheckedRange<std::int32_t>(std::int64_t{a} + b);
+}
+std::int32_t SubLong(std::int32_t a, std::int32_t b) {
+    return CheckedRange<std::int32_t>(std::int64_t{a} - b);
+}
+std::int32_t MulLong(std::int32_t a, std::int32_t b) {
+    return CheckedRange<std::int32_t>(std::int64_t{a} * b);
+}
 
 std::int16_t IntDivInteger(std::int16_t a, std::int16_t b) {
     if (b == 0) throw HostError(kErrDivisionByZero);
@@ -211,7 +243,11 @@ std::optional<double> ParseNumber(std::string_view text) {
     return value;
 }
 
-std::string FormatDouble(double value) { return FormatSignificant(value, 15); }
-std::string FormatSingle(float value) { return FormatSignificant(static_cast<double>(value), 7); }
+std::string FormatDouble(double value) {
+    return FormatSignificant(value, 15);
+}
+std::string FormatSingle(float value) {
+    return FormatSignificant(static_cast<double>(value), 7);
+}
 
 }  // namespace korvex::host

@@ -12,7 +12,7 @@ namespace korvex::host {
 class ClassInfo;
 
 class Object : public std::enable_shared_from_this<Object> {
-public:
+  public:
     virtual ~Object() = default;
     [[nodiscard]] virtual const ClassInfo& TypeInfo() const = 0;
 };

@@ -15,7 +15,8 @@ inline constexpr OLE_COLOR kSystemColorFlag = 0x80000000u;
 // scheme change shows at the next conversion. Unknown indices are the device's business
 // (GetSysColor answers 0).
 inline platform::COLORREF OleColorToRGB(platform::Gdi& gdi, OLE_COLOR color) {
-    return (color & kSystemColorFlag) ? gdi.GetSysColor(static_cast<int>(color ^ kSystemColorFlag)) : color;
+    return (color & kSystemColorFlag) ? gdi.GetSysColor(static_cast<int>(color ^ kSystemColorFlag))
+                                      : color;
 }
 
 // Booleans as the host stores them: True is -1.

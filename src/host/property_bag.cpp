@@ -16,7 +16,8 @@ Variant PropertyBag::ReadProperty(std::string_view name, const Variant& defaultV
     return stored->ConvertedLike(defaultValue);
 }
 
-void PropertyBag::WriteProperty(std::string_view name, const Variant& value, const Variant& defaultValue) {
+void PropertyBag::WriteProperty(std::string_view name, const Variant& value,
+                                const Variant& defaultValue) {
     if (ValueEquals(value, defaultValue)) {
         Erase(name);
         return;
@@ -25,14 +26,17 @@ void PropertyBag::WriteProperty(std::string_view name, const Variant& value, con
     if (value.Kind() == VarKind::Font) {
         stored = Variant(value.ToFont()->Clone());
     } else if (value.Kind() == VarKind::Object && value.ToObject()) {
-        throw HostError(330, "Illegal parameter. Can't write object because it does not support persistence",
-                        std::string(name));
+        throw HostError(
+            330, "Illegal parameter. Can't write object because it does not support persistence",
+            std::string(name));
     }
     Store(name, std::move(stored));
 }
 
-std::vector<JsonPropertyBag::Entry>::const_iterator JsonPropertyBag::Find(std::string_view name) const {
-    return std::find_if(entries_.begin(), entries_.end(), [&](const Entry& e) { return EqualsNoCase(e.first, name); });
+std::vector<JsonPropertyBag::Entry>::const_iterator JsonPropertyBag::Find(
+    std::string_view name) const {
+    return std::find_if(entries_.begin(), entries_.end(),
+                        [&](const Entry& e) { return EqualsNoCase(e.first, name); });
 }
 
 std::optional<Variant> JsonPropertyBag::Lookup(std::string_view name) const {
@@ -43,8 +47,10 @@ std::optional<Variant> JsonPropertyBag::Lookup(std::string_view name) const {
 
 void JsonPropertyBag::Store(std::string_view name, Variant value) {
     auto it = entries_.begin() + (Find(name) - entries_.cbegin());
-    if (it != entries_.end()) it->second = std::move(value);
-    else entries_.emplace_back(std::string(name), std::move(value));
+    if (it != entries_.end())
+        it->second = std::move(value);
+    else
+        entries_.emplace_back(std::string(name), std::move(value));
 }
 
 void JsonPropertyBag::Erase(std::string_view name) {
@@ -52,12 +58,15 @@ void JsonPropertyBag::Erase(std::string_view name) {
     if (it != entries_.end()) entries_.erase(it);
 }
 
-std::string JsonPropertyBag::ToJson(int indent) const { return json::EncodeBag(*this).dump(indent); }
+std::string JsonPropertyBag::ToJson(int indent) const {
+    return json::EncodeBag(*this).dump(indent);
+}
 
 JsonPropertyBag JsonPropertyBag::FromJson(std::string_view text) {
     json::Json parsed = json::Json::parse(text, nullptr, false);
     if (parsed.is_discarded()) {
-        throw HostError(kErrInvalidPropertyValue, "Invalid property bag text (not JSON)", "PropertyBag");
+        throw HostError(kErrInvalidPropertyValue, "Invalid property bag text (not JSON)",
+                        "PropertyBag");
     }
     return json::DecodeBag(parsed);
 }

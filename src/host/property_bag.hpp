@@ -15,7 +15,7 @@
 namespace korvex::host {
 
 class PropertyBag {
-public:
+  public:
     virtual ~PropertyBag() = default;
 
     // The stored value converted to the default's kind (error 13 when it cannot be, 6 when it
@@ -29,7 +29,7 @@ public:
     void WriteProperty(std::string_view name, const Variant& value,
                        const Variant& defaultValue = Variant::Missing());
 
-protected:
+  protected:
     // Storage: keys match without regard to case.
     [[nodiscard]] virtual std::optional<Variant> Lookup(std::string_view name) const = 0;
     virtual void Store(std::string_view name, Variant value) = 0;
@@ -38,10 +38,12 @@ protected:
 
 // The bag in memory. Keys keep the order they were first written in.
 class JsonPropertyBag final : public PropertyBag {
-public:
+  public:
     using Entry = std::pair<std::string, Variant>;
 
-    [[nodiscard]] bool Contains(std::string_view name) const { return Find(name) != entries_.end(); }
+    [[nodiscard]] bool Contains(std::string_view name) const {
+        return Find(name) != entries_.end();
+    }
     [[nodiscard]] const std::vector<Entry>& Entries() const { return entries_; }
     [[nodiscard]] bool Empty() const { return entries_.empty(); }
     void Clear() { entries_.clear(); }
@@ -53,12 +55,12 @@ public:
     // Same keys in the same order with SameValue values.
     friend bool operator==(const JsonPropertyBag& a, const JsonPropertyBag& b);
 
-protected:
+  protected:
     [[nodiscard]] std::optional<Variant> Lookup(std::string_view name) const override;
     void Store(std::string_view name, Variant value) override;
     void Erase(std::string_view name) override;
 
-private:
+  private:
     std::vector<Entry>::const_iterator Find(std::string_view name) const;
     std::vector<Entry> entries_;
 };

@@ -9,19 +9,32 @@ namespace korvex::host {
 
 std::string_view TypeCodeName(TypeCode code) {
     switch (code) {
-        case TypeCode::Void: return "Void";
-        case TypeCode::Variant: return "Variant";
-        case TypeCode::Boolean: return "Boolean";
-        case TypeCode::Integer: return "Integer";
-        case TypeCode::Long: return "Long";
-        case TypeCode::Single: return "Single";
-        case TypeCode::Double: return "Double";
-        case TypeCode::String: return "String";
-        case TypeCode::Color: return "OLE_COLOR";
-        case TypeCode::Enum: return "Enum";
-        case TypeCode::Font: return "StdFont";
-        case TypeCode::Picture: return "StdPicture";
-        case TypeCode::Object: return "Object";
+        case TypeCode::Void:
+            return "Void";
+        case TypeCode::Variant:
+            return "Variant";
+        case TypeCode::Boolean:
+            return "Boolean";
+        case TypeCode::Integer:
+            return "Integer";
+        case TypeCode::Long:
+            return "Long";
+        case TypeCode::Single:
+            return "Single";
+        case TypeCode::Double:
+            return "Double";
+        case TypeCode::String:
+            return "String";
+        case TypeCode::Color:
+            return "OLE_COLOR";
+        case TypeCode::Enum:
+            return "Enum";
+        case TypeCode::Font:
+            return "StdFont";
+        case TypeCode::Picture:
+            return "StdPicture";
+        case TypeCode::Object:
+            return "Object";
     }
     return "?";
 }
@@ -66,7 +79,8 @@ const ClassInfo* ClassRegistry::Find(std::string_view progId) const {
     return nullptr;
 }
 
-std::shared_ptr<Control> ClassRegistry::Create(std::string_view progId, HostContext& context) const {
+std::shared_ptr<Control> ClassRegistry::Create(std::string_view progId,
+                                               HostContext& context) const {
     const ClassInfo* info = Find(progId);
     if (!info || !info->create) {
         throw HostError(kErrCannotCreateObject,
@@ -77,7 +91,9 @@ std::shared_ptr<Control> ClassRegistry::Create(std::string_view progId, HostCont
     return info->create(context);
 }
 
-std::vector<const ClassInfo*> ClassRegistry::Classes() const { return classes_; }
+std::vector<const ClassInfo*> ClassRegistry::Classes() const {
+    return classes_;
+}
 
 Variant Invoke(Object& object, std::string_view name, InvokeKind kind, std::span<Variant> args) {
     const ClassInfo& info = object.TypeInfo();
@@ -95,7 +111,8 @@ Variant Invoke(Object& object, std::string_view name, InvokeKind kind, std::span
         return member->get(object);
     }
 
-    if (kind == InvokeKind::Let || kind == InvokeKind::Set) throw HostError(kErrWrongArguments, info.name);
+    if (kind == InvokeKind::Let || kind == InvokeKind::Set)
+        throw HostError(kErrWrongArguments, info.name);
     if (args.size() > member->params.size()) throw HostError(kErrWrongArguments, info.name);
     std::vector<Variant> full(args.begin(), args.end());
     for (std::size_t i = 0; i < member->params.size(); ++i) {

@@ -8,8 +8,8 @@
 #include <cstdint>
 #include <functional>
 #include <map>
-#include <optional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -29,7 +29,21 @@ class HostContext;
 // The standard dispatch identifier of an about box.
 inline constexpr std::int32_t kDispIdAboutBox = -552;
 
-enum class TypeCode { Void, Variant, Boolean, Integer, Long, Single, Double, String, Color, Enum, Font, Picture, Object };
+enum class TypeCode {
+    Void,
+    Variant,
+    Boolean,
+    Integer,
+    Long,
+    Single,
+    Double,
+    String,
+    Color,
+    Enum,
+    Font,
+    Picture,
+    Object
+};
 
 struct TypeRef {
     TypeCode code = TypeCode::Variant;
@@ -54,8 +68,8 @@ inline ParamInfo Optional(std::string name, TypeCode code = TypeCode::Variant) {
 // The arguments every control's mouse events carry (Button, Shift, x, y) and its key events
 // (KeyCode, Shift).
 inline std::vector<ParamInfo> MouseEventArgs() {
-    return {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer), Arg("x", TypeCode::Single),
-            Arg("y", TypeCode::Single)};
+    return {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
+            Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)};
 }
 inline std::vector<ParamInfo> KeyEventArgs() {
     return {Arg("KeyCode", TypeCode::Integer), Arg("Shift", TypeCode::Integer)};
@@ -76,8 +90,8 @@ struct MemberInfo {
     Kind kind = Kind::Property;
     TypeRef type;  // property type or method result
     std::vector<ParamInfo> params;
-    std::function<Variant(Object&)> get;                      // properties
-    std::function<void(Object&, const Variant&)> put;         // let/set; empty when read-only
+    std::function<Variant(Object&)> get;                       // properties
+    std::function<void(Object&, const Variant&)> put;          // let/set; empty when read-only
     std::function<Variant(Object&, std::span<Variant>)> call;  // methods
     std::optional<PersistInfo> persisted;                      // properties kept in the bag
 
@@ -96,7 +110,7 @@ struct EnumInfo {
 };
 
 class ClassInfo {
-public:
+  public:
     std::string name;
     std::string progId;  // empty for objects that are not creatable controls
     std::vector<MemberInfo> members;
@@ -117,19 +131,32 @@ namespace detail {
 template <class V>
 TypeCode TypeCodeOf() {
     using T = std::remove_cvref_t<V>;
-    if constexpr (std::is_same_v<T, void>) return TypeCode::Void;
-    else if constexpr (std::is_same_v<T, bool>) return TypeCode::Boolean;
-    else if constexpr (std::is_same_v<T, std::int16_t>) return TypeCode::Integer;
-    else if constexpr (std::is_same_v<T, std::int32_t>) return TypeCode::Long;
-    else if constexpr (std::is_same_v<T, std::uint32_t>) return TypeCode::Color;
-    else if constexpr (std::is_same_v<T, float>) return TypeCode::Single;
-    else if constexpr (std::is_same_v<T, double>) return TypeCode::Double;
-    else if constexpr (std::is_same_v<T, std::string>) return TypeCode::String;
-    else if constexpr (std::is_enum_v<T>) return TypeCode::Enum;
-    else if constexpr (std::is_same_v<T, std::shared_ptr<StdFont>>) return TypeCode::Font;
-    else if constexpr (std::is_same_v<T, std::shared_ptr<StdPicture>>) return TypeCode::Picture;
-    else if constexpr (std::is_same_v<T, std::shared_ptr<Object>>) return TypeCode::Object;
-    else return TypeCode::Variant;
+    if constexpr (std::is_same_v<T, void>)
+        return TypeCode::Void;
+    else if constexpr (std::is_same_v<T, bool>)
+        return TypeCode::Boolean;
+    else if constexpr (std::is_same_v<T, std::int16_t>)
+        return TypeCode::Integer;
+    else if constexpr (std::is_same_v<T, std::int32_t>)
+        return TypeCode::Long;
+    else if constexpr (std::is_same_v<T, std::uint32_t>)
+        return TypeCode::Color;
+    else if constexpr (std::is_same_v<T, float>)
+        return TypeCode::Single;
+    else if constexpr (std::is_same_v<T, double>)
+        return TypeCode::Double;
+    else if constexpr (std::is_same_v<T, std::string>)
+        return TypeCode::String;
+    else if constexpr (std::is_enum_v<T>)
+        return TypeCode::Enum;
+    else if constexpr (std::is_same_v<T, std::shared_ptr<StdFont>>)
+        return TypeCode::Font;
+    else if constexpr (std::is_same_v<T, std::shared_ptr<StdPicture>>)
+        return TypeCode::Picture;
+    else if constexpr (std::is_same_v<T, std::shared_ptr<Object>>)
+        return TypeCode::Object;
+    else
+        return TypeCode::Variant;
 }
 }  // namespace detail
 
@@ -138,7 +165,7 @@ TypeCode TypeCodeOf() {
 // given.
 template <class T>
 class ClassBuilder {
-public:
+  public:
     explicit ClassBuilder(std::string name, std::string progId = {}) {
         info_.name = std::move(name);
         info_.progId = std::move(progId);
@@ -147,16 +174,22 @@ public:
                 return std::static_pointer_cast<Control>(std::make_shared<T>(context));
             };
         } else if constexpr (std::is_base_of_v<Control, T> && std::is_default_constructible_v<T>) {
-            info_.create = [](HostContext&) { return std::static_pointer_cast<Control>(std::make_shared<T>()); };
+            info_.create = [](HostContext&) {
+                return std::static_pointer_cast<Control>(std::make_shared<T>());
+            };
         }
     }
 
     template <class Getter, class Setter>
-    ClassBuilder& Property(std::string name, Getter getter, Setter setter, std::string enumName = {}) {
+    ClassBuilder& Property(std::string name, Getter getter, Setter setter,
+                           std::string enumName = {}) {
         using V = std::remove_cvref_t<std::invoke_result_t<Getter, T&>>;
-        MemberInfo& m = AddMember(std::move(name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
+        MemberInfo& m =
+            AddMember(std::move(name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
         m.get = [getter](Object& o) { return Variant(getter(static_cast<T&>(o))); };
-        m.put = [setter](Object& o, const Variant& v) { setter(static_cast<T&>(o), FromVariant<V>(v)); };
+        m.put = [setter](Object& o, const Variant& v) {
+            setter(static_cast<T&>(o), FromVariant<V>(v));
+        };
         return *this;
     }
 
@@ -166,14 +199,20 @@ public:
     ClassBuilder& Property(const host::Property<T, V>& declared) {
         std::string enumName;
         if constexpr (DeclaredEnum<V>) enumName = EnumOf<V>().Name();
-        MemberInfo& m = AddMember(std::string(declared.name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
+        MemberInfo& m =
+            AddMember(std::string(declared.name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
         const auto get = declared.get;
         const auto set = declared.set;
         m.get = [get](Object& o) { return Variant((static_cast<T&>(o).*get)()); };
-        if (set) m.put = [set](Object& o, const Variant& v) { (static_cast<T&>(o).*set)(FromVariant<V>(v)); };
+        if (set)
+            m.put = [set](Object& o, const Variant& v) {
+                (static_cast<T&>(o).*set)(FromVariant<V>(v));
+            };
         if (declared.persist) {
-            m.persisted = PersistInfo{std::string(declared.Key()), declared.StoredKind(), declared.Describe(declared.init),
-                                      declared.Describe(declared.read), declared.Describe(declared.write)};
+            m.persisted =
+                PersistInfo{std::string(declared.Key()), declared.StoredKind(),
+                            declared.Describe(declared.init), declared.Describe(declared.read),
+                            declared.Describe(declared.write)};
         }
         return *this;
     }
@@ -181,7 +220,8 @@ public:
     template <class Getter>
     ClassBuilder& ReadOnly(std::string name, Getter getter, std::string enumName = {}) {
         using V = std::remove_cvref_t<std::invoke_result_t<Getter, T&>>;
-        MemberInfo& m = AddMember(std::move(name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
+        MemberInfo& m =
+            AddMember(std::move(name), MemberInfo::Kind::Property, TypeFor<V>(enumName));
         m.get = [getter](Object& o) { return Variant(getter(static_cast<T&>(o))); };
         return *this;
     }
@@ -235,14 +275,15 @@ public:
         return Enum(EnumOf<E>().Name(), EnumOf<E>().List());
     }
 
-    ClassBuilder& Enum(std::string name, std::vector<std::pair<std::string, std::int32_t>> members) {
+    ClassBuilder& Enum(std::string name,
+                       std::vector<std::pair<std::string, std::int32_t>> members) {
         info_.enums.push_back({std::move(name), std::move(members)});
         return *this;
     }
 
     ClassInfo Build() { return std::move(info_); }
 
-private:
+  private:
     template <class V>
     static TypeRef TypeFor(std::string enumName) {
         return {detail::TypeCodeOf<V>(), std::move(enumName)};
@@ -264,23 +305,23 @@ private:
 
 // Property accessors for ClassBuilder::Property, for the usual pair of overloads Name() and
 // Name(New_Name).
-#define KORVEX_PROPERTY(Name)                        \
-    #Name, [](auto& o) { return o.Name(); },         \
-        [](auto& o, auto value) { o.Name(std::move(value)); }
+#define KORVEX_PROPERTY(Name) \
+#Name, [](auto& o) { return o.Name(); }, [](auto& o, auto value) { o.Name(std::move(value)); }
 #define KORVEX_READONLY(Name) #Name, [](auto& o) { return o.Name(); }
 
 // Creatable classes by ProgID. Held by the host context; nothing global.
 class ClassRegistry {
-public:
+  public:
     // The table must outlive the registry (tables are function-local constants of each class).
     void Register(const ClassInfo& info);
     // nullptr when unknown.
     [[nodiscard]] const ClassInfo* Find(std::string_view progId) const;
     // Error 429 for an unknown ProgID.
-    [[nodiscard]] std::shared_ptr<Control> Create(std::string_view progId, HostContext& context) const;
+    [[nodiscard]] std::shared_ptr<Control> Create(std::string_view progId,
+                                                  HostContext& context) const;
     [[nodiscard]] std::vector<const ClassInfo*> Classes() const;
 
-private:
+  private:
     std::vector<const ClassInfo*> classes_;
 };
 

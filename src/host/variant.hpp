@@ -33,7 +33,7 @@ enum class VarKind {
 std::string_view KindName(VarKind kind);
 
 class Variant {
-public:
+  public:
     Variant() = default;
     Variant(bool value) : value_(value) {}
     Variant(std::int16_t value) : value_(value) {}
@@ -50,8 +50,7 @@ public:
     Variant(std::shared_ptr<Object> object);
     // Enumerations travel as Long.
     template <class E>
-        requires std::is_enum_v<E>
-    Variant(E value) : value_(static_cast<std::int32_t>(value)) {}
+    requires std::is_enum_v<E> Variant(E value) : value_(static_cast<std::int32_t>(value)) {}
 
     static Variant Missing();
     static Variant Nothing() { return Variant(std::shared_ptr<Object>()); }
@@ -84,7 +83,7 @@ public:
     // Exact equality: same kind and value; objects by identity.
     friend bool operator==(const Variant& a, const Variant& b);
 
-private:
+  private:
     struct MissingTag {
         friend bool operator==(MissingTag, MissingTag) { return true; }
     };
@@ -118,19 +117,32 @@ std::string DisplayText(const Variant& value);
 // Typed access used by member tables and event arguments.
 template <class T>
 T FromVariant(const Variant& v) {
-    if constexpr (std::is_same_v<T, Variant>) return v;
-    else if constexpr (std::is_same_v<T, bool>) return v.ToBool();
-    else if constexpr (std::is_same_v<T, std::int16_t>) return v.ToInteger();
-    else if constexpr (std::is_same_v<T, std::int32_t>) return v.ToLong();
-    else if constexpr (std::is_same_v<T, std::uint32_t>) return static_cast<std::uint32_t>(v.ToLong());
-    else if constexpr (std::is_same_v<T, float>) return v.ToSingle();
-    else if constexpr (std::is_same_v<T, double>) return v.ToDouble();
-    else if constexpr (std::is_same_v<T, std::string>) return v.ToString();
-    else if constexpr (std::is_enum_v<T>) return static_cast<T>(v.ToLong());
-    else if constexpr (std::is_same_v<T, std::shared_ptr<StdFont>>) return v.ToFont();
-    else if constexpr (std::is_same_v<T, std::shared_ptr<StdPicture>>) return v.ToPicture();
-    else if constexpr (std::is_same_v<T, std::shared_ptr<Object>>) return v.ToObject();
-    else static_assert(sizeof(T) == 0, "no host conversion for this type");
+    if constexpr (std::is_same_v<T, Variant>)
+        return v;
+    else if constexpr (std::is_same_v<T, bool>)
+        return v.ToBool();
+    else if constexpr (std::is_same_v<T, std::int16_t>)
+        return v.ToInteger();
+    else if constexpr (std::is_same_v<T, std::int32_t>)
+        return v.ToLong();
+    else if constexpr (std::is_same_v<T, std::uint32_t>)
+        return static_cast<std::uint32_t>(v.ToLong());
+    else if constexpr (std::is_same_v<T, float>)
+        return v.ToSingle();
+    else if constexpr (std::is_same_v<T, double>)
+        return v.ToDouble();
+    else if constexpr (std::is_same_v<T, std::string>)
+        return v.ToString();
+    else if constexpr (std::is_enum_v<T>)
+        return static_cast<T>(v.ToLong());
+    else if constexpr (std::is_same_v<T, std::shared_ptr<StdFont>>)
+        return v.ToFont();
+    else if constexpr (std::is_same_v<T, std::shared_ptr<StdPicture>>)
+        return v.ToPicture();
+    else if constexpr (std::is_same_v<T, std::shared_ptr<Object>>)
+        return v.ToObject();
+    else
+        static_assert(sizeof(T) == 0, "no host conversion for this type");
 }
 
 }  // namespace korvex::host

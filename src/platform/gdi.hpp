@@ -23,9 +23,15 @@ constexpr COLORREF RGB(std::uint8_t r, std::uint8_t g, std::uint8_t b) {
     return static_cast<COLORREF>(r) | (static_cast<COLORREF>(g) << 8) |
            (static_cast<COLORREF>(b) << 16);
 }
-constexpr std::uint8_t GetRValue(COLORREF c) { return static_cast<std::uint8_t>(c & 0xFF); }
-constexpr std::uint8_t GetGValue(COLORREF c) { return static_cast<std::uint8_t>((c >> 8) & 0xFF); }
-constexpr std::uint8_t GetBValue(COLORREF c) { return static_cast<std::uint8_t>((c >> 16) & 0xFF); }
+constexpr std::uint8_t GetRValue(COLORREF c) {
+    return static_cast<std::uint8_t>(c & 0xFF);
+}
+constexpr std::uint8_t GetGValue(COLORREF c) {
+    return static_cast<std::uint8_t>((c >> 8) & 0xFF);
+}
+constexpr std::uint8_t GetBValue(COLORREF c) {
+    return static_cast<std::uint8_t>((c >> 16) & 0xFF);
+}
 
 struct POINT {
     std::int32_t x = 0;
@@ -283,7 +289,7 @@ struct PixelView {
 // (false, zero handle, CLR_INVALID, RGN_ERROR); degenerate calls succeed and paint nothing.
 
 class Gdi {
-public:
+  public:
     virtual ~Gdi() = default;
 
     // Device contexts and bitmaps. A new DC has a 1x1 bitmap selected, as in Win32.
@@ -320,10 +326,12 @@ public:
     virtual bool LineTo(HDC dc, std::int32_t x, std::int32_t y) = 0;
     virtual bool Polyline(HDC dc, std::span<const POINT> points) = 0;
     virtual bool Polygon(HDC dc, std::span<const POINT> points) = 0;
-    virtual bool Rectangle(HDC dc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) = 0;
+    virtual bool Rectangle(HDC dc, std::int32_t l, std::int32_t t, std::int32_t r,
+                           std::int32_t b) = 0;
     virtual bool RoundRect(HDC dc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
                            std::int32_t w, std::int32_t h) = 0;
-    virtual bool Ellipse(HDC dc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) = 0;
+    virtual bool Ellipse(HDC dc, std::int32_t l, std::int32_t t, std::int32_t r,
+                         std::int32_t b) = 0;
     virtual int FillRect(HDC dc, const RECT& rect, HBRUSH brush) = 0;
     virtual int FrameRect(HDC dc, const RECT& rect, HBRUSH brush) = 0;
     virtual bool InvertRect(HDC dc, const RECT& rect) = 0;
@@ -333,15 +341,15 @@ public:
     virtual COLORREF GetPixel(HDC dc, std::int32_t x, std::int32_t y) = 0;
     virtual bool BitBlt(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
                         HDC src, std::int32_t sx, std::int32_t sy, DWORD rop) = 0;
-    virtual bool StretchBlt(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w,
-                            std::int32_t h, HDC src, std::int32_t sx, std::int32_t sy,
-                            std::int32_t sw, std::int32_t sh, DWORD rop) = 0;
+    virtual bool StretchBlt(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                            HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw,
+                            std::int32_t sh, DWORD rop) = 0;
     virtual bool DrawEdge(HDC dc, RECT* rect, unsigned edge, unsigned flags) = 0;
 
     // Regions.
     virtual HRGN CreateRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) = 0;
-    virtual HRGN CreateRoundRectRgn(std::int32_t l, std::int32_t t, std::int32_t r,
-                                    std::int32_t b, std::int32_t w, std::int32_t h) = 0;
+    virtual HRGN CreateRoundRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
+                                    std::int32_t w, std::int32_t h) = 0;
     virtual HRGN CreateEllipticRgn(std::int32_t l, std::int32_t t, std::int32_t r,
                                    std::int32_t b) = 0;
     virtual HRGN CreatePolygonRgn(std::span<const POINT> points, int fillMode) = 0;
@@ -380,7 +388,7 @@ const std::array<COLORREF, kSysColorCount>& ClassicSysColors();
 
 // Selects an object for the life of a scope and puts the previous one back.
 class ScopedSelect {
-public:
+  public:
     ScopedSelect(Gdi& gdi, HDC dc, HGDIOBJ object)
         : gdi_(gdi), dc_(dc), previous_(gdi.SelectObject(dc, object)) {}
     ~ScopedSelect() {
@@ -389,7 +397,7 @@ public:
     ScopedSelect(const ScopedSelect&) = delete;
     ScopedSelect& operator=(const ScopedSelect&) = delete;
 
-private:
+  private:
     Gdi& gdi_;
     HDC dc_;
     HGDIOBJ previous_;

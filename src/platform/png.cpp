@@ -39,7 +39,8 @@ void CheckView(const PixelView& pixels, const char* what) {
 
 // 0x00RRGGBB words to packed R, G, B bytes.
 std::vector<std::uint8_t> ToRgb(const PixelView& pixels) {
-    const auto count = static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
+    const auto count =
+        static_cast<std::size_t>(pixels.width) * static_cast<std::size_t>(pixels.height);
     std::vector<std::uint8_t> rgb(count * 3);
     for (std::size_t i = 0; i < count; ++i) {
         const std::uint32_t p = pixels.bits[i];

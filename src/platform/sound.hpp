@@ -24,7 +24,7 @@ inline constexpr std::uint32_t SND_PURGE = 0x0040;
 inline constexpr std::uint32_t SND_APPLICATION = 0x0080;
 
 class Sound {
-public:
+  public:
     virtual ~Sound() = default;
     // A named sound: a registered alias first, then a file. No name, or "" with SND_PURGE,
     // stops what PlaySoundA is playing. The module argument of Win32 is not used here.
@@ -41,12 +41,12 @@ inline constexpr int SW_SHOWNORMAL = 1;
 inline constexpr int SW_SHOWMAXIMIZED = 3;
 
 class Shell {
-public:
+  public:
     virtual ~Shell() = default;
     // Opens a document or address. Returns a value above 32 on success, as Win32 does.
-    virtual std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb, std::string_view file,
-                                        std::string_view parameters, std::string_view directory,
-                                        int showCommand) = 0;
+    virtual std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb,
+                                        std::string_view file, std::string_view parameters,
+                                        std::string_view directory, int showCommand) = 0;
     virtual std::string GetSystemDirectoryA() = 0;
     virtual std::string GetTempPathA() = 0;  // ends with a path separator
 };

@@ -84,7 +84,7 @@ inline constexpr int kCursorCustom = 99;
 // All calls arrive on the UI thread from the event loop.
 
 class WindowHandler {
-public:
+  public:
     virtual ~WindowHandler() = default;
     virtual void OnMouse(const MouseEvent& event) { (void)event; }
     virtual void OnKey(const KeyEvent& event) { (void)event; }
@@ -136,7 +136,7 @@ inline const HWND HWND_TOPMOST{0xFFFFFFFF};
 inline const HWND HWND_NOTOPMOST{0xFFFFFFFE};
 
 class Windows {
-public:
+  public:
     virtual ~Windows() = default;
 
     // Windows. A new window is hidden and enabled, on top of its siblings (below topmost ones).
@@ -196,8 +196,9 @@ public:
     // Bit 15 set while the key (or mouse button VK_LBUTTON ...) is down.
     virtual std::int16_t GetAsyncKeyState(int virtualKey) = 0;
     // The cursor a window shows: a standard shape 0 to 15, or kCursorCustom with a picture.
-    virtual void SetWindowCursor(HWND window, int shape, std::shared_ptr<const std::vector<std::uint32_t>> customPixels = {},
-                                 SIZE customSize = {}) = 0;
+    virtual void SetWindowCursor(
+        HWND window, int shape, std::shared_ptr<const std::vector<std::uint32_t>> customPixels = {},
+        SIZE customSize = {}) = 0;
     // The shape shown at the pointer now (the window under it, or the capture window).
     virtual int CurrentCursor() = 0;
 
@@ -213,7 +214,7 @@ public:
 // Timers and the time they run on. How time passes is the platform's business: the portable
 // platform's clock is virtual and moves only when its driver or a Wait moves it.
 class Clock {
-public:
+  public:
     using TimerId = std::uint32_t;
     virtual ~Clock() = default;
     [[nodiscard]] virtual std::int64_t Now() = 0;  // milliseconds since start
@@ -224,7 +225,7 @@ public:
 
 // The event loop: posted work, waits that let events run, and nested modal loops.
 class EventLoop {
-public:
+  public:
     virtual ~EventLoop() = default;
 
     // Runs pending work (posted tasks); returns the number of modal loops open.
@@ -251,7 +252,7 @@ class Shell;
 
 // Everything a host needs from the platform, owned per UI thread.
 class Platform {
-public:
+  public:
     virtual ~Platform() = default;
     virtual Gdi& gdi() = 0;
     virtual Windows& windows() = 0;

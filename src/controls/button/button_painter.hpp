@@ -65,7 +65,6 @@ class ButtonPainter {
     static constexpr host::OLE_COLOR kXPflatFace = 0x00F1FCFE;
 
   private:
-
     void PlaceFace();
     void EnforceMinimumSize();
     void ShowEmbossed();

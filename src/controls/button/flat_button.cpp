@@ -6,9 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "forms/text_layout.hpp"
 #include "foundation/color.hpp"
 #include "foundation/hover.hpp"
-#include "forms/text_layout.hpp"
 #include "host/numeric.hpp"
 #include "platform/window.hpp"
 
@@ -60,9 +60,9 @@ bool KeyIsDown(platform::Windows& windows, int key) {
 // A width above 1 repeats the outer passes one pixel further inside per step; the last pass (or
 // pair) lies inside the innermost ring. Mode 2 with a light colour 1 and dark colour 2 looks
 // raised, with the pairs swapped sunken.
-void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& rect, std::int32_t mode,
-                   OLE_COLOR color1, OLE_COLOR color2, OLE_COLOR color3, OLE_COLOR color4,
-                   std::int32_t penStyle, std::int32_t width) {
+void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& rect,
+                   std::int32_t mode, OLE_COLOR color1, OLE_COLOR color2, OLE_COLOR color3,
+                   OLE_COLOR color4, std::int32_t penStyle, std::int32_t width) {
     const platform::COLORREF c1 = foundation::OleColorToRGB(gdi, color1);
     const platform::COLORREF c2 = foundation::OleColorToRGB(gdi, color2);
     const platform::COLORREF c3 = foundation::OleColorToRGB(gdi, color3);
@@ -70,8 +70,8 @@ void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& r
     if (mode != 1 && mode != 2) return;
 
     platform::HPEN current{};
-    const auto edge = [&](platform::COLORREF color, std::int32_t x0, std::int32_t y0, std::int32_t x1,
-                          std::int32_t y1) {
+    const auto edge = [&](platform::COLORREF color, std::int32_t x0, std::int32_t y0,
+                          std::int32_t x1, std::int32_t y1) {
         const platform::HPEN pen = gdi.CreatePen(penStyle, 1, color);
         gdi.SelectObject(dc, pen);
         if (current) gdi.DeleteObject(current);
@@ -197,7 +197,8 @@ const ClassInfo& FlatButton::Class() {
     return info;
 }
 
-FlatButton::FlatButton(host::HostContext& context) : SurfaceControl(context), tmrEvents(UserControl.Platform()) {
+FlatButton::FlatButton(host::HostContext& context)
+    : SurfaceControl(context), tmrEvents(UserControl.Platform()) {
     StartValues();
     tmrEvents.Interval(1);
     tmrEvents.Tick = [this] { OnPoll(); };
@@ -224,7 +225,9 @@ FlatButton::FlatButton(host::HostContext& context) : SurfaceControl(context), tm
         if (KeyCode == kKeyReturn) DoMouseDown(1, 0, 0, 0);
         RaiseEvent(FlatButtonEvents::KeyDown, KeyCode, Shift);
     };
-    surface.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(FlatButtonEvents::KeyPress, KeyAscii); };
+    surface.KeyPress = [this](std::int16_t& KeyAscii) {
+        RaiseEvent(FlatButtonEvents::KeyPress, KeyAscii);
+    };
     surface.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) {
         if (KeyCode == kKeyReturn) DoMouseUp(1, 0, 0, 0);
         RaiseEvent(FlatButtonEvents::KeyUp, KeyCode, Shift);
@@ -316,7 +319,8 @@ void FlatButton::DoMouseMove(std::int16_t Button, std::int16_t Shift, float x, f
     lastX_ = x;
     lastY_ = y;
     if (Button != 0) {
-        const bool inside = x >= 0 && y >= 0 && x < UserControl.ScaleWidth() && y < UserControl.ScaleHeight();
+        const bool inside =
+            x >= 0 && y >= 0 && x < UserControl.ScaleWidth() && y < UserControl.ScaleHeight();
         if (inside) {
             const bool repaint = !fPressedLook || FocusRect_;
             fPressedLook = true;
@@ -371,12 +375,15 @@ void FlatButton::OnPoll() {
     }
 
     // A hidden or disabled button is no answer to the keys, as a disabled dialog button is not.
-    if (!windows.IsWindowVisible(UserControl.hWnd()) || !windows.IsWindowEnabled(UserControl.hWnd())) return;
+    if (!windows.IsWindowVisible(UserControl.hWnd()) ||
+        !windows.IsWindowEnabled(UserControl.hWnd()))
+        return;
     const bool alt = KeyIsDown(windows, platform::VK_MENU);
     const bool access = nAccessKey != 0 && KeyIsDown(windows, nAccessKey);
     const bool enter = KeyIsDown(windows, platform::VK_RETURN);
     const bool escape = KeyIsDown(windows, platform::VK_ESCAPE);
-    if ((escape && Cancel_ && !fKeyLatch) || (enter && Default_) || (alt && access && UseMnemonic_)) {
+    if ((escape && Cancel_ && !fKeyLatch) || (enter && Default_) ||
+        (alt && access && UseMnemonic_)) {
         Fire();
     } else if (!alt && !access && !enter && !escape) {
         fKeyLatch = false;
@@ -490,23 +497,32 @@ void FlatButton::Paint() {
     platform::Platform& p = UserControl.Platform();
     platform::Gdi& gdi = p.gdi();
     const platform::HDC dc = UserControl.hDC();
-    const auto width = static_cast<std::int32_t>(std::lround(UserControl.Width() / platform::TwipsPerPixelX(p)));
-    const auto height = static_cast<std::int32_t>(std::lround(UserControl.Height() / platform::TwipsPerPixelY(p)));
+    const auto width =
+        static_cast<std::int32_t>(std::lround(UserControl.Width() / platform::TwipsPerPixelX(p)));
+    const auto height =
+        static_cast<std::int32_t>(std::lround(UserControl.Height() / platform::TwipsPerPixelY(p)));
     const platform::RECT face{0, 0, width, height};
     const OLE_COLOR back = UserControl.BackColor();
     const Look look = CurrentLook();
 
     UserControl.Cls();
     switch (look) {
-        case Look::Normal: DrawFlatBevel(gdi, dc, face, 1, kRing, 0, 0xFF, back, platform::PS_SOLID, 1); break;
-        case Look::Hover: DrawFlatBevel(gdi, dc, face, 2, kLight, kDark, kWhite, back, platform::PS_SOLID, 1); break;
-        case Look::Pressed: DrawFlatBevel(gdi, dc, face, 2, kDark, kLight, back, kWhite, platform::PS_SOLID, 1); break;
+        case Look::Normal:
+            DrawFlatBevel(gdi, dc, face, 1, kRing, 0, 0xFF, back, platform::PS_SOLID, 1);
+            break;
+        case Look::Hover:
+            DrawFlatBevel(gdi, dc, face, 2, kLight, kDark, kWhite, back, platform::PS_SOLID, 1);
+            break;
+        case Look::Pressed:
+            DrawFlatBevel(gdi, dc, face, 2, kDark, kLight, back, kWhite, platform::PS_SOLID, 1);
+            break;
     }
 
     const forms::MnemonicText parts = forms::ParseMnemonic(Caption_, UseMnemonic_);
     // The pointer over the button colours the caption, pressed or not.
     const bool hovered = fHover && Ambient().UserMode;
-    const platform::COLORREF textColor = foundation::OleColorToRGB(gdi, hovered ? HoverColor_ : TextColor_);
+    const platform::COLORREF textColor =
+        foundation::OleColorToRGB(gdi, hovered ? HoverColor_ : TextColor_);
     platform::SIZE extent;
     gdi.GetTextExtentPoint32(dc, parts.text, &extent);
     textX_ = (width - extent.cx) / 2;
@@ -521,8 +537,11 @@ void FlatButton::Paint() {
         // The underline runs under the letter's cell, one pixel below the baseline.
         const std::string_view text = parts.text;
         platform::SIZE before, letter;
-        gdi.GetTextExtentPoint32(dc, text.substr(0, static_cast<std::size_t>(parts.underline)), &before);
-        gdi.GetTextExtentPoint32(dc, text.substr(static_cast<std::size_t>(parts.underline), parts.underlineLength), &letter);
+        gdi.GetTextExtentPoint32(dc, text.substr(0, static_cast<std::size_t>(parts.underline)),
+                                 &before);
+        gdi.GetTextExtentPoint32(
+            dc, text.substr(static_cast<std::size_t>(parts.underline), parts.underlineLength),
+            &letter);
         platform::TEXTMETRIC tm;
         gdi.GetTextMetrics(dc, &tm);
         const std::int32_t underline = y + tm.tmAscent + 1;

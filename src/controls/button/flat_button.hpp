@@ -39,9 +39,10 @@ namespace korvex::controls {
 
 // The bevel painter of the flat button: mode 1 a single ring with open (rounded) corners, mode 2
 // a two-tone bevel, any other mode nothing. Colours are OLE colours; rect is half-open.
-void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& rect, std::int32_t mode,
-                   host::OLE_COLOR color1, host::OLE_COLOR color2, host::OLE_COLOR color3,
-                   host::OLE_COLOR color4, std::int32_t penStyle, std::int32_t width);
+void DrawFlatBevel(platform::Gdi& gdi, platform::HDC dc, const platform::RECT& rect,
+                   std::int32_t mode, host::OLE_COLOR color1, host::OLE_COLOR color2,
+                   host::OLE_COLOR color3, host::OLE_COLOR color4, std::int32_t penStyle,
+                   std::int32_t width);
 
 KORVEX_EVENTS(FlatButtonEvents, Click, MouseDown, MouseUp, MouseMove, KeyDown, KeyPress, KeyUp)
 

@@ -28,41 +28,65 @@ constexpr OLE_COLOR kXPFrameColour = 0x009BA2A4;    // grey
 struct Frames::Props {
     using Font_t = std::shared_ptr<StdFont>;
     using Picture_t = std::shared_ptr<StdPicture>;
-    static inline const Property<Frames, std::string> Caption{
-        .name = "Caption", .get = &Frames::Caption, .set = &Frames::Caption, .read = "Korvex-Frame",
-        .init = "Korvex-Frames"};
-    static inline const Property<Frames, Font_t> Font{.name = "Font", .get = &Frames::Font, .set = &Frames::Font};
+    static inline const Property<Frames, std::string> Caption{.name = "Caption",
+                                                              .get = &Frames::Caption,
+                                                              .set = &Frames::Caption,
+                                                              .read = "Korvex-Frame",
+                                                              .init = "Korvex-Frames"};
+    static inline const Property<Frames, Font_t> Font{
+        .name = "Font", .get = &Frames::Font, .set = &Frames::Font};
     static inline const Property<Frames, OLE_COLOR> TextColor{
         .name = "TextColor", .get = &Frames::TextColor, .set = &Frames::TextColor, .read = 0U};
-    static inline const Property<Frames, OLE_COLOR> BackColorF{
-        .name = "BackColorF", .get = &Frames::BackColorF, .set = &Frames::BackColorF, .read = 0x8000000FU};
-    static inline const Property<Frames, BoStyle> BorderStyle{
-        .name = "BorderStyle", .get = &Frames::BorderStyle, .set = &Frames::BorderStyle,
-        .read = BoStyle::Standard_Frame, .bag = BagKind::Integer};
+    static inline const Property<Frames, OLE_COLOR> BackColorF{.name = "BackColorF",
+                                                               .get = &Frames::BackColorF,
+                                                               .set = &Frames::BackColorF,
+                                                               .read = 0x8000000FU};
+    static inline const Property<Frames, BoStyle> BorderStyle{.name = "BorderStyle",
+                                                              .get = &Frames::BorderStyle,
+                                                              .set = &Frames::BorderStyle,
+                                                              .read = BoStyle::Standard_Frame,
+                                                              .bag = BagKind::Integer};
     static inline const Property<Frames, bool> EnabledF{
         .name = "EnabledF", .get = &Frames::EnabledF, .set = &Frames::EnabledF, .read = true};
     static inline const Property<Frames, Picture_t> MouseIcon{
         .name = "MouseIcon", .get = &Frames::MouseIcon, .set = &Frames::MouseIcon};
     static inline const Property<Frames, fMousePointerConst> MousePointer{
-        .name = "MousePointer", .get = &Frames::MousePointer, .set = &Frames::MousePointer, .bag = BagKind::Integer};
-    static inline const Property<Frames, bool> FontBold{
-        .name = "FontBold", .get = &Frames::FontBold, .set = &Frames::FontBold, .bag = BagKind::Integer};
-    static inline const Property<Frames, bool> FontItalic{
-        .name = "FontItalic", .get = &Frames::FontItalic, .set = &Frames::FontItalic, .bag = BagKind::Integer};
+        .name = "MousePointer",
+        .get = &Frames::MousePointer,
+        .set = &Frames::MousePointer,
+        .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> FontBold{.name = "FontBold",
+                                                        .get = &Frames::FontBold,
+                                                        .set = &Frames::FontBold,
+                                                        .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> FontItalic{.name = "FontItalic",
+                                                          .get = &Frames::FontItalic,
+                                                          .set = &Frames::FontItalic,
+                                                          .bag = BagKind::Integer};
     static inline const Property<Frames, float> FontSize{
-        .name = "FontSize", .get = &Frames::FontSize, .set = &Frames::FontSize,
-        .init = {[](const Frames& c) { return static_cast<float>(c.Ambient().Font->Size()); }, "the ambient font's"},
+        .name = "FontSize",
+        .get = &Frames::FontSize,
+        .set = &Frames::FontSize,
+        .init = {[](const Frames& c) { return static_cast<float>(c.Ambient().Font->Size()); },
+                 "the ambient font's"},
         .bag = BagKind::Integer};
-    static inline const Property<Frames, bool> FontStrikethru{
-        .name = "FontStrikethru", .get = &Frames::FontStrikethru, .set = &Frames::FontStrikethru,
-        .bag = BagKind::Integer};
+    static inline const Property<Frames, bool> FontStrikethru{.name = "FontStrikethru",
+                                                              .get = &Frames::FontStrikethru,
+                                                              .set = &Frames::FontStrikethru,
+                                                              .bag = BagKind::Integer};
     static inline const Property<Frames, std::string> FontName{
-        .name = "FontName", .get = &Frames::FontName, .set = &Frames::FontName,
+        .name = "FontName",
+        .get = &Frames::FontName,
+        .set = &Frames::FontName,
         .init = {[](const Frames& c) { return c.Ambient().Font->Name(); }, "the ambient font's"}};
-    static inline const Property<Frames, BoAli> Alignment{
-        .name = "Alignment", .get = &Frames::Alignment, .set = &Frames::Alignment, .read = BoAli::fLeft};
-    static inline const Property<Frames, BoAl> AlignmentTop{
-        .name = "AlignmentTop", .get = &Frames::AlignmentTop, .set = &Frames::AlignmentTop, .read = BoAl::fStandard};
+    static inline const Property<Frames, BoAli> Alignment{.name = "Alignment",
+                                                          .get = &Frames::Alignment,
+                                                          .set = &Frames::Alignment,
+                                                          .read = BoAli::fLeft};
+    static inline const Property<Frames, BoAl> AlignmentTop{.name = "AlignmentTop",
+                                                            .get = &Frames::AlignmentTop,
+                                                            .set = &Frames::AlignmentTop,
+                                                            .read = BoAl::fStandard};
 };
 
 Frames::Frames(HostContext& context) : SurfaceControl(context), T(UserControl) {
@@ -122,11 +146,15 @@ void Frames::ForwardInput() {
     forms::SurfaceEvents& e = UserControl.events;
     e.Click = [this] { RaiseEvent(E::Click); };
     e.DblClick = [this] { RaiseEvent(E::DblClick); };
-    ForwardMouse(e, static_cast<std::int32_t>(E::MouseDown), static_cast<std::int32_t>(E::MouseMove),
-                 static_cast<std::int32_t>(E::MouseUp));
-    e.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(E::KeyDown, KeyCode, Shift); };
+    ForwardMouse(e, static_cast<std::int32_t>(E::MouseDown),
+                 static_cast<std::int32_t>(E::MouseMove), static_cast<std::int32_t>(E::MouseUp));
+    e.KeyDown = [this](std::int16_t& KeyCode, std::int16_t Shift) {
+        RaiseEvent(E::KeyDown, KeyCode, Shift);
+    };
     e.KeyPress = [this](std::int16_t& KeyAscii) { RaiseEvent(E::KeyPress, KeyAscii); };
-    e.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) { RaiseEvent(E::KeyUp, KeyCode, Shift); };
+    e.KeyUp = [this](std::int16_t& KeyCode, std::int16_t Shift) {
+        RaiseEvent(E::KeyUp, KeyCode, Shift);
+    };
     e.GotFocus = [this] {
         bool bFocus = true;
         RaiseEvent(E::Focus, bFocus);
@@ -174,7 +202,8 @@ void Frames::UserControl_ReadProperties(PropertyBag& PropBag) {
     // what "Font" restored rather than asking the font for an impossible value.
     if (const float size = Props::FontSize.Read(*this, PropBag); size > 0) font.Size(size);
     font.Strikethrough(Props::FontStrikethru.Read(*this, PropBag));
-    if (std::string name = Props::FontName.Read(*this, PropBag); !name.empty()) font.Name(std::move(name));
+    if (std::string name = Props::FontName.Read(*this, PropBag); !name.empty())
+        font.Name(std::move(name));
     Props::Alignment.Load(*this, PropBag);
     Props::AlignmentTop.Load(*this, PropBag);
 }
@@ -232,8 +261,10 @@ void Frames::Repaint() {
     const double left = UserControl.ScaleLeft();
     const double top = UserControl.ScaleTop();
     double frameTop = top;
-    if (AlignmentTop_ == BoAl::fStandard) frameTop = top + static_cast<double>(T.Height()) / 2;
-    else if (AlignmentTop_ == BoAl::fOverBorder) frameTop = top + static_cast<double>(T.Height());
+    if (AlignmentTop_ == BoAl::fStandard)
+        frameTop = top + static_cast<double>(T.Height()) / 2;
+    else if (AlignmentTop_ == BoAl::fOverBorder)
+        frameTop = top + static_cast<double>(T.Height());
     platform::RECT rect{ToLong(left), ToLong(frameTop), ToLong(UserControl.ScaleWidth() - left),
                         ToLong(UserControl.ScaleHeight() - top)};
 

@@ -23,12 +23,14 @@
 
 namespace korvex::controls {
 
-KORVEX_ENUM(BoStyle, Off_Frame = 0, Standard_Down = 1, Standard_Up = 2, Bright_Down = 3, Bright_Up = 4,
-            Dark_Down = 5, Dark_UP = 6, Dark_Frame = 7, Standard_Frame = 8, Flat_Frame = 9, XP_Frame = 10)
+KORVEX_ENUM(BoStyle, Off_Frame = 0, Standard_Down = 1, Standard_Up = 2, Bright_Down = 3,
+            Bright_Up = 4, Dark_Down = 5, Dark_UP = 6, Dark_Frame = 7, Standard_Frame = 8,
+            Flat_Frame = 9, XP_Frame = 10)
 KORVEX_ENUM(BoAli, fLeft = 0, fCenter = 1, fRight = 2)
 KORVEX_ENUM(BoAl, fStandard = 0, fUnderBorder = 1, fOverBorder = 2)
 KORVEX_POINTER_ENUM(fMousePointerConst, "fMouseIcon")
-KORVEX_EVENTS(FramesEvents, Click, DblClick, MouseDown, MouseMove, MouseUp, KeyDown, KeyPress, KeyUp, Focus)
+KORVEX_EVENTS(FramesEvents, Click, DblClick, MouseDown, MouseMove, MouseUp, KeyDown, KeyPress,
+              KeyUp, Focus)
 
 class Frames final : public forms::SurfaceControl {
   public:
@@ -68,7 +70,9 @@ class Frames final : public forms::SurfaceControl {
     void FontSize(float New_FontSize);
     [[nodiscard]] bool FontStrikethru() const { return T.Font()->Strikethrough(); }
     void FontStrikethru(bool New_FontStrikethru);
-    [[nodiscard]] std::shared_ptr<host::StdPicture> MouseIcon() const { return UserControl.MouseIcon(); }
+    [[nodiscard]] std::shared_ptr<host::StdPicture> MouseIcon() const {
+        return UserControl.MouseIcon();
+    }
     void MouseIcon(std::shared_ptr<host::StdPicture> New_MouseIcon);
     [[nodiscard]] fMousePointerConst MousePointer() const {
         return static_cast<fMousePointerConst>(UserControl.MousePointer());

@@ -29,60 +29,89 @@ struct Hyperlink::Props {
     using Picture_t = std::shared_ptr<StdPicture>;
     static inline const Property<Hyperlink, Font_t> Font{
         .name = "Font", .get = &Hyperlink::Font, .set = &Hyperlink::Font};
-    static inline const Property<Hyperlink, std::string> Caption{
-        .name = "Caption", .get = &Hyperlink::Caption, .set = &Hyperlink::Caption, .read = "Hyperlink"};
-    static inline const Property<Hyperlink, bool> FontUnderline{
-        .name = "FontUnderline", .get = &Hyperlink::FontUnderline, .set = &Hyperlink::FontUnderline};
+    static inline const Property<Hyperlink, std::string> Caption{.name = "Caption",
+                                                                 .get = &Hyperlink::Caption,
+                                                                 .set = &Hyperlink::Caption,
+                                                                 .read = "Hyperlink"};
+    static inline const Property<Hyperlink, bool> FontUnderline{.name = "FontUnderline",
+                                                                .get = &Hyperlink::FontUnderline,
+                                                                .set = &Hyperlink::FontUnderline};
     static inline const Property<Hyperlink, float> FontSize{
-        .name = "FontSize", .get = &Hyperlink::FontSize, .set = &Hyperlink::FontSize, .read = 8.25F,
+        .name = "FontSize",
+        .get = &Hyperlink::FontSize,
+        .set = &Hyperlink::FontSize,
+        .read = 8.25F,
         .write = 0.0F,
-        .init = {[](const Hyperlink& c) { return static_cast<float>(c.Ambient().Font->Size()); }, "the ambient font's"},
+        .init = {[](const Hyperlink& c) { return static_cast<float>(c.Ambient().Font->Size()); },
+                 "the ambient font's"},
         .bag = BagKind::Double};
     static inline const Property<Hyperlink, Picture_t> Picture{.name = "Picture"};
-    static inline const Property<Hyperlink, std::int16_t> Style{
-        .name = "Style", .get = &Hyperlink::Style, .set = &Hyperlink::Style, .read = std::int16_t{1}};
-    static inline const Property<Hyperlink, OLE_COLOR> ForeColor{.name = "ForeColor", .read = 0x00FF0000U};
+    static inline const Property<Hyperlink, std::int16_t> Style{.name = "Style",
+                                                                .get = &Hyperlink::Style,
+                                                                .set = &Hyperlink::Style,
+                                                                .read = std::int16_t{1}};
+    static inline const Property<Hyperlink, OLE_COLOR> ForeColor{.name = "ForeColor",
+                                                                 .read = 0x00FF0000U};
     static inline const Property<Hyperlink, bool> Clicked{
         .name = "Clicked", .get = &Hyperlink::Clicked, .set = &Hyperlink::Clicked, .read = false};
     static inline const Property<Hyperlink, std::string> Url{
         .name = "Url", .get = &Hyperlink::Url, .set = &Hyperlink::Url, .persist = false};
-    static inline const Property<Hyperlink, OLE_COLOR> BackColorH{
-        .name = "BackColorH", .get = &Hyperlink::BackColorH, .set = &Hyperlink::BackColorH, .read = 0x8000000FU};
-    static inline const Property<Hyperlink, OLE_COLOR> LinkColor{
-        .name = "LinkColor", .get = &Hyperlink::LinkColor, .set = &Hyperlink::LinkColor, .read = 0x00FF0000U};
-    static inline const Property<Hyperlink, OLE_COLOR> HoverColor{
-        .name = "HoverColor", .get = &Hyperlink::HoverColor, .set = &Hyperlink::HoverColor, .read = 0x00FFFF80U,
-        .init = 0x00FFFF00U};
-    static inline const Property<Hyperlink, OLE_COLOR> ActiveColor{
-        .name = "ActiveColor", .get = &Hyperlink::ActiveColor, .set = &Hyperlink::ActiveColor, .read = 0x000000FFU};
-    static inline const Property<Hyperlink, OLE_COLOR> VisitedColor{
-        .name = "VisitedColor", .get = &Hyperlink::VisitedColor, .set = &Hyperlink::VisitedColor,
-        .read = 0x00800080U};
+    static inline const Property<Hyperlink, OLE_COLOR> BackColorH{.name = "BackColorH",
+                                                                  .get = &Hyperlink::BackColorH,
+                                                                  .set = &Hyperlink::BackColorH,
+                                                                  .read = 0x8000000FU};
+    static inline const Property<Hyperlink, OLE_COLOR> LinkColor{.name = "LinkColor",
+                                                                 .get = &Hyperlink::LinkColor,
+                                                                 .set = &Hyperlink::LinkColor,
+                                                                 .read = 0x00FF0000U};
+    static inline const Property<Hyperlink, OLE_COLOR> HoverColor{.name = "HoverColor",
+                                                                  .get = &Hyperlink::HoverColor,
+                                                                  .set = &Hyperlink::HoverColor,
+                                                                  .read = 0x00FFFF80U,
+                                                                  .init = 0x00FFFF00U};
+    static inline const Property<Hyperlink, OLE_COLOR> ActiveColor{.name = "ActiveColor",
+                                                                   .get = &Hyperlink::ActiveColor,
+                                                                   .set = &Hyperlink::ActiveColor,
+                                                                   .read = 0x000000FFU};
+    static inline const Property<Hyperlink, OLE_COLOR> VisitedColor{.name = "VisitedColor",
+                                                                    .get = &Hyperlink::VisitedColor,
+                                                                    .set = &Hyperlink::VisitedColor,
+                                                                    .read = 0x00800080U};
     static inline const Property<Hyperlink, std::int16_t> BorderStyle{
         .name = "BorderStyle", .get = &Hyperlink::BorderStyle, .set = &Hyperlink::BorderStyle};
     static inline const Property<Hyperlink, std::int16_t> Alignment{
         .name = "Alignment", .get = &Hyperlink::Alignment, .set = &Hyperlink::Alignment};
-    static inline const Property<Hyperlink, bool> AutoSizeH{
-        .name = "AutoSizeH", .get = &Hyperlink::AutoSizeH, .set = &Hyperlink::AutoSizeH, .read = true};
-    static inline const Property<Hyperlink, std::string> ToolTipTxt{
-        .name = "ToolTipTxt", .get = &Hyperlink::ToolTipTxt, .set = &Hyperlink::ToolTipTxt, .read = "ToolTipText"};
+    static inline const Property<Hyperlink, bool> AutoSizeH{.name = "AutoSizeH",
+                                                            .get = &Hyperlink::AutoSizeH,
+                                                            .set = &Hyperlink::AutoSizeH,
+                                                            .read = true};
+    static inline const Property<Hyperlink, std::string> ToolTipTxt{.name = "ToolTipTxt",
+                                                                    .get = &Hyperlink::ToolTipTxt,
+                                                                    .set = &Hyperlink::ToolTipTxt,
+                                                                    .read = "ToolTipText"};
     static inline const Property<Hyperlink, Picture_t> MouseIcon{
         .name = "MouseIcon", .get = &Hyperlink::MouseIcon, .set = &Hyperlink::MouseIcon};
     static inline const Property<Hyperlink, hMousePointerConst> MousePointer{
-        .name = "MousePointer", .get = &Hyperlink::MousePointer, .set = &Hyperlink::MousePointer,
+        .name = "MousePointer",
+        .get = &Hyperlink::MousePointer,
+        .set = &Hyperlink::MousePointer,
         .bag = BagKind::Integer};
-    static inline const Property<Hyperlink, MouSymbol> MouseSymbol{
-        .name = "MouseSymbol", .get = &Hyperlink::MouseSymbol, .set = &Hyperlink::MouseSymbol, .read = MouSymbol::lOff};
+    static inline const Property<Hyperlink, MouSymbol> MouseSymbol{.name = "MouseSymbol",
+                                                                   .get = &Hyperlink::MouseSymbol,
+                                                                   .set = &Hyperlink::MouseSymbol,
+                                                                   .read = MouSymbol::lOff};
 };
 
 std::shared_ptr<StdPicture> LoadHandCursor(MouSymbol symbol) {
-    const char* path = symbol == MouSymbol::lHand_NC ? "cursors/hand_nc.png" : "cursors/hand_ie.png";
+    const char* path =
+        symbol == MouSymbol::lHand_NC ? "cursors/hand_nc.png" : "cursors/hand_ie.png";
     const auto bytes = resources::Find(path);
     assert(!bytes.empty() && "the hand cursors are embedded from resources/cursors");
     platform::Image image = platform::DecodePng(bytes);
     for (std::uint32_t& pixel : image.pixels)
         pixel = pixel == kCursorKeyColour ? 0 : (pixel | 0xFF000000u);
-    return std::make_shared<StdPicture>(PictureType::Icon, image.width, image.height, std::move(image.pixels));
+    return std::make_shared<StdPicture>(PictureType::Icon, image.width, image.height,
+                                        std::move(image.pixels));
 }
 
 Hyperlink::Hyperlink(HostContext& context)

@@ -12,13 +12,15 @@ const host::ClassInfo& Icons::Class() {
     static const host::ClassInfo info =
         host::ClassBuilder<Icons>("Icons", "Korvex_Tools.Icons")
             .Method("ShowAboutBox", {}, [](Icons& c, std::span<Variant>) { c.OpenAboutBox(); })
-            .Method("Icon",
-                    {host::Arg("PicOver", host::TypeCode::String), host::Arg("Size", host::TypeCode::String),
-                     host::Arg("Index", host::TypeCode::Long)},
-                    [](Icons& c, std::span<Variant> a) {
-                        return c.Icon(a[0].ToString(), a[1].ToString(), a[2].ToLong());
-                    },
-                    host::TypeCode::Picture)
+            .Method(
+                "Icon",
+                {host::Arg("PicOver", host::TypeCode::String),
+                 host::Arg("Size", host::TypeCode::String),
+                 host::Arg("Index", host::TypeCode::Long)},
+                [](Icons& c, std::span<Variant> a) {
+                    return c.Icon(a[0].ToString(), a[1].ToString(), a[2].ToLong());
+                },
+                host::TypeCode::Picture)
             .Build();
     return info;
 }

@@ -26,7 +26,8 @@ class Icons final : public forms::SurfaceControl {
     // The image of set PicOver (0 normal, 1 hover, anything else down) at Size 32 or, for any
     // other Size, 16 pixels. Both texts are read as numbers (error 13 when they are none); an
     // identifier beyond the 32-bit range is error 6; a missing group gives Nothing.
-    [[nodiscard]] std::shared_ptr<host::StdPicture> Icon(const std::string& PicOver, const std::string& Size,
+    [[nodiscard]] std::shared_ptr<host::StdPicture> Icon(const std::string& PicOver,
+                                                         const std::string& Size,
                                                          std::int32_t Index) const;
 
     static constexpr std::int32_t kSidePixels = 38;

@@ -32,37 +32,60 @@ struct Label3D::Props {
     static inline const host::Property<Label3D, OLE_COLOR> TextColor{
         .name = "TextColor", .get = &Label3D::TextColor, .set = &Label3D::TextColor, .read = 0U};
     static inline const host::Property<Label3D, OLE_COLOR> BackColorL{
-        .name = "BackColorL", .get = &Label3D::BackColorL, .set = &Label3D::BackColorL,
-        .read = {[](const Label3D& c) { return c.UserControl.BackColor(); }, "the surface's BackColor"}};
-    static inline const host::Property<Label3D, OLE_COLOR> ShadowColor{
-        .name = "ShadowColor", .get = &Label3D::ShadowColor, .set = &Label3D::ShadowColor, .read = 0x00FFFF00U};
-    static inline const host::Property<Label3D, OLE_COLOR> FocusColor{
-        .name = "FocusColor", .get = &Label3D::FocusColor, .set = &Label3D::FocusColor, .read = 0x0000FF00U};
+        .name = "BackColorL",
+        .get = &Label3D::BackColorL,
+        .set = &Label3D::BackColorL,
+        .read = {[](const Label3D& c) { return c.UserControl.BackColor(); },
+                 "the surface's BackColor"}};
+    static inline const host::Property<Label3D, OLE_COLOR> ShadowColor{.name = "ShadowColor",
+                                                                       .get = &Label3D::ShadowColor,
+                                                                       .set = &Label3D::ShadowColor,
+                                                                       .read = 0x00FFFF00U};
+    static inline const host::Property<Label3D, OLE_COLOR> FocusColor{.name = "FocusColor",
+                                                                      .get = &Label3D::FocusColor,
+                                                                      .set = &Label3D::FocusColor,
+                                                                      .read = 0x0000FF00U};
     static inline const host::Property<Label3D, bool> FocusRect{
         .name = "FocusRect", .get = &Label3D::FocusRect, .set = &Label3D::FocusRect, .read = false};
-    static inline const host::Property<Label3D, std::int16_t> TextMode{
-        .name = "TextMode", .get = &Label3D::TextMode, .set = &Label3D::TextMode, .read = std::int16_t{0}};
+    static inline const host::Property<Label3D, std::int16_t> TextMode{.name = "TextMode",
+                                                                       .get = &Label3D::TextMode,
+                                                                       .set = &Label3D::TextMode,
+                                                                       .read = std::int16_t{0}};
     // Both labels are created with Arial 8.25 bold.
-    static inline const host::Property<Label3D, bool> FontBold{
-        .name = "FontBold", .get = &Label3D::FontBold, .set = &Label3D::FontBold, .init = true,
-        .bag = host::BagKind::Integer};
-    static inline const host::Property<Label3D, bool> FontItalic{
-        .name = "FontItalic", .get = &Label3D::FontItalic, .set = &Label3D::FontItalic,
-        .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, bool> FontBold{.name = "FontBold",
+                                                               .get = &Label3D::FontBold,
+                                                               .set = &Label3D::FontBold,
+                                                               .init = true,
+                                                               .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, bool> FontItalic{.name = "FontItalic",
+                                                                 .get = &Label3D::FontItalic,
+                                                                 .set = &Label3D::FontItalic,
+                                                                 .bag = host::BagKind::Integer};
     static inline const host::Property<Label3D, std::string> FontName{
         .name = "FontName", .get = &Label3D::FontName, .set = &Label3D::FontName, .init = "Arial"};
-    static inline const host::Property<Label3D, float> FontSize{
-        .name = "FontSize", .get = &Label3D::FontSize, .set = &Label3D::FontSize, .init = 8.25F,
-        .bag = host::BagKind::Integer};
+    static inline const host::Property<Label3D, float> FontSize{.name = "FontSize",
+                                                                .get = &Label3D::FontSize,
+                                                                .set = &Label3D::FontSize,
+                                                                .init = 8.25F,
+                                                                .bag = host::BagKind::Integer};
     static inline const host::Property<Label3D, bool> FontStrikethru{
-        .name = "FontStrikethru", .get = &Label3D::FontStrikethru, .set = &Label3D::FontStrikethru,
+        .name = "FontStrikethru",
+        .get = &Label3D::FontStrikethru,
+        .set = &Label3D::FontStrikethru,
         .bag = host::BagKind::Integer};
     static inline const host::Property<Label3D, std::string> ToolTipText{
-        .name = "ToolTipText", .get = &Label3D::ToolTipText, .set = &Label3D::ToolTipText, .read = "Quick-Info"};
-    static inline const host::Property<Label3D, std::string> Caption{
-        .name = "Caption", .get = &Label3D::Caption, .set = &Label3D::Caption, .read = "Korvex-Label"};
-    static inline const host::Property<Label3D, EnumBack> BackStyle{
-        .name = "BackStyle", .get = &Label3D::BackStyle, .set = &Label3D::BackStyle, .read = EnumBack::BgColor};
+        .name = "ToolTipText",
+        .get = &Label3D::ToolTipText,
+        .set = &Label3D::ToolTipText,
+        .read = "Quick-Info"};
+    static inline const host::Property<Label3D, std::string> Caption{.name = "Caption",
+                                                                     .get = &Label3D::Caption,
+                                                                     .set = &Label3D::Caption,
+                                                                     .read = "Korvex-Label"};
+    static inline const host::Property<Label3D, EnumBack> BackStyle{.name = "BackStyle",
+                                                                    .get = &Label3D::BackStyle,
+                                                                    .set = &Label3D::BackStyle,
+                                                                    .read = EnumBack::BgColor};
     static inline const host::Property<Label3D, std::int16_t> xDist{
         .name = "xDist", .get = &Label3D::xDist, .set = &Label3D::xDist, .read = std::int16_t{15}};
 };
@@ -110,7 +133,8 @@ Label3D::Label3D(host::HostContext& context)
     const float width = UserControl.Width(), height = UserControl.Height();
     for (forms::Label* label : {&lbShadow, &lbFont}) {
         label->Caption(Props::Caption.Initial(*this));
-        label->Font(std::make_shared<host::StdFont>(Props::FontName.Initial(*this), Props::FontSize.Initial(*this),
+        label->Font(std::make_shared<host::StdFont>(Props::FontName.Initial(*this),
+                                                    Props::FontSize.Initial(*this),
                                                     Props::FontBold.Initial(*this)));
     }
     lbFont.BackStyle(0);
@@ -161,7 +185,8 @@ void Label3D::Forward(forms::MouseEvents& events) {
     };
     events.DblClick = [this] { RaiseEvent(Label3DEvents::DblClick); };
     ForwardMouse(events, static_cast<std::int32_t>(Label3DEvents::MouseDown),
-                 static_cast<std::int32_t>(Label3DEvents::MouseMove), static_cast<std::int32_t>(Label3DEvents::MouseUp));
+                 static_cast<std::int32_t>(Label3DEvents::MouseMove),
+                 static_cast<std::int32_t>(Label3DEvents::MouseUp));
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -270,18 +295,39 @@ void Label3D::LayOut() {
     lbFont.Move(0, 0, width, height);
     const std::int16_t d = xDist_;
     const auto minus = [d] { return host::SubInteger(0, d); };
-    const auto shadowAt = [&](std::int16_t left, std::int16_t top) { lbShadow.Move(left, top, width, height); };
+    const auto shadowAt = [&](std::int16_t left, std::int16_t top) {
+        lbShadow.Move(left, top, width, height);
+    };
     switch (TextMode_) {
-        case 0: shadowAt(d, d); break;
-        case 1: shadowAt(0, d); break;
-        case 2: shadowAt(minus(), d); break;
-        case 3: shadowAt(minus(), 0); break;
-        case 4: shadowAt(minus(), minus()); break;
-        case 5: shadowAt(0, minus()); break;
-        case 6: shadowAt(d, minus()); break;
-        case 7: shadowAt(d, 0); break;
-        case 8: shadowAt(0, 0); break;
-        default: break;  // unknown directions leave the shadow where it is
+        case 0:
+            shadowAt(d, d);
+            break;
+        case 1:
+            shadowAt(0, d);
+            break;
+        case 2:
+            shadowAt(minus(), d);
+            break;
+        case 3:
+            shadowAt(minus(), 0);
+            break;
+        case 4:
+            shadowAt(minus(), minus());
+            break;
+        case 5:
+            shadowAt(0, minus());
+            break;
+        case 6:
+            shadowAt(d, minus());
+            break;
+        case 7:
+            shadowAt(d, 0);
+            break;
+        case 8:
+            shadowAt(0, 0);
+            break;
+        default:
+            break;  // unknown directions leave the shadow where it is
     }
 }
 

@@ -26,7 +26,8 @@
 namespace korvex::controls {
 
 KORVEX_ENUM(EnumBack, BgColor = 0, cTRANSPARENT = 1)
-KORVEX_EVENTS(Label3DEvents, Click, DblClick, MouseDown, MouseMove, MouseUp, KeyDown, KeyPress, KeyUp)
+KORVEX_EVENTS(Label3DEvents, Click, DblClick, MouseDown, MouseMove, MouseUp, KeyDown, KeyPress,
+              KeyUp)
 
 class Label3D final : public forms::SurfaceControl {
   public:

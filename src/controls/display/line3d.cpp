@@ -16,20 +16,31 @@ using host::Variant;
 // and a bag without the key gives the workspace colour.
 struct Line3D::Props {
     using OLE_COLOR = host::OLE_COLOR;
-    static inline const host::Property<Line3D, OLE_COLOR> BorderColor{
-        .name = "BorderColor", .get = &Line3D::BorderColor, .set = &Line3D::BorderColor,
-        .read = 0x8000000CU, .init = 0x80000010U};
+    static inline const host::Property<Line3D, OLE_COLOR> BorderColor{.name = "BorderColor",
+                                                                      .get = &Line3D::BorderColor,
+                                                                      .set = &Line3D::BorderColor,
+                                                                      .read = 0x8000000CU,
+                                                                      .init = 0x80000010U};
     static inline const host::Property<Line3D, OLE_COLOR> BorderForeColor{
-        .name = "BorderForeColor", .get = &Line3D::BorderForeColor, .set = &Line3D::BorderForeColor,
+        .name = "BorderForeColor",
+        .get = &Line3D::BorderForeColor,
+        .set = &Line3D::BorderForeColor,
         .read = 0x80000014U};
     static inline const host::Property<Line3D, std::int16_t> BorderWidth{
-        .name = "BorderWidth", .get = &Line3D::BorderWidth, .set = &Line3D::BorderWidth, .read = std::int16_t{1}};
+        .name = "BorderWidth",
+        .get = &Line3D::BorderWidth,
+        .set = &Line3D::BorderWidth,
+        .read = std::int16_t{1}};
     static inline const host::Property<Line3D, OrientationConstants> Orientation{
-        .name = "Orientation", .get = &Line3D::Orientation, .set = &Line3D::Orientation,
-        .read = OrientationConstants::lAuto, .bag = host::BagKind::Integer};
+        .name = "Orientation",
+        .get = &Line3D::Orientation,
+        .set = &Line3D::Orientation,
+        .read = OrientationConstants::lAuto,
+        .bag = host::BagKind::Integer};
 
     // Bag order.
-    static inline const auto Keys = std::tie(BorderColor, BorderForeColor, Orientation, BorderWidth);
+    static inline const auto Keys =
+        std::tie(BorderColor, BorderForeColor, Orientation, BorderWidth);
 };
 
 const ClassInfo& Line3D::Class() {
@@ -143,7 +154,8 @@ void Line3D::DrawLine() {
     const auto perPixel = static_cast<std::int16_t>(Orientation_ != OrientationConstants::lVertical
                                                         ? UserControl.Scale().TwipsPerPixelY()
                                                         : UserControl.Scale().TwipsPerPixelX());
-    const std::int16_t thickness = host::MulInteger(BorderWidth_, static_cast<std::int16_t>(2 * perPixel));
+    const std::int16_t thickness =
+        host::MulInteger(BorderWidth_, static_cast<std::int16_t>(2 * perPixel));
     const std::int16_t strip = host::MulInteger(BorderWidth_, perPixel);
     if (Orientation_ != OrientationConstants::lVertical) {
         UserControl.Height(thickness);

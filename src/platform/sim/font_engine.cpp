@@ -194,14 +194,14 @@ PatternPtr MatchFamily(FcConfig* config, std::string_view family, bool bold, boo
 
 }  // namespace
 
-FontEngine::Impl::Match FontEngine::Impl::Resolve(std::string_view family, bool bold,
-                                                  bool italic) {
+FontEngine::Impl::Match FontEngine::Impl::Resolve(std::string_view family, bool bold, bool italic) {
     auto key = std::make_tuple(Lower(family), bold, italic);
     if (auto it = matches.find(key); it != matches.end()) return it->second;
 
     if (!config) {
         config = FcInitLoadConfigAndFonts();
-        if (!config) throw std::runtime_error("font engine: fontconfig failed to load its configuration");
+        if (!config)
+            throw std::runtime_error("font engine: fontconfig failed to load its configuration");
     }
     PatternPtr font = MatchFamily(config, family, bold, italic);
     // Fontconfig always answers with something; an answer of another family is replaced by our
@@ -238,8 +238,8 @@ namespace {
 // same Latin advances, says 0.44 em), while GDI's figure for Arial is the weighted one. Returns
 // font units, or 0 when a letter is missing.
 std::int64_t WeightedAverageWidth(FT_Face ft) {
-    static constexpr int kWeights[27] = {64, 14, 27, 35, 100, 20, 14, 42, 63, 3, 6, 35, 20, 56,
-                                         56, 17, 4,  49, 56, 71,  31, 10, 18, 3,  18, 2, 166};
+    static constexpr int kWeights[27] = {64, 14, 27, 35, 100, 20, 14, 42, 63, 3, 6,  35, 20, 56,
+                                         56, 17, 4,  49, 56,  71, 31, 10, 18, 3, 18, 2,  166};
     std::int64_t sum = 0;
     for (int k = 0; k < 27; ++k) {
         const FT_ULong cp = k < 26 ? static_cast<FT_ULong>('a' + k) : FT_ULong{' '};
@@ -298,8 +298,7 @@ std::unique_ptr<FontEngine::Face> FontEngine::Impl::Open(const LOGFONT& request,
         tm.tmAscent = ScaleCeil(winAscent, face->ppem, upem);
         tm.tmDescent = ScaleCeil(winDescent, face->ppem, upem);
     } else {
-        face->ppem = std::max<std::int32_t>(
-            1, ScaleRound(upem, cell, winAscent + winDescent));
+        face->ppem = std::max<std::int32_t>(1, ScaleRound(upem, cell, winAscent + winDescent));
         tm.tmAscent = ScaleRound(winAscent, cell, winAscent + winDescent);
         tm.tmDescent = cell - tm.tmAscent;
     }
@@ -337,8 +336,8 @@ std::unique_ptr<FontEngine::Face> FontEngine::Impl::Open(const LOGFONT& request,
     } else {
         tm.tmAveCharWidth = face->GlyphFor(U'x').advance;
     }
-    tm.tmMaxCharWidth = ScaleCeil(ft->bbox.xMax - ft->bbox.xMin, static_cast<std::int64_t>(xppem),
-                                  upem);
+    tm.tmMaxCharWidth =
+        ScaleCeil(ft->bbox.xMax - ft->bbox.xMin, static_cast<std::int64_t>(xppem), upem);
     if (face->fakeBold) {
         tm.tmAveCharWidth += 1;
         tm.tmMaxCharWidth += 1;
@@ -390,10 +389,11 @@ const FontEngine::Face::Glyph& FontEngine::Face::GlyphFor(char32_t cp) const {
         glyph.top = slot->bitmap_top;
         glyph.width = static_cast<std::int32_t>(bitmap.width);
         glyph.rows = static_cast<std::int32_t>(bitmap.rows);
-        glyph.bits.assign(static_cast<std::size_t>(glyph.width) * static_cast<std::size_t>(glyph.rows),
-                          0);
+        glyph.bits.assign(
+            static_cast<std::size_t>(glyph.width) * static_cast<std::size_t>(glyph.rows), 0);
         for (std::int32_t y = 0; y < glyph.rows; ++y) {
-            const unsigned char* row = bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
+            const unsigned char* row =
+                bitmap.buffer + static_cast<std::ptrdiff_t>(y) * bitmap.pitch;
             for (std::int32_t x = 0; x < glyph.width; ++x) {
                 const bool on = bitmap.pixel_mode == FT_PIXEL_MODE_MONO
                                     ? (row[x >> 3] & (0x80 >> (x & 7))) != 0
@@ -405,12 +405,14 @@ const FontEngine::Face::Glyph& FontEngine::Face::GlyphFor(char32_t cp) const {
     if (fakeBold) {
         // Smear one pixel to the right: the glyph grows one column and the advance one pixel.
         if (glyph.width > 0) {
-            std::vector<std::uint8_t> bold(static_cast<std::size_t>(glyph.width + 1) *
-                                           static_cast<std::size_t>(glyph.rows), 0);
+            std::vector<std::uint8_t> bold(
+                static_cast<std::size_t>(glyph.width + 1) * static_cast<std::size_t>(glyph.rows),
+                0);
             for (std::int32_t y = 0; y < glyph.rows; ++y) {
                 for (std::int32_t x = 0; x <= glyph.width; ++x) {
                     const std::uint8_t here =
-                        x < glyph.width ? glyph.bits[static_cast<std::size_t>(y * glyph.width + x)] : 0;
+                        x < glyph.width ? glyph.bits[static_cast<std::size_t>(y * glyph.width + x)]
+                                        : 0;
                     const std::uint8_t left =
                         x > 0 ? glyph.bits[static_cast<std::size_t>(y * glyph.width + x - 1)] : 0;
                     bold[static_cast<std::size_t>(y * (glyph.width + 1) + x)] = here | left;
@@ -442,8 +444,13 @@ FontEngine::~FontEngine() {
 const FontEngine::Face& FontEngine::Realize(const LOGFONT& request) {
     const bool bold = request.lfWeight >= 600;
     const bool italic = request.lfItalic != 0;
-    Impl::Key key{request.lfFaceName, request.lfHeight, std::max(0, request.lfWidth), bold, italic,
-                  request.lfUnderline != 0, request.lfStrikeOut != 0};
+    Impl::Key key{request.lfFaceName,
+                  request.lfHeight,
+                  std::max(0, request.lfWidth),
+                  bold,
+                  italic,
+                  request.lfUnderline != 0,
+                  request.lfStrikeOut != 0};
     auto it = impl_->faces.find(key);
     if (it == impl_->faces.end()) {
         it = impl_->faces.emplace(std::move(key), impl_->Open(request, bold, italic)).first;
@@ -451,23 +458,28 @@ const FontEngine::Face& FontEngine::Realize(const LOGFONT& request) {
     return *it->second;
 }
 
-TEXTMETRIC FontEngine::Metrics(const Face& face) const { return face.metrics; }
+TEXTMETRIC FontEngine::Metrics(const Face& face) const {
+    return face.metrics;
+}
 
 SIZE FontEngine::Extent(const Face& face, std::string_view utf8) const {
     std::int32_t width = 0;
-    for (std::size_t pos = 0; pos < utf8.size();) width += face.GlyphFor(NextCodePoint(utf8, pos)).advance;
+    for (std::size_t pos = 0; pos < utf8.size();)
+        width += face.GlyphFor(NextCodePoint(utf8, pos)).advance;
     return SIZE{std::max(0, width), face.metrics.tmHeight};
 }
 
-std::string FontEngine::FaceName(const Face& face) const { return face.requestedName; }
+std::string FontEngine::FaceName(const Face& face) const {
+    return face.requestedName;
+}
 
 GlyphMask FontEngine::Render(const Face& face, std::string_view utf8) const {
     GlyphMask mask;
     const SIZE extent = Extent(face, utf8);
     mask.width = extent.cx;
     mask.height = extent.cy;
-    mask.coverage.assign(static_cast<std::size_t>(mask.width) * static_cast<std::size_t>(mask.height),
-                         0);
+    mask.coverage.assign(
+        static_cast<std::size_t>(mask.width) * static_cast<std::size_t>(mask.height), 0);
     const auto set = [&](std::int32_t x, std::int32_t y) {
         if (x >= 0 && x < mask.width && y >= 0 && y < mask.height) {
             mask.coverage[static_cast<std::size_t>(y * mask.width + x)] = 255;

@@ -21,7 +21,7 @@ struct GlyphMask {
 };
 
 class FontEngine {
-public:
+  public:
     FontEngine();
     ~FontEngine();
     FontEngine(const FontEngine&) = delete;
@@ -35,7 +35,7 @@ public:
     std::string FaceName(const Face& face) const;
     GlyphMask Render(const Face& face, std::string_view utf8) const;
 
-private:
+  private:
     struct Impl;
     std::unique_ptr<Impl> impl_;
 };

@@ -20,8 +20,10 @@ template <class Pred>
 std::int64_t FirstTrue(std::int64_t lo, std::int64_t hi, Pred pred) {
     while (lo < hi) {
         const std::int64_t mid = lo + (hi - lo) / 2;
-        if (pred(mid)) hi = mid;
-        else lo = mid + 1;
+        if (pred(mid))
+            hi = mid;
+        else
+            lo = mid + 1;
     }
     return lo;
 }
@@ -30,7 +32,8 @@ std::int64_t FirstTrue(std::int64_t lo, std::int64_t hi, Pred pred) {
 // several times faster than a plain loop at -O2 and as fast as memset.
 void FillPixels(std::uint32_t* p, std::ptrdiff_t n, std::uint32_t value) {
     if constexpr (sizeof(wchar_t) == sizeof(std::uint32_t)) {
-        std::wmemset(reinterpret_cast<wchar_t*>(p), static_cast<wchar_t>(value), static_cast<std::size_t>(n));
+        std::wmemset(reinterpret_cast<wchar_t*>(p), static_cast<wchar_t>(value),
+                     static_cast<std::size_t>(n));
     } else {
         std::fill_n(p, n, value);
     }
@@ -50,8 +53,8 @@ void FillSpan(const Surface& s, std::int32_t y, std::int32_t x0, std::int32_t x1
 }
 
 void FillRect(const Surface& s, const RECT& r, RopPair rop) {
-    assert(!r.IsEmpty() && r.left >= 0 && r.top >= 0 && r.right <= s.width && r.bottom <= s.height &&
-           "rect outside surface");
+    assert(!r.IsEmpty() && r.left >= 0 && r.top >= 0 && r.right <= s.width &&
+           r.bottom <= s.height && "rect outside surface");
     if (rop.IsCopy() && r.left == 0 && r.right == s.width) {
         // Whole rows are one contiguous run: a single fill is as fast as memset.
         FillPixels(s.Row(r.top), static_cast<std::ptrdiff_t>(r.Height()) * s.width, rop.xorMask);
@@ -84,7 +87,8 @@ std::pair<std::int64_t, std::int64_t> LineGeom::MinorAt(std::int64_t i) const {
 POINT LineGeom::PixelAt(std::int64_t i) const {
     const std::int64_t off = MinorAt(i).first;
     if (xMajor) {
-        return {static_cast<std::int32_t>(x1 + (dx > 0 ? i : -i)), static_cast<std::int32_t>(y1 + off)};
+        return {static_cast<std::int32_t>(x1 + (dx > 0 ? i : -i)),
+                static_cast<std::int32_t>(y1 + off)};
     }
     return {static_cast<std::int32_t>(x1 + off), static_cast<std::int32_t>(y1 + (dy > 0 ? i : -i))};
 }
@@ -179,8 +183,10 @@ void DrawLinePixels(const Surface& s, const LineGeom& line, std::int64_t i0, std
     }
     std::int64_t k = (phase + i0) % dash.period;
     for (;;) {
-        if ((dash.onBits >> k) & 1u) *p = rop.Apply(*p);
-        else if (drawGaps) *p = gapRop.Apply(*p);
+        if ((dash.onBits >> k) & 1u)
+            *p = rop.Apply(*p);
+        else if (drawGaps)
+            *p = gapRop.Apply(*p);
         if (--count == 0) break;
         if (++k == dash.period) k = 0;
         step();

@@ -60,30 +60,49 @@ struct RopPair {
 constexpr RopPair Rop2Pair(int rop2, std::uint32_t p) {
     constexpr std::uint32_t k1 = ~0u;
     switch (rop2) {
-        case R2_BLACK: return {0, 0};
-        case R2_NOTMERGEPEN: return {~p, ~p};
-        case R2_MASKNOTPEN: return {~p, 0};
-        case R2_NOTCOPYPEN: return {0, ~p};
-        case R2_MASKPENNOT: return {p, p};
-        case R2_NOT: return {k1, k1};
-        case R2_XORPEN: return {k1, p};
-        case R2_NOTMASKPEN: return {p, k1};
-        case R2_MASKPEN: return {p, 0};
-        case R2_NOTXORPEN: return {k1, ~p};
-        case R2_NOP: return {k1, 0};
-        case R2_MERGENOTPEN: return {p, ~p};
-        case R2_COPYPEN: return {0, p};
-        case R2_MERGEPENNOT: return {~p, k1};
-        case R2_MERGEPEN: return {~p, p};
-        case R2_WHITE: return {0, k1};
-        default: return {0, p};
+        case R2_BLACK:
+            return {0, 0};
+        case R2_NOTMERGEPEN:
+            return {~p, ~p};
+        case R2_MASKNOTPEN:
+            return {~p, 0};
+        case R2_NOTCOPYPEN:
+            return {0, ~p};
+        case R2_MASKPENNOT:
+            return {p, p};
+        case R2_NOT:
+            return {k1, k1};
+        case R2_XORPEN:
+            return {k1, p};
+        case R2_NOTMASKPEN:
+            return {p, k1};
+        case R2_MASKPEN:
+            return {p, 0};
+        case R2_NOTXORPEN:
+            return {k1, ~p};
+        case R2_NOP:
+            return {k1, 0};
+        case R2_MERGENOTPEN:
+            return {p, ~p};
+        case R2_COPYPEN:
+            return {0, p};
+        case R2_MERGEPENNOT:
+            return {~p, k1};
+        case R2_MERGEPEN:
+            return {~p, p};
+        case R2_WHITE:
+            return {0, k1};
+        default:
+            return {0, p};
     }
 }
 
 // ---------------------------------------------------------------------------------------------
 // ROP3: bit (4P + 2S + D) of the code's index byte gives each result bit.
 
-constexpr std::uint8_t Rop3Index(DWORD rop) { return static_cast<std::uint8_t>((rop >> 16) & 0xFF); }
+constexpr std::uint8_t Rop3Index(DWORD rop) {
+    return static_cast<std::uint8_t>((rop >> 16) & 0xFF);
+}
 // The source column of the truth table is what S selects: a code uses S when flipping S changes
 // the result somewhere.
 constexpr bool Rop3UsesSource(DWORD rop) {
@@ -154,7 +173,7 @@ struct LineGeom {
 
 // Pixel pattern of a styled pen: pixel k of a figure is "on" when on[k % period].
 struct DashPattern {
-    std::int32_t period = 0;  // 0: solid
+    std::int32_t period = 0;   // 0: solid
     std::uint32_t onBits = 0;  // bit k set: position k is a dash pixel (period <= 32)
     [[nodiscard]] bool On(std::int64_t k) const {
         return period == 0 || ((onBits >> static_cast<unsigned>(k % period)) & 1u) != 0;

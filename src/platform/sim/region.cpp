@@ -22,7 +22,8 @@ std::vector<std::int32_t> NormaliseSpans(std::vector<std::pair<std::int32_t, std
     std::vector<std::int32_t> xs;
     for (const auto& [a, b] : spans) {
         if (a >= b) continue;
-        if (!xs.empty() && a <= xs.back()) xs.back() = std::max(xs.back(), b);
+        if (!xs.empty() && a <= xs.back())
+            xs.back() = std::max(xs.back(), b);
         else {
             xs.push_back(a);
             xs.push_back(b);
@@ -33,11 +34,16 @@ std::vector<std::int32_t> NormaliseSpans(std::vector<std::pair<std::int32_t, std
 
 bool Apply(int mode, bool a, bool b) {
     switch (mode) {
-        case RGN_AND: return a && b;
-        case RGN_OR: return a || b;
-        case RGN_XOR: return a != b;
-        case RGN_DIFF: return a && !b;
-        default: return a;
+        case RGN_AND:
+            return a && b;
+        case RGN_OR:
+            return a || b;
+        case RGN_XOR:
+            return a != b;
+        case RGN_DIFF:
+            return a && !b;
+        default:
+            return a;
     }
 }
 
@@ -52,8 +58,14 @@ std::vector<std::int32_t> CombineSpans(const std::vector<std::int32_t>& a,
         const std::int32_t xa = i < a.size() ? a[i] : INT32_MAX;
         const std::int32_t xb = j < b.size() ? b[j] : INT32_MAX;
         const std::int32_t x = std::min(xa, xb);
-        if (xa == x) { inA = !inA; ++i; }
-        if (xb == x) { inB = !inB; ++j; }
+        if (xa == x) {
+            inA = !inA;
+            ++i;
+        }
+        if (xb == x) {
+            inB = !inB;
+            ++j;
+        }
         const bool now = Apply(mode, inA, inB);
         if (now == cur) continue;
         cur = now;
@@ -89,7 +101,8 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
     const std::int64_t h = std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh));
     // The fallback is CreateRectRgn, which normalises again: a box with l == r (t == b) has
     // become r = l - 1 and gives the column left of it (the row above).
-    if (w < 2 || h < 2) return FromRect({std::min(l, r), std::min(t, b), std::max(l, r), std::max(t, b)});
+    if (w < 2 || h < 2)
+        return FromRect({std::min(l, r), std::min(t, b), std::max(l, r), std::max(t, b)});
 
     // Zingl's integer ellipse for the lower-right quadrant of a w x h box, run from the middle
     // row outwards: inset[row] is how far that row's span starts inside the box
@@ -100,7 +113,11 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
     std::int64_t x = 0, row = h / 2;
     while (x <= w / 2) {
         const std::int64_t d = 2 * e;
-        if (d >= sx) { ++x; sx += 8 * bb * bb; e += sx; }
+        if (d >= sx) {
+            ++x;
+            sx += 8 * bb * bb;
+            e += sx;
+        }
         if (d <= sy) {
             ++row;
             sy += 8 * a * a;
@@ -119,10 +136,12 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
         const std::int32_t in = inset[static_cast<std::size_t>(k)];
         return std::vector<std::int32_t>{l + in, r - in};
     };
-    for (std::int32_t i = 0; i < half; ++i) region.AppendBand(t + i, t + i + 1, spanFor(hh - 1 - i));
+    for (std::int32_t i = 0; i < half; ++i)
+        region.AppendBand(t + i, t + i + 1, spanFor(hh - 1 - i));
     // The middle row stretches up to join the top half: the full-width band of the straight sides.
     region.AppendBand(t + half, b - hh + half + 1, spanFor(half));
-    for (std::int32_t i = half + 1; i < hh; ++i) region.AppendBand(b - hh + i, b - hh + i + 1, spanFor(i));
+    for (std::int32_t i = half + 1; i < hh; ++i)
+        region.AppendBand(b - hh + i, b - hh + i + 1, spanFor(i));
     return region;
 }
 
@@ -142,8 +161,10 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
     for (std::size_t i = 0; i < points.size(); ++i) {
         const POINT p = points[i], q = points[(i + 1) % points.size()];
         if (p.y == q.y) continue;  // horizontal edges cross no scanline
-        if (p.y < q.y) edges.push_back({p.x, p.y, q.x, q.y, 1});
-        else edges.push_back({q.x, q.y, p.x, p.y, -1});
+        if (p.y < q.y)
+            edges.push_back({p.x, p.y, q.x, q.y, 1});
+        else
+            edges.push_back({q.x, q.y, p.x, p.y, -1});
         ymin = std::min({ymin, p.y, q.y});
         ymax = std::max({ymax, p.y, q.y});
     }
@@ -172,8 +193,10 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
             for (const auto& [cx, dir] : crossings) {
                 const int before = winding;
                 winding += dir;
-                if (before == 0 && winding != 0) start = cx;
-                else if (before != 0 && winding == 0) addSpan(start, cx);
+                if (before == 0 && winding != 0)
+                    start = cx;
+                else if (before != 0 && winding == 0)
+                    addSpan(start, cx);
             }
         } else {
             for (std::size_t i = 0; i + 1 < crossings.size(); i += 2)
@@ -188,8 +211,14 @@ Region Region::Combine(const Region& a, const Region& b, int mode) {
     if (mode == RGN_COPY) return a;
     std::vector<std::int32_t> ys;
     ys.reserve(2 * (a.bands_.size() + b.bands_.size()));
-    for (const Band& band : a.bands_) { ys.push_back(band.top); ys.push_back(band.bottom); }
-    for (const Band& band : b.bands_) { ys.push_back(band.top); ys.push_back(band.bottom); }
+    for (const Band& band : a.bands_) {
+        ys.push_back(band.top);
+        ys.push_back(band.bottom);
+    }
+    for (const Band& band : b.bands_) {
+        ys.push_back(band.top);
+        ys.push_back(band.bottom);
+    }
     std::sort(ys.begin(), ys.end());
     ys.erase(std::unique(ys.begin(), ys.end()), ys.end());
 

@@ -12,7 +12,7 @@
 namespace korvex::platform::sim {
 
 class Region {
-public:
+  public:
     struct Band {
         std::int32_t top = 0;
         std::int32_t bottom = 0;
@@ -40,7 +40,9 @@ public:
     // NULLREGION, SIMPLEREGION or COMPLEXREGION.
     [[nodiscard]] int Type() const;
     [[nodiscard]] const std::vector<Band>& Bands() const { return bands_; }
-    [[nodiscard]] Region Intersect(const RECT& r) const { return Combine(*this, FromRect(r), RGN_AND); }
+    [[nodiscard]] Region Intersect(const RECT& r) const {
+        return Combine(*this, FromRect(r), RGN_AND);
+    }
     friend bool operator==(const Region&, const Region&) = default;
 
     // Calls f(RECT) for every rect of the region in band order.
@@ -57,7 +59,7 @@ public:
     // Debug self-check of the banding invariants.
     [[nodiscard]] bool IsValid() const;
 
-private:
+  private:
     std::vector<Band> bands_;
 };
 

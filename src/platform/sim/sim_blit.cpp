@@ -47,14 +47,14 @@ std::vector<Run> AxisMap(std::int64_t d, std::int64_t s) {
 
 }  // namespace
 
-bool SimGdi::BitBlt(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h, HDC src,
-                    std::int32_t sx, std::int32_t sy, DWORD rop) {
+bool SimGdi::BitBlt(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                    HDC src, std::int32_t sx, std::int32_t sy, DWORD rop) {
     return StretchBlt(dst, x, y, w, h, src, sx, sy, w, h, rop);
 }
 
 bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
-                        HDC hsrc, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
-                        DWORD rop) {
+                        HDC hsrc, std::int32_t sx, std::int32_t sy, std::int32_t sw,
+                        std::int32_t sh, DWORD rop) {
     DcObj* dc = Dc(hdst);
     if (!dc) return false;
     if (!Rop3UsesSource(rop)) return PatBltBrush(*dc, x, y, w, h, rop, dc->brushData);
@@ -70,7 +70,8 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
     std::vector<std::uint32_t> snapshot;
     const std::uint32_t* srcBits = from.bits;
     if (from.bits == dc->surface.bits) {
-        snapshot.assign(from.bits, from.bits + static_cast<std::ptrdiff_t>(from.width) * from.height);
+        snapshot.assign(from.bits,
+                        from.bits + static_cast<std::ptrdiff_t>(from.width) * from.height);
         srcBits = snapshot.data();
     }
     auto srcAt = [&](std::int64_t px, std::int64_t py) { return srcBits[py * from.width + px]; };
@@ -84,15 +85,18 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
     if (rop == SRCCOPY && dW == sW && dH == sH && dirX == sDirX && dirY == sDirY) {
         const RECT srcBounds = from.Bounds();
         const RECT shiftedSource = BlitRect(sx, sy, sw, sh);
-        const std::int32_t ox = shiftedSource.left - target.left, oy = shiftedSource.top - target.top;
+        const std::int32_t ox = shiftedSource.left - target.left,
+                           oy = shiftedSource.top - target.top;
         dc->visible.ForEachRect([&](const RECT& clip) {
             RECT r = Intersect(clip, target);
             r = Intersect(r, {srcBounds.left - ox, srcBounds.top - oy, srcBounds.right - ox,
                               srcBounds.bottom - oy});
             if (r.IsEmpty()) return;
             for (std::int32_t row = r.top; row < r.bottom; ++row)
-                std::memmove(dc->surface.Row(row) + r.left, srcBits + static_cast<std::ptrdiff_t>(row + oy) * from.width + r.left + ox,
-                             static_cast<std::size_t>(r.Width()) * sizeof(std::uint32_t));
+                std::memmove(
+                    dc->surface.Row(row) + r.left,
+                    srcBits + static_cast<std::ptrdiff_t>(row + oy) * from.width + r.left + ox,
+                    static_cast<std::size_t>(r.Width()) * sizeof(std::uint32_t));
         });
         return true;
     }

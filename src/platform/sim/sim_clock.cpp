@@ -10,12 +10,14 @@ namespace korvex::platform::sim {
 Clock::TimerId SimClock::SetTimer(std::uint32_t intervalMs, std::function<void()> tick) {
     const std::uint32_t interval = std::clamp(intervalMs, kMinimumInterval, kMaximumInterval);
     const TimerId id = nextId_++;
-    timers_[id] = Timer{interval, now_ + interval,
-                        std::make_shared<std::function<void()>>(std::move(tick))};
+    timers_[id] =
+        Timer{interval, now_ + interval, std::make_shared<std::function<void()>>(std::move(tick))};
     return id;
 }
 
-bool SimClock::KillTimer(TimerId id) { return timers_.erase(id) > 0; }
+bool SimClock::KillTimer(TimerId id) {
+    return timers_.erase(id) > 0;
+}
 
 std::int64_t SimClock::NextDue() {
     std::int64_t best = -1;
@@ -34,7 +36,8 @@ void SimClock::Advance(std::int64_t ms) {
     for (;;) {
         auto next = timers_.end();
         for (auto it = timers_.begin(); it != timers_.end(); ++it)
-            if (it->second.due <= target && (next == timers_.end() || it->second.due < next->second.due))
+            if (it->second.due <= target &&
+                (next == timers_.end() || it->second.due < next->second.due))
                 next = it;
         if (next == timers_.end()) break;
         Timer& timer = next->second;

@@ -13,7 +13,7 @@
 namespace korvex::platform::sim {
 
 class SimClock final : public Clock {
-public:
+  public:
     // Win32's USER_TIMER_MINIMUM: SetTimer raises any shorter interval to 10 ms, so a 1 ms poll
     // ticks every 10 ms. USER_TIMER_MAXIMUM caps the other end.
     static constexpr std::uint32_t kMinimumInterval = 10;
@@ -31,7 +31,7 @@ public:
     void Advance(std::int64_t ms);
     [[nodiscard]] std::int64_t NextDue();
 
-private:
+  private:
     struct Timer {
         std::uint32_t interval = kMinimumInterval;
         std::int64_t due = 0;

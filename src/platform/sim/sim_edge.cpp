@@ -32,19 +32,21 @@ struct EdgeColours {
 constexpr int L = COLOR_3DLIGHT, D = COLOR_3DDKSHADOW, S = COLOR_BTNSHADOW, H = COLOR_BTNHIGHLIGHT;
 constexpr int F = COLOR_BTNFACE, WF = COLOR_WINDOWFRAME, W = COLOR_WINDOW, N = -1;
 
-constexpr EdgeColours kNormal[16] = {
-    {N, N, N, N}, {L, D, N, N}, {S, H, N, N}, {N, N, N, N},
-    {H, S, N, N}, {L, D, H, S}, {S, H, H, S}, {N, N, N, N},
-    {D, L, N, N}, {L, D, D, L}, {S, H, D, L}, {N, N, N, N},
-    {N, N, N, N}, {L, D, N, N}, {S, H, N, N}, {N, N, N, N}};
-constexpr EdgeColours kSoft[16] = {
-    {N, N, N, N}, {H, D, N, N}, {D, H, N, N}, {N, N, N, N},
-    {L, S, N, N}, {H, D, L, S}, {D, H, L, S}, {N, N, N, N},
-    {S, L, N, N}, {H, D, S, L}, {D, H, S, L}, {N, N, N, N},
-    {N, N, N, N}, {H, D, N, N}, {D, H, N, N}, {N, N, N, N}};
+constexpr EdgeColours kNormal[16] = {{N, N, N, N}, {L, D, N, N}, {S, H, N, N}, {N, N, N, N},
+                                     {H, S, N, N}, {L, D, H, S}, {S, H, H, S}, {N, N, N, N},
+                                     {D, L, N, N}, {L, D, D, L}, {S, H, D, L}, {N, N, N, N},
+                                     {N, N, N, N}, {L, D, N, N}, {S, H, N, N}, {N, N, N, N}};
+constexpr EdgeColours kSoft[16] = {{N, N, N, N}, {H, D, N, N}, {D, H, N, N}, {N, N, N, N},
+                                   {L, S, N, N}, {H, D, L, S}, {D, H, L, S}, {N, N, N, N},
+                                   {S, L, N, N}, {H, D, S, L}, {D, H, S, L}, {N, N, N, N},
+                                   {N, N, N, N}, {H, D, N, N}, {D, H, N, N}, {N, N, N, N}};
 
-bool HasOuterRing(unsigned edge) { return (edge & (kOuter | kInner)) != 0; }
-bool HasInnerRing(unsigned edge) { return (edge & kOuter) != 0 && (edge & kInner) != 0; }
+bool HasOuterRing(unsigned edge) {
+    return (edge & (kOuter | kInner)) != 0;
+}
+bool HasInnerRing(unsigned edge) {
+    return (edge & kOuter) != 0 && (edge & kInner) != 0;
+}
 
 EdgeColours ColoursFor(unsigned edge, unsigned flags) {
     const unsigned e = edge & 15;
@@ -71,12 +73,15 @@ bool SimGdi::DrawEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags) {
     const RECT r = *rect;
     auto fill = [&](int colour, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
         // Strokes are PATCOPY fills: DrawEdge ignores the DC's pen, brush and ROP2.
-        if (colour >= 0) PatBltBrush(*dc, x, y, w, h, PATCOPY, BrushObj{false, sysColors_[static_cast<std::size_t>(colour)]});
+        if (colour >= 0)
+            PatBltBrush(*dc, x, y, w, h, PATCOPY,
+                        BrushObj{false, sysColors_[static_cast<std::size_t>(colour)]});
     };
     const bool left = flags & BF_LEFT, top = flags & BF_TOP, right = flags & BF_RIGHT,
                bottom = flags & BF_BOTTOM;
     // Inner strokes stop one pixel short of a corner only where both of its sides are drawn.
-    const std::int32_t kTL = top && left, kTR = top && right, kBL = bottom && left, kBR = bottom && right;
+    const std::int32_t kTL = top && left, kTR = top && right, kBL = bottom && left,
+                       kBR = bottom && right;
     const std::int32_t w = r.right - r.left, h = r.bottom - r.top;
     if (top) fill(c.lto, r.left, r.top, w, 1);
     if (left) fill(c.lto, r.left, r.top, 1, h);

@@ -25,11 +25,20 @@ DashPattern PatternFor(int style, int width) {
     std::span<const int> runs;
     if (width > 1) return {};  // CreatePen draws wide styled pens solid
     switch (style) {
-        case PS_DASH: runs = kDash; break;
-        case PS_DOT: runs = kDot; break;
-        case PS_DASHDOT: runs = kDashDot; break;
-        case PS_DASHDOTDOT: runs = kDashDotDot; break;
-        default: return {};
+        case PS_DASH:
+            runs = kDash;
+            break;
+        case PS_DOT:
+            runs = kDot;
+            break;
+        case PS_DASHDOT:
+            runs = kDashDot;
+            break;
+        case PS_DASHDOTDOT:
+            runs = kDashDotDot;
+            break;
+        default:
+            return {};
     }
     DashPattern pattern;
     bool on = true;
@@ -176,7 +185,9 @@ HGDIOBJ SimGdi::GetStockObject(int index) {
     return HGDIOBJ{stock_[static_cast<std::size_t>(index)]};
 }
 
-HFONT SimGdi::CreateFontIndirect(const LOGFONT& font) { return HFONT{Allocate(FontObj{font})}; }
+HFONT SimGdi::CreateFontIndirect(const LOGFONT& font) {
+    return HFONT{Allocate(FontObj{font})};
+}
 
 HGDIOBJ SimGdi::SelectObject(HDC hdc, HGDIOBJ object) {
     DcObj* dc = Dc(hdc);
@@ -222,11 +233,16 @@ HGDIOBJ SimGdi::GetCurrentObject(HDC hdc, int objectType) {
     const DcObj* dc = Dc(hdc);
     if (!dc) return {};
     switch (objectType) {
-        case OBJ_PEN: return HGDIOBJ{dc->pen};
-        case OBJ_BRUSH: return HGDIOBJ{dc->brush};
-        case OBJ_FONT: return HGDIOBJ{dc->font};
-        case OBJ_BITMAP: return HGDIOBJ{dc->bitmap};
-        default: return {};
+        case OBJ_PEN:
+            return HGDIOBJ{dc->pen};
+        case OBJ_BRUSH:
+            return HGDIOBJ{dc->brush};
+        case OBJ_FONT:
+            return HGDIOBJ{dc->font};
+        case OBJ_BITMAP:
+            return HGDIOBJ{dc->bitmap};
+        default:
+            return {};
     }
 }
 
@@ -369,12 +385,17 @@ bool SimGdi::SetSysColors(std::span<const int> indices, std::span<const COLORREF
 
 int SimGdi::GetDeviceCaps(HDC, int index) {
     switch (index) {
-        case HORZRES: return screen_.cx;
-        case VERTRES: return screen_.cy;
-        case BITSPIXEL: return 32;
+        case HORZRES:
+            return screen_.cx;
+        case VERTRES:
+            return screen_.cy;
+        case BITSPIXEL:
+            return 32;
         case LOGPIXELSX:
-        case LOGPIXELSY: return pixelsPerInch_;
-        default: return 0;
+        case LOGPIXELSY:
+            return pixelsPerInch_;
+        default:
+            return 0;
     }
 }
 

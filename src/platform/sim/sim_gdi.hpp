@@ -32,7 +32,7 @@ namespace korvex::platform::sim {
 class FontEngine;
 
 class SimGdi final : public Gdi {
-public:
+  public:
     // pixelsPerInch is what LOGPIXELSX and LOGPIXELSY report (96: 15 twips to a pixel).
     explicit SimGdi(SIZE screen = {1024, 768}, int pixelsPerInch = 96);
     ~SimGdi() override;
@@ -111,7 +111,7 @@ public:
     // The software device's handles are its own.
     [[nodiscard]] std::uintptr_t NativeHandle(HDC dc) override { return dc.value; }
 
-private:
+  private:
     struct PenObj {
         int style = PS_SOLID;
         int width = 1;  // device pixels; 0 and 1 are both the cosmetic one-pixel pen
@@ -154,7 +154,8 @@ private:
         DashPattern dash;
         RopPair penRop, gapRop, brushRop;
     };
-    using Object = std::variant<std::monostate, PenObj, BrushObj, FontObj, BitmapObj, RegionObj, DcObj>;
+    using Object =
+        std::variant<std::monostate, PenObj, BrushObj, FontObj, BitmapObj, RegionObj, DcObj>;
     struct Slot {
         Object object;
         bool stock = false;

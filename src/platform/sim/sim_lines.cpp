@@ -20,7 +20,7 @@ bool ContainsRect(const RECT& outer, const RECT& inner) {
 // Collects spans row by row and turns them into a banded region; used for the few strokes that
 // are not single rects.
 class RowBuilder {
-public:
+  public:
     explicit RowBuilder(const RECT& limit) : limit_(limit) {}
     void Add(const RECT& r) {
         const RECT c = Intersect(r, limit_);
@@ -33,7 +33,8 @@ public:
             std::sort(spans.begin(), spans.end());
             std::vector<std::int32_t> xs;
             for (const auto& [a, b] : spans) {
-                if (!xs.empty() && a <= xs.back()) xs.back() = std::max(xs.back(), b);
+                if (!xs.empty() && a <= xs.back())
+                    xs.back() = std::max(xs.back(), b);
                 else {
                     xs.push_back(a);
                     xs.push_back(b);
@@ -44,7 +45,7 @@ public:
         return region;
     }
 
-private:
+  private:
     RECT limit_;
     std::map<std::int32_t, std::vector<std::pair<std::int32_t, std::int32_t>>> rows_;
 };
@@ -75,7 +76,8 @@ void SimGdi::StrokeFigure(DcObj& dc, std::span<const POINT> points, bool closed)
     if (dc.penData.IsNull() || points.empty()) return;
     if (dc.penData.IsWide()) {
         // Wide strokes are painted as one region so overlapping segments hit a pixel only once.
-        PaintRegion(dc, WideStrokeRegion(dc.penData, points, closed, dc.surface.Bounds()), dc.penRop);
+        PaintRegion(dc, WideStrokeRegion(dc.penData, points, closed, dc.surface.Bounds()),
+                    dc.penRop);
         return;
     }
     // The dash pattern runs on through every segment and corner of one figure.
@@ -96,9 +98,11 @@ std::int64_t SimGdi::StrokeSegment(DcObj& dc, POINT a, POINT b, std::int64_t pha
                    std::max(a.y, b.y) + 1};
     const std::vector<Region::Band>& bands = dc.visible.Bands();
     if (bands.size() == 1 && bands.front().xs.size() == 2) {
-        const RECT clip{bands.front().xs[0], bands.front().top, bands.front().xs[1], bands.front().bottom};
+        const RECT clip{bands.front().xs[0], bands.front().top, bands.front().xs[1],
+                        bands.front().bottom};
         if (ContainsRect(clip, box)) {
-            DrawLinePixels(dc.surface, line, 0, line.n, dc.penRop, dc.dash, phase, drawGaps, dc.gapRop);
+            DrawLinePixels(dc.surface, line, 0, line.n, dc.penRop, dc.dash, phase, drawGaps,
+                           dc.gapRop);
             return line.n;
         }
     }
@@ -112,7 +116,8 @@ std::int64_t SimGdi::StrokeSegment(DcObj& dc, POINT a, POINT b, std::int64_t pha
             if (r.IsEmpty()) continue;
             const auto [i0, i1] = line.RangeIn(r);
             if (i0 < i1)
-                DrawLinePixels(dc.surface, line, i0, i1, dc.penRop, dc.dash, phase, drawGaps, dc.gapRop);
+                DrawLinePixels(dc.surface, line, i0, i1, dc.penRop, dc.dash, phase, drawGaps,
+                               dc.gapRop);
         }
     }
     return line.n;
@@ -130,7 +135,9 @@ std::int32_t RoundHalfAway(double v) {  // Wine's round() macro, truncated into 
     return static_cast<std::int32_t>(v > 0 ? v + 0.5 : v - 0.5);
 }
 
-bool Touches(const RECT& r, const RECT& dib) { return !Intersect(r, dib).IsEmpty(); }
+bool Touches(const RECT& r, const RECT& dib) {
+    return !Intersect(r, dib).IsEmpty();
+}
 
 // Coordinates near the int32 limits plus half a pen width saturate instead of wrapping.
 std::int32_t Sat(std::int64_t v) {
@@ -165,15 +172,21 @@ void AddWideSegment(RowBuilder& rows, std::int32_t w, POINT p1, POINT p2, const 
         wide.x = -wide.x;
         narrow.x = -narrow.x;
     }
-    auto at = [](POINT p, std::int64_t ox, std::int64_t oy) { return POINT{Sat(p.x + ox), Sat(p.y + oy)}; };
-    const POINT pts[4] = {at(p1, -narrow.x, narrow.y), at(p1, wide.x, -wide.y), at(p2, wide.x, -wide.y),
-                          at(p2, -narrow.x, narrow.y)};
+    auto at = [](POINT p, std::int64_t ox, std::int64_t oy) {
+        return POINT{Sat(p.x + ox), Sat(p.y + oy)};
+    };
+    const POINT pts[4] = {at(p1, -narrow.x, narrow.y), at(p1, wide.x, -wide.y),
+                          at(p2, wide.x, -wide.y), at(p2, -narrow.x, narrow.y)};
     // Wine tests this corner-built box against the bitmap before it builds the polygon.
     RECT box;
-    if (dx > 0 && dy > 0) box = {pts[0].x, pts[1].y, pts[2].x, pts[3].y};
-    else if (dx > 0) box = {pts[1].x, pts[2].y, pts[3].x, pts[0].y};
-    else if (dy > 0) box = {pts[3].x, pts[0].y, pts[1].x, pts[2].y};
-    else box = {pts[2].x, pts[3].y, pts[0].x, pts[1].y};
+    if (dx > 0 && dy > 0)
+        box = {pts[0].x, pts[1].y, pts[2].x, pts[3].y};
+    else if (dx > 0)
+        box = {pts[1].x, pts[2].y, pts[3].x, pts[0].y};
+    else if (dy > 0)
+        box = {pts[3].x, pts[0].y, pts[1].x, pts[2].y};
+    else
+        box = {pts[2].x, pts[3].y, pts[0].x, pts[1].y};
     if (!Touches(box, dib)) return;
     Region::FromPolygon(pts, ALTERNATE, dib).ForEachRect([&](const RECT& r) { rows.Add(r); });
 }
@@ -188,7 +201,10 @@ Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const POINT> all, b
     // Leading and trailing empty segments are dropped first.
     std::size_t first = 0, num = all.size();
     auto same = [](POINT a, POINT b) { return a.x == b.x && a.y == b.y; };
-    while (num > 2 && same(all[first], all[first + 1])) { ++first; --num; }
+    while (num > 2 && same(all[first], all[first + 1])) {
+        ++first;
+        --num;
+    }
     while (num > 2 && same(all[first + num - 1], all[first + num - 2])) --num;
     const std::span<const POINT> pts = all.subspan(first, num);
 

@@ -9,7 +9,9 @@
 
 namespace korvex::platform::sim {
 
-void SimEventLoop::MouseMove(POINT screen) { windows_.RouteMouseMove(screen, clock_.Now()); }
+void SimEventLoop::MouseMove(POINT screen) {
+    windows_.RouteMouseMove(screen, clock_.Now());
+}
 
 void SimEventLoop::MouseDown(int button, int shift) {
     windows_.RouteMouseButton(true, button, shift, clock_.Now());
@@ -53,7 +55,9 @@ void SimEventLoop::KeyPress(int character) {
     Key(KeyEvent::Kind::Press, character, windows_.ShiftState());
 }
 
-void SimEventLoop::Post(std::function<void()> task) { posted_.push_back(std::move(task)); }
+void SimEventLoop::Post(std::function<void()> task) {
+    posted_.push_back(std::move(task));
+}
 
 void SimEventLoop::RunPosted() {
     for (std::size_t n = posted_.size(); n > 0 && !posted_.empty(); --n) {

@@ -7,9 +7,9 @@
 
 #include <cstdint>
 #include <deque>
-#include <vector>
 #include <functional>
 #include <string_view>
+#include <vector>
 
 #include "platform/driver.hpp"
 #include "platform/sim/sim_clock.hpp"
@@ -19,7 +19,7 @@
 namespace korvex::platform::sim {
 
 class SimEventLoop final : public EventLoop {
-public:
+  public:
     // Virtual time a modal loop may let pass, timer by timer, after its script has run out.
     static constexpr std::int64_t kIdleLimitMs = 60'000;
 
@@ -46,7 +46,7 @@ public:
     void KeyPress(int character);
     void SetInputSource(InputSource* source) { source_ = source; }
 
-private:
+  private:
     void Key(KeyEvent::Kind kind, int keyCode, int shift);
     std::vector<std::pair<std::uint32_t, KeyFilter>> keyFilters_;
     std::uint32_t nextKeyFilter_ = 1;

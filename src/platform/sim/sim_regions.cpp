@@ -109,7 +109,8 @@ bool SimGdi::FrameRgn(HDC hdc, HRGN region, HBRUSH brush, std::int32_t w, std::i
         inner = Region::Combine(inner, moved, RGN_AND);
     }
     if (!b->null)
-        PaintRegion(*dc, Region::Combine(source, inner, RGN_DIFF), Rop2Pair(dc->rop2, ToPixel(b->color)));
+        PaintRegion(*dc, Region::Combine(source, inner, RGN_DIFF),
+                    Rop2Pair(dc->rop2, ToPixel(b->color)));
     return true;
 }
 

@@ -28,8 +28,16 @@ std::vector<POINT> RoundRectOutline(std::int32_t l, std::int32_t t, std::int32_t
     while (x >= ew / 2) {
         quadrant.push_back({static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)});
         const std::int64_t d = 2 * e;
-        if (d >= sx) { --x; sx += 8 * bb * bb; e += sx; }
-        if (d <= sy) { ++y; sy += 8 * a * a; e += sy; }
+        if (d >= sx) {
+            --x;
+            sx += 8 * bb * bb;
+            e += sx;
+        }
+        if (d <= sy) {
+            ++y;
+            sy += 8 * a * a;
+            e += sy;
+        }
     }
     std::vector<POINT> top;
     for (const POINT q : quadrant) top.push_back({r - ew + q.x, t + eh - 1 - q.y});
@@ -77,7 +85,8 @@ bool SimGdi::PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t
 // ---------------------------------------------------------------------------------------------
 // Rect fills: their own ROP3, never the DC's ROP2
 
-bool SimGdi::PatBlt(HDC hdc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h, DWORD rop) {
+bool SimGdi::PatBlt(HDC hdc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                    DWORD rop) {
     DcObj* dc = Dc(hdc);
     return dc && PatBltBrush(*dc, x, y, w, h, rop, dc->brushData);
 }
@@ -86,7 +95,9 @@ int SimGdi::FillRect(HDC hdc, const RECT& rect, HBRUSH brush) {
     DcObj* dc = Dc(hdc);
     if (!dc) return 0;
     return PatBltBrush(*dc, rect.left, rect.top, rect.Width(), rect.Height(), PATCOPY,
-                       ResolveBrush(*dc, brush)) ? 1 : 0;
+                       ResolveBrush(*dc, brush))
+               ? 1
+               : 0;
 }
 
 int SimGdi::FrameRect(HDC hdc, const RECT& rect, HBRUSH brush) {

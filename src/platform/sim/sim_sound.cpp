@@ -11,7 +11,8 @@ namespace {
 
 std::uint32_t Le32(std::span<const std::uint8_t> b, std::size_t at) {
     return static_cast<std::uint32_t>(b[at]) | static_cast<std::uint32_t>(b[at + 1]) << 8 |
-           static_cast<std::uint32_t>(b[at + 2]) << 16 | static_cast<std::uint32_t>(b[at + 3]) << 24;
+           static_cast<std::uint32_t>(b[at + 2]) << 16 |
+           static_cast<std::uint32_t>(b[at + 3]) << 24;
 }
 
 bool Tag(std::span<const std::uint8_t> b, std::size_t at, const char* tag) {
@@ -22,7 +23,9 @@ std::uint16_t Le16(std::span<const std::uint8_t> b, std::size_t at) {
     return static_cast<std::uint16_t>(b[at] | b[at + 1] << 8);
 }
 
-std::size_t ChannelIndex(SoundRequest::Channel c) { return c == SoundRequest::Channel::PlaySound ? 0 : 1; }
+std::size_t ChannelIndex(SoundRequest::Channel c) {
+    return c == SoundRequest::Channel::PlaySound ? 0 : 1;
+}
 
 // One frame of a PCM image as a value in -1..1, its channels averaged.
 double FrameValue(const WaveFormat& wave, std::size_t frame) {
@@ -46,7 +49,8 @@ void Put16(std::vector<char>& out, std::uint16_t v) {
 }
 
 void Put32(std::vector<char>& out, std::uint32_t v) {
-    for (int shift = 0; shift < 32; shift += 8) out.push_back(static_cast<char>((v >> shift) & 0xFF));
+    for (int shift = 0; shift < 32; shift += 8)
+        out.push_back(static_cast<char>((v >> shift) & 0xFF));
 }
 
 }  // namespace
@@ -57,7 +61,8 @@ std::optional<std::int64_t> WaveDurationMs(std::span<const std::uint8_t> image) 
     std::size_t at = 12;
     while (at + 8 <= image.size()) {
         const std::uint32_t size = Le32(image, at + 4);
-        if (Tag(image, at, "fmt ") && at + 8 + 12 <= image.size()) byteRate = Le32(image, at + 8 + 8);
+        if (Tag(image, at, "fmt ") && at + 8 + 12 <= image.size())
+            byteRate = Le32(image, at + 8 + 8);
         if (Tag(image, at, "data")) {
             if (byteRate == 0) return std::nullopt;
             return static_cast<std::int64_t>(size) * 1000 / byteRate;
@@ -75,7 +80,8 @@ std::optional<WaveFormat> ParseWave(std::span<const std::uint8_t> image) {
         const std::uint32_t size = Le32(image, at + 4);
         if (Tag(image, at, "fmt ") && size >= 16 && at + 8 + 16 <= image.size()) {
             if (Le16(image, at + 8) != 1) return std::nullopt;  // PCM only
-            format = WaveFormat{Le16(image, at + 10), Le32(image, at + 12), Le16(image, at + 22), {}};
+            format =
+                WaveFormat{Le16(image, at + 10), Le32(image, at + 12), Le16(image, at + 22), {}};
             if (format->channels == 0 || format->sampleRate == 0 ||
                 (format->bitsPerSample != 8 && format->bitsPerSample != 16))
                 return std::nullopt;
@@ -94,7 +100,8 @@ std::optional<WaveFormat> ParseWave(std::span<const std::uint8_t> image) {
 std::span<const std::uint8_t> SimSound::ImageOf(const SoundRequest& request) const {
     if (!request.image.empty() || !request.name) return request.image;
     const auto it = named_.find(*request.name);
-    return it == named_.end() ? std::span<const std::uint8_t>() : std::span<const std::uint8_t>(it->second);
+    return it == named_.end() ? std::span<const std::uint8_t>()
+                              : std::span<const std::uint8_t>(it->second);
 }
 
 const SoundRequest* SimSound::Playing(SoundRequest::Channel channel) const {
@@ -120,7 +127,10 @@ bool SimSound::Start(SoundRequest request, std::span<const std::uint8_t> image) 
 }
 
 bool SimSound::PlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) {
-    SoundRequest request{SoundRequest::Channel::PlaySound, name ? std::optional<std::string>(*name) : std::nullopt, {}, flags};
+    SoundRequest request{SoundRequest::Channel::PlaySound,
+                         name ? std::optional<std::string>(*name) : std::nullopt,
+                         {},
+                         flags};
     if (!name || name->empty() || (flags & SND_PURGE)) {
         request.time = clock_.Now();
         requests_.push_back(std::move(request));
@@ -128,7 +138,8 @@ bool SimSound::PlaySoundA(std::optional<std::string_view> name, std::uint32_t fl
         return true;
     }
     auto it = named_.find(*name);
-    return Start(std::move(request), it == named_.end() ? std::span<const std::uint8_t>() : it->second);
+    return Start(std::move(request),
+                 it == named_.end() ? std::span<const std::uint8_t>() : it->second);
 }
 
 bool SimSound::sndPlaySoundA(std::span<const std::uint8_t> image, std::uint32_t flags) {
@@ -138,7 +149,10 @@ bool SimSound::sndPlaySoundA(std::span<const std::uint8_t> image, std::uint32_t 
 }
 
 bool SimSound::sndPlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) {
-    SoundRequest request{SoundRequest::Channel::SndPlaySound, name ? std::optional<std::string>(*name) : std::nullopt, {}, flags};
+    SoundRequest request{SoundRequest::Channel::SndPlaySound,
+                         name ? std::optional<std::string>(*name) : std::nullopt,
+                         {},
+                         flags};
     if (!name) {
         request.time = clock_.Now();
         requests_.push_back(std::move(request));
@@ -146,7 +160,8 @@ bool SimSound::sndPlaySoundA(std::optional<std::string_view> name, std::uint32_t
         return true;
     }
     auto it = named_.find(*name);
-    return Start(std::move(request), it == named_.end() ? std::span<const std::uint8_t>() : it->second);
+    return Start(std::move(request),
+                 it == named_.end() ? std::span<const std::uint8_t>() : it->second);
 }
 
 // Each audible request plays from its start until the next request on its channel (any request
@@ -154,8 +169,8 @@ bool SimSound::sndPlaySoundA(std::optional<std::string_view> name, std::uint32_t
 std::vector<std::int16_t> SimSound::RenderTimeline(std::optional<std::int64_t> endTime) const {
     struct Segment {
         WaveFormat wave;
-        std::int64_t start;     // virtual ms
-        std::int64_t stop;      // virtual ms; -1 for a loop nothing ended
+        std::int64_t start;  // virtual ms
+        std::int64_t stop;   // virtual ms; -1 for a loop nothing ended
         bool loop;
     };
     std::vector<Segment> segments;
@@ -174,21 +189,27 @@ std::vector<std::int16_t> SimSound::RenderTimeline(std::optional<std::int64_t> e
         }
         const bool loop = (r.flags & SND_LOOP) != 0;
         if (!loop) {
-            const std::int64_t frames = static_cast<std::int64_t>(wave->data.size() / (wave->bitsPerSample / 8u * wave->channels));
-            const std::int64_t natural = r.time + (frames * 1000 + wave->sampleRate - 1) / wave->sampleRate;
+            const std::int64_t frames = static_cast<std::int64_t>(
+                wave->data.size() / (wave->bitsPerSample / 8u * wave->channels));
+            const std::int64_t natural =
+                r.time + (frames * 1000 + wave->sampleRate - 1) / wave->sampleRate;
             stop = stop < 0 ? natural : std::min(stop, natural);
         }
         if (stop >= 0) lastEnd = std::max(lastEnd, stop);
         segments.push_back({*wave, r.time, stop, loop});
     }
     const std::int64_t end = std::max<std::int64_t>(endTime.value_or(lastEnd), 0);
-    const auto toSample = [](std::int64_t ms) { return static_cast<std::size_t>(ms * kRenderRate / 1000); };
+    const auto toSample = [](std::int64_t ms) {
+        return static_cast<std::size_t>(ms * kRenderRate / 1000);
+    };
     std::vector<double> mix(toSample(end), 0.0);
     for (const Segment& segment : segments) {
-        const std::size_t frames = segment.wave.data.size() / (segment.wave.bitsPerSample / 8u * segment.wave.channels);
+        const std::size_t frames =
+            segment.wave.data.size() / (segment.wave.bitsPerSample / 8u * segment.wave.channels);
         if (frames == 0) continue;
         const std::size_t first = toSample(segment.start);
-        const std::size_t last = std::min(mix.size(), segment.stop < 0 ? mix.size() : toSample(segment.stop));
+        const std::size_t last =
+            std::min(mix.size(), segment.stop < 0 ? mix.size() : toSample(segment.stop));
         const double step = static_cast<double>(segment.wave.sampleRate) / kRenderRate;
         for (std::size_t k = first; k < last; ++k) {
             // Linear interpolation between source frames; a loop wraps to its first frame.
@@ -198,7 +219,8 @@ std::vector<std::int16_t> SimSound::RenderTimeline(std::optional<std::int64_t> e
             const double fraction = position - static_cast<double>(index);
             const std::size_t a = index % frames;
             const std::size_t b = segment.loop ? (a + 1) % frames : std::min(a + 1, frames - 1);
-            mix[k] += FrameValue(segment.wave, a) * (1 - fraction) + FrameValue(segment.wave, b) * fraction;
+            mix[k] += FrameValue(segment.wave, a) * (1 - fraction) +
+                      FrameValue(segment.wave, b) * fraction;
         }
     }
     std::vector<std::int16_t> out(mix.size());
@@ -208,7 +230,8 @@ std::vector<std::int16_t> SimSound::RenderTimeline(std::optional<std::int64_t> e
     return out;
 }
 
-bool SimSound::WriteWav(const std::filesystem::path& path, std::optional<std::int64_t> endTime) const {
+bool SimSound::WriteWav(const std::filesystem::path& path,
+                        std::optional<std::int64_t> endTime) const {
     const std::vector<std::int16_t> samples = RenderTimeline(endTime);
     const auto dataBytes = static_cast<std::uint32_t>(samples.size() * 2);
     std::vector<char> file;
@@ -236,10 +259,12 @@ void SimSound::RegisterNamedSound(std::string name, std::vector<std::uint8_t> im
     named_[std::move(name)] = std::move(image);
 }
 
-std::intptr_t SimShell::ShellExecuteA(HWND owner, std::optional<std::string_view> verb, std::string_view file,
-                                      std::string_view parameters, std::string_view directory, int showCommand) {
-    requests_.push_back({owner, verb ? std::optional<std::string>(*verb) : std::nullopt, std::string(file),
-                         std::string(parameters), std::string(directory), showCommand, clock_.Now()});
+std::intptr_t SimShell::ShellExecuteA(HWND owner, std::optional<std::string_view> verb,
+                                      std::string_view file, std::string_view parameters,
+                                      std::string_view directory, int showCommand) {
+    requests_.push_back({owner, verb ? std::optional<std::string>(*verb) : std::nullopt,
+                         std::string(file), std::string(parameters), std::string(directory),
+                         showCommand, clock_.Now()});
     return 42;  // above 32: the shell took it
 }
 

@@ -21,11 +21,11 @@ namespace korvex::platform::sim {
 struct SoundRequest {
     enum class Channel { PlaySound, SndPlaySound };
     Channel channel = Channel::PlaySound;
-    std::optional<std::string> name;   // a named sound (none: a stop request or a memory image)
-    std::vector<std::uint8_t> image;   // a copy of a memory image
+    std::optional<std::string> name;  // a named sound (none: a stop request or a memory image)
+    std::vector<std::uint8_t> image;  // a copy of a memory image
     std::uint32_t flags = 0;
-    std::int64_t time = 0;             // virtual milliseconds
-    bool audible = false;              // found and started (an unknown name plays nothing)
+    std::int64_t time = 0;  // virtual milliseconds
+    bool audible = false;   // found and started (an unknown name plays nothing)
 };
 
 // Length of a RIFF "WAVE" image in milliseconds (data bytes over byte rate); nullopt when the
@@ -43,7 +43,7 @@ struct WaveFormat {
 std::optional<WaveFormat> ParseWave(std::span<const std::uint8_t> image);
 
 class SimSound final : public Sound {
-public:
+  public:
     explicit SimSound(Clock& clock) : clock_(clock) {}
 
     bool PlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) override;
@@ -62,11 +62,13 @@ public:
     // replaced or stopped it; a looping one repeats until then. Without endTime the timeline
     // runs to the current virtual time or to the end of the last sound, whichever is later.
     static constexpr std::uint32_t kRenderRate = 22050;
-    [[nodiscard]] std::vector<std::int16_t> RenderTimeline(std::optional<std::int64_t> endTime = {}) const;
+    [[nodiscard]] std::vector<std::int16_t> RenderTimeline(
+        std::optional<std::int64_t> endTime = {}) const;
     // The same timeline as a WAVE file; false when the file cannot be written.
-    bool WriteWav(const std::filesystem::path& path, std::optional<std::int64_t> endTime = {}) const;
+    bool WriteWav(const std::filesystem::path& path,
+                  std::optional<std::int64_t> endTime = {}) const;
 
-private:
+  private:
     bool Start(SoundRequest request, std::span<const std::uint8_t> image);
     // The image a request played: its own copy, or the named sound's.
     [[nodiscard]] std::span<const std::uint8_t> ImageOf(const SoundRequest& request) const;
@@ -89,17 +91,18 @@ struct ShellRequest {
 };
 
 class SimShell final : public Shell {
-public:
+  public:
     explicit SimShell(Clock& clock) : clock_(clock) {}
 
-    std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb, std::string_view file,
-                                std::string_view parameters, std::string_view directory, int showCommand) override;
+    std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb,
+                                std::string_view file, std::string_view parameters,
+                                std::string_view directory, int showCommand) override;
     std::string GetSystemDirectoryA() override { return "C:\\WINDOWS\\system32"; }
     std::string GetTempPathA() override { return "C:\\WINDOWS\\TEMP\\"; }
 
     [[nodiscard]] const std::vector<ShellRequest>& Requests() const { return requests_; }
 
-private:
+  private:
     Clock& clock_;
     std::vector<ShellRequest> requests_;
 };

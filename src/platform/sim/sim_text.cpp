@@ -34,11 +34,15 @@ bool SimGdi::TextOut(HDC hdc, std::int32_t x, std::int32_t y, std::string_view t
     // The reference point names a spot of the cell: left, centre or right; top, baseline or
     // bottom. TA_CENTER and TA_BASELINE share bits with TA_RIGHT and TA_BOTTOM, so test them first.
     std::int32_t left = x;
-    if ((align & TA_CENTER) == TA_CENTER) left = x - extent.cx / 2;
-    else if (align & TA_RIGHT) left = x - extent.cx;
+    if ((align & TA_CENTER) == TA_CENTER)
+        left = x - extent.cx / 2;
+    else if (align & TA_RIGHT)
+        left = x - extent.cx;
     std::int32_t top = y;
-    if ((align & TA_BASELINE) == TA_BASELINE) top = y - tm.tmAscent;
-    else if (align & TA_BOTTOM) top = y - tm.tmAscent - tm.tmDescent;
+    if ((align & TA_BASELINE) == TA_BASELINE)
+        top = y - tm.tmAscent;
+    else if (align & TA_BOTTOM)
+        top = y - tm.tmAscent - tm.tmDescent;
     const RECT cell{left, top, left + extent.cx, top + tm.tmAscent + tm.tmDescent};
 
     // Background and glyphs are plain copies: text ignores the ROP2.

@@ -22,7 +22,9 @@ void Erase(std::vector<std::uint32_t>& list, std::uint32_t value) {
     list.erase(std::remove(list.begin(), list.end(), value), list.end());
 }
 
-bool Inside(const RECT& r, POINT p) { return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom; }
+bool Inside(const RECT& r, POINT p) {
+    return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
+}
 
 std::size_t IndexOf(const std::vector<std::uint32_t>& list, std::uint32_t value) {
     return static_cast<std::size_t>(std::find(list.begin(), list.end(), value) - list.begin());
@@ -74,7 +76,8 @@ HWND SimWindows::CreateWindow(HWND parent, const RECT& position, WindowStyle sty
     }
     // Topmost is a property of top-level windows; the owned windows of a topmost window are
     // topmost too, so that they can stay above it.
-    window.topmost = !style.child && (style.topmost || (window.owner && Find(window.owner)->topmost));
+    window.topmost =
+        !style.child && (style.topmost || (window.owner && Find(window.owner)->topmost));
     window.rect = Normalized(position);
     window.handler = handler;
     window.title = std::string(title);
@@ -112,7 +115,9 @@ bool SimWindows::DestroyWindow(HWND window) {
     return true;
 }
 
-bool SimWindows::IsWindow(HWND window) { return Find(window) != nullptr; }
+bool SimWindows::IsWindow(HWND window) {
+    return Find(window) != nullptr;
+}
 
 // As Win32's GetParent: the parent of a child window, the owner of an owned top-level window.
 HWND SimWindows::GetParent(HWND window) {
@@ -124,7 +129,8 @@ HWND SimWindows::GetParent(HWND window) {
 HWND SimWindows::SetParent(HWND window, HWND newParent) {
     Window* w = Find(window);
     const std::uint32_t parentHandle = newParent ? newParent.value : kDesktop;
-    if (!w || window.value == kDesktop || !Find(parentHandle) || IsSelfOrDescendant(window.value, parentHandle)) {
+    if (!w || window.value == kDesktop || !Find(parentHandle) ||
+        IsSelfOrDescendant(window.value, parentHandle)) {
         return {};
     }
     const HWND previous = GetParent(window);
@@ -354,7 +360,9 @@ bool SimWindows::ShowWindow(HWND window, bool visible) {
     return was;
 }
 
-bool SimWindows::IsWindowVisible(HWND window) { return Find(window) && ChainVisible(window.value); }
+bool SimWindows::IsWindowVisible(HWND window) {
+    return Find(window) && ChainVisible(window.value);
+}
 
 // Returns whether the window was disabled before, as Win32's EnableWindow does. A disabled
 // window cannot keep the focus, nor can it or its children keep the capture.
@@ -455,9 +463,15 @@ bool SimWindows::SetCursorPos(std::int32_t x, std::int32_t y) {
 std::int16_t SimWindows::GetAsyncKeyState(int virtualKey) {
     bool down = false;
     switch (virtualKey) {
-        case VK_LBUTTON: down = buttons_ & kButtonLeft; break;
-        case VK_RBUTTON: down = buttons_ & kButtonRight; break;
-        case VK_MBUTTON: down = buttons_ & kButtonMiddle; break;
+        case VK_LBUTTON:
+            down = buttons_ & kButtonLeft;
+            break;
+        case VK_RBUTTON:
+            down = buttons_ & kButtonRight;
+            break;
+        case VK_MBUTTON:
+            down = buttons_ & kButtonMiddle;
+            break;
         default:
             down = virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
                    keys_[static_cast<std::size_t>(virtualKey)];
@@ -629,7 +643,9 @@ void SimWindows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int6
 // ---------------------------------------------------------------------------------------------
 // Composition
 
-std::vector<std::uint32_t> SimWindows::ComposeScreen() { return Render(screen_, kDesktop, {}); }
+std::vector<std::uint32_t> SimWindows::ComposeScreen() {
+    return Render(screen_, kDesktop, {});
+}
 
 std::vector<std::uint32_t> SimWindows::ComposeWindow(HWND window) {
     const Window* w = Find(window);
@@ -652,13 +668,15 @@ std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, P
         if (window == kDesktop) {
             const std::vector<std::uint32_t> order = Find(kDesktop)->children;
             for (auto it = order.rbegin(); it != order.rend(); ++it)
-                if (const Window* w = Find(*it); w && w->visible) ComposeInto(dc, *it, Origin(*it), {});
+                if (const Window* w = Find(*it); w && w->visible)
+                    ComposeInto(dc, *it, Origin(*it), {});
         } else {
             ComposeInto(dc, window, origin, {});
         }
         const PixelView view = gdi_.BitmapPixels(bitmap);
         if (view.bits)
-            pixels.assign(view.bits, view.bits + static_cast<std::ptrdiff_t>(view.width) * view.height);
+            pixels.assign(view.bits,
+                          view.bits + static_cast<std::ptrdiff_t>(view.width) * view.height);
         // Raster operations that invert write the unused top byte too; a screen has none.
         for (std::uint32_t& pixel : pixels) pixel &= 0x00FFFFFFu;
     }
@@ -711,7 +729,8 @@ void SimWindows::ComposeInto(HDC target, std::uint32_t window, POINT origin, HRG
     if (const Window* again = Find(window)) {
         const POINT inner{origin.x + client.left, origin.y + client.top};
         if (again->caption) {
-            const HRGN area = gdi_.CreateRectRgn(inner.x, inner.y, inner.x + client.Width(), inner.y + client.Height());
+            const HRGN area = gdi_.CreateRectRgn(inner.x, inner.y, inner.x + client.Width(),
+                                                 inner.y + client.Height());
             gdi_.CombineRgn(own, own, area, RGN_AND);
             gdi_.DeleteObject(area);
         }
@@ -729,7 +748,8 @@ void SimWindows::PaintClient(HDC dc, WindowHandler* handler, const RECT& client)
     if (client.IsEmpty()) return;
     const bool framed = client.left != 0 || client.top != 0;
     const HDC target = framed ? gdi_.CreateCompatibleDC(dc) : dc;
-    const HBITMAP bitmap = framed ? gdi_.CreateDIBSection32(client.Width(), client.Height()) : HBITMAP{};
+    const HBITMAP bitmap =
+        framed ? gdi_.CreateDIBSection32(client.Width(), client.Height()) : HBITMAP{};
     if (!target || (framed && !bitmap)) {
         if (framed && target) gdi_.DeleteDC(target);
         if (bitmap) gdi_.DeleteObject(bitmap);
@@ -743,7 +763,8 @@ void SimWindows::PaintClient(HDC dc, WindowHandler* handler, const RECT& client)
         gdi_.DeleteObject(erase);
         if (handler) handler->OnPaint(target, area);
         if (framed) {
-            gdi_.BitBlt(dc, client.left, client.top, client.Width(), client.Height(), target, 0, 0, SRCCOPY);
+            gdi_.BitBlt(dc, client.left, client.top, client.Width(), client.Height(), target, 0, 0,
+                        SRCCOPY);
             gdi_.SelectObject(target, previous);
         }
     }

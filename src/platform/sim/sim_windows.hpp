@@ -32,7 +32,7 @@
 namespace korvex::platform::sim {
 
 class SimWindows final : public Windows {
-public:
+  public:
     // The platform's double-click defaults (GetDoubleClickTime, SM_CXDOUBLECLK/SM_CYDOUBLECLK):
     // a second press of the same button on the same window less than 500 ms after the first,
     // inside the 4 x 4 rectangle centred on it, is a double click.
@@ -58,8 +58,8 @@ public:
     SimWindows(const SimWindows&) = delete;
     SimWindows& operator=(const SimWindows&) = delete;
 
-    HWND CreateWindow(HWND parent, const RECT& position, WindowStyle style,
-                      WindowHandler* handler, std::string_view title = {}) override;
+    HWND CreateWindow(HWND parent, const RECT& position, WindowStyle style, WindowHandler* handler,
+                      std::string_view title = {}) override;
     bool DestroyWindow(HWND window) override;
     bool IsWindow(HWND window) override;
     HWND GetParent(HWND window) override;
@@ -120,7 +120,7 @@ public:
     // The shift mask (kShiftMask, kCtrlMask, kAltMask) from the keys held now.
     [[nodiscard]] int ShiftState() const;
 
-private:
+  private:
     static constexpr std::uint32_t kDesktop = 0x00010010;
 
     struct Window {
@@ -153,7 +153,9 @@ private:
     Window* Find(std::uint32_t handle);
     Window* Find(HWND window) { return Find(window.value); }
     // Zero for the desktop, which CreateWindow and ZOrder also accept for "no parent".
-    std::uint32_t Normalize(HWND window) const { return window.value == kDesktop ? 0 : window.value; }
+    std::uint32_t Normalize(HWND window) const {
+        return window.value == kDesktop ? 0 : window.value;
+    }
     bool IsSelfOrDescendant(std::uint32_t ancestor, std::uint32_t window);
     bool ChainVisible(std::uint32_t window);
     bool ChainEnabled(std::uint32_t window);

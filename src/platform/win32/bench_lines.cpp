@@ -49,7 +49,8 @@ int BenchLines(int passes) {
         ::QueryPerformanceCounter(&start);
         pass();
         ::QueryPerformanceCounter(&end);
-        seconds.push_back(static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart));
+        seconds.push_back(static_cast<double>(end.QuadPart - start.QuadPart) /
+                          static_cast<double>(frequency.QuadPart));
     }
     std::printf("pixels %lld seconds", static_cast<long long>(set.pixels));
     for (const double s : seconds) std::printf(" %.9f", s);

@@ -19,7 +19,8 @@ int main(int argc, char** argv) {
     using namespace korvex::platform;
     const std::vector<std::string_view> args(argv + 1, argv + argc);
     // The benchmark's real-GDI baseline (see bench/bench_raster.cpp).
-    if (args.size() == 2 && args[0] == "--bench-lines") return win32::BenchLines(std::atoi(argv[2]));
+    if (args.size() == 2 && args[0] == "--bench-lines")
+        return win32::BenchLines(std::atoi(argv[2]));
     std::string error;
     const auto parsed = ParseGdiScriptArgs(args, error);
     if (!parsed) {

@@ -433,6 +433,8 @@ int Win32Gdi::GetDeviceCaps(HDC dc, int index) {
     return ::GetDeviceCaps(handles_->Dc(dc), index);
 }
 
-std::uintptr_t Win32Gdi::NativeHandle(HDC dc) { return reinterpret_cast<std::uintptr_t>(handles_->Dc(dc)); }
+std::uintptr_t Win32Gdi::NativeHandle(HDC dc) {
+    return reinterpret_cast<std::uintptr_t>(handles_->Dc(dc));
+}
 
 }  // namespace korvex::platform::win32
