@@ -138,6 +138,9 @@ struct Property {
     Default<C, V> init = {};
     BagKind bag = BagKind::Auto;
     bool persist = true;
+    // Where a restored value goes when not through the setter (straight into a constituent
+    // object, say, without reporting a change).
+    void (*restore)(C&, V) = nullptr;
 
     [[nodiscard]] std::string_view Key() const { return key.empty() ? name : key; }
 
@@ -145,9 +148,12 @@ struct Property {
     [[nodiscard]] V Read(const C& control, const PropertyBag& PropBag) const {
         return FromVariant<V>(PropBag.ReadProperty(Key(), Stored(ReadDefault(control))));
     }
-    // Reads the key and passes it to the property's own setter.
+    // Reads the key and passes it to `restore`, or else to the property's own setter.
     void Load(C& control, const PropertyBag& PropBag) const {
-        (control.*set)(Read(control, PropBag));
+        if (restore)
+            restore(control, Read(control, PropBag));
+        else
+            (control.*set)(Read(control, PropBag));
     }
     void Save(const C& control, PropertyBag& PropBag) const {
         PropBag.WriteProperty(Key(), Stored((control.*get)()), Stored(WriteDefault(control)));

@@ -16,16 +16,21 @@ using host::Variant;
 // and a bag without the key gives the workspace colour.
 struct Line3D::Props {
     using OLE_COLOR = host::OLE_COLOR;
+    // The strip colours are restored straight into the strips, without a change report.
+    static void RestoreLine1(Line3D& c, OLE_COLOR colour) { c.Line1.BackColor(colour); }
+    static void RestoreLine2(Line3D& c, OLE_COLOR colour) { c.Line2.BackColor(colour); }
     static inline const host::Property<Line3D, OLE_COLOR> BorderColor{.name = "BorderColor",
                                                                       .get = &Line3D::BorderColor,
                                                                       .set = &Line3D::BorderColor,
                                                                       .read = 0x8000000CU,
-                                                                      .init = 0x80000010U};
+                                                                      .init = 0x80000010U,
+                                                                      .restore = RestoreLine1};
     static inline const host::Property<Line3D, OLE_COLOR> BorderForeColor{
         .name = "BorderForeColor",
         .get = &Line3D::BorderForeColor,
         .set = &Line3D::BorderForeColor,
-        .read = 0x80000014U};
+        .read = 0x80000014U,
+        .restore = RestoreLine2};
     static inline const host::Property<Line3D, std::int16_t> BorderWidth{
         .name = "BorderWidth",
         .get = &Line3D::BorderWidth,
@@ -84,10 +89,7 @@ void Line3D::UserControl_InitProperties() {
 // The lets below run DrawLine before any resize has measured the length; the container puts the
 // saved size back after loading, and the resize that follows lays the line out.
 void Line3D::UserControl_ReadProperties(host::PropertyBag& PropBag) {
-    Line1.BackColor(Props::BorderColor.Read(*this, PropBag));
-    Line2.BackColor(Props::BorderForeColor.Read(*this, PropBag));
-    Props::Orientation.Load(*this, PropBag);
-    Props::BorderWidth.Load(*this, PropBag);
+    host::LoadAll(*this, PropBag, Props::Keys);
 }
 
 void Line3D::UserControl_WriteProperties(host::PropertyBag& PropBag) {
