@@ -159,7 +159,8 @@ TEST_F(RoundTripTest, NewControlsBagRestoresTheSameControl) {
     }
 }
 
-// At run time, where every let is allowed (Hyperlink's Clicked refuses the designer).
+// At run time, where every let is allowed (Hyperlink's Clicked refuses the designer); each let
+// reports its change.
 TEST_F(RoundTripTest, EachPropertySetLateBoundSurvivesSaveAndRestore) {
     form.SwitchMode(true);
     int checked = 0;
@@ -171,7 +172,11 @@ TEST_F(RoundTripTest, EachPropertySetLateBoundSurvivesSaveAndRestore) {
             host::Site& site = form.Add(info->progId, Place("Set", 150));
             const Variant before = form.GetProperty(site, m->name);
             const Variant value = e && e->value ? *e->value : OtherValue(*info, *m, before);
+            ChangeLog log;
+            form.SetSink(&log);
             form.LetProperty(site, m->name, value);
+            form.SetSink(nullptr);
+            EXPECT_TRUE(std::ranges::count(log.lines, "Set." + m->name)) << "not reported";
             const Variant after = form.GetProperty(site, m->name);
             EXPECT_FALSE(host::SameValue(after, before))
                 << "the value " << host::DisplayText(value) << " changed nothing";
