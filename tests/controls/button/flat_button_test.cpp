@@ -123,6 +123,15 @@ TEST_F(FlatButtonTest, DesignModePollsChangeNothing) {
     EXPECT_EQ(platform.driver().NextDue(), -1) << "the poll stopped itself";
 }
 
+// Enabled is not in the button's member table, yet the button keeps it in its bag: a disabled
+// button comes back disabled.
+TEST_F(FlatButtonTest, KeepsItsEnabledState) {
+    Running();
+    Flat().Enabled(false);
+    Restore("FlatButton", {"Copy", 300, 1200, 1125, 375}, Save("F"));
+    EXPECT_FALSE(Flat("Copy").Enabled());
+}
+
 // Hover raises the frame, a press sinks it, and a press dragged away goes flat again.
 TEST_F(FlatButtonTest, LooksFollowThePointer) {
     Running();
