@@ -195,9 +195,8 @@ TEST_F(RoundTripTest, EachPropertySetLateBoundSurvivesSaveAndRestore) {
     EXPECT_GT(checked, 40);
 }
 
-// Every property changed at once: the control writes its keys (with those of no property) and
-// its reads run their lets, as PropertyChanged reports them, in its own order; the copy is the
-// same control.
+// Every property changed at once: the control writes its keys, and its reads run their lets (as
+// PropertyChanged reports them), in its own order; the copy is the same control.
 TEST_F(RoundTripTest, EveryPropertyChangedSavesAndRestoresInTheControlsOrder) {
     // clang-format off
     const std::map<std::string, std::string> orders{
@@ -208,7 +207,6 @@ TEST_F(RoundTripTest, EveryPropertyChangedSavesAndRestoresInTheControlsOrder) {
         {"Frames", "writes Caption Font TextColor BackColorF BorderStyle EnabledF MouseIcon MousePointer FontItalic "
                    "FontSize FontStrikethru FontName Alignment AlignmentTop; reads Font BorderStyle MouseIcon "
                    "Alignment AlignmentTop"},
-        // No "ForeColor": the caption shows the colour that is that key's write default.
         {"Hyperlink", "writes Font Caption FontUnderline FontSize Style Clicked BackColorH LinkColor HoverColor "
                       "ActiveColor VisitedColor BorderStyle Alignment AutoSizeH ToolTipTxt MouseIcon MousePointer "
                       "MouseSymbol; reads Style BackColorH BorderStyle MouseIcon MouseSymbol"},

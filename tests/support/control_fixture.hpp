@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -42,16 +41,6 @@ struct Shot {
     }
     [[nodiscard]] int Count(std::uint32_t pixel) const {
         return static_cast<int>(std::count(bits.begin(), bits.end(), pixel));
-    }
-    // Rows of characters through a legend; '?' for any other colour.
-    [[nodiscard]] std::vector<std::string> Map(const std::map<std::uint32_t, char>& legend) const {
-        std::vector<std::string> rows(static_cast<std::size_t>(height));
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) {
-                const auto it = legend.find(at(x, y));
-                rows[static_cast<std::size_t>(y)] += it == legend.end() ? '?' : it->second;
-            }
-        return rows;
     }
 };
 

@@ -1,5 +1,5 @@
 // Hyperlink: the colour states on the virtual clock, the shell request of a click, the caption
-// colour it saves, cursors and self-sizing.
+// colour it saves, cursors, self-sizing and sounds.
 
 #include "controls/display/hyperlink.hpp"
 #include "support/control_fixture.hpp"
@@ -185,6 +185,15 @@ TEST_F(HyperlinkTest, SelfSizingFitsTheControlToANewCaption) {
     Site& restored = form.Restore("Korvex_Tools.Hyperlink", kOther,
                                   JsonPropertyBag::FromJson(R"({"Caption": "Lang genug"})"));
     EXPECT_EQ(form.GetProperty(restored, "Width").ToLong(), kOther.Width);
+}
+
+// The methods reach the library's sound player (its rules are the sounds suite's).
+TEST_F(HyperlinkTest, SoundMethodsReachThePlayer) {
+    Running();
+    Run("call H.PlaySound 102\ncall H.EndPlaySound\n");
+    const auto& requests = platform.sound().Requests();
+    ASSERT_EQ(requests.size(), 2u);
+    EXPECT_TRUE(!requests[0].image.empty() && requests[1].image.empty()) << "played, then stopped";
 }
 
 }  // namespace
