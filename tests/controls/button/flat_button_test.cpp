@@ -1,96 +1,28 @@
-// FlatButton: member table, persistence, the access letter, mouse and keyboard sessions on the
-// virtual clock (the poll ticks every 10 ms there), and the pixels of its three looks.
+// FlatButton: the access letter, mouse and keyboard sessions on the virtual clock (the poll ticks
+// every 10 ms there), the looks it goes through and the focus it reports. (Its normal, hover,
+// pressed and focused pixels are the gallery's flat-button tile.)
 
-#include "fixture.hpp"
+#include "controls/button/flat_button.hpp"
+#include "support/control_fixture.hpp"
 
 namespace korvex::test {
 namespace {
 
 using controls::FlatButton;
 
-// Composed pixels of the classic scheme.
-constexpr std::uint32_t kFace = 0xD4D0C8, kBlack = 0x000000, kRing = 0xC0C0C0;
-constexpr std::uint32_t kLight = 0xE7E6D6, kDark = 0x868686, kWhite = 0xFFFFFF, kRed = 0xFF0000;
-constexpr int kW = 75, kH = 25;
-
-class FlatButtonTest : public ButtonsTest {
+class FlatButtonTest : public ControlsTest {
   protected:
-    FlatButtonTest() : ButtonsTest(false) {}
-
     // F and G, 75 x 25 pixels at 20, 20 and 120, 20 of the form, at run time as the message
     // box has them.
     void Running() {
-        form.Add("Korvex_Tools.FlatButton", kF);
-        form.Add("Korvex_Tools.FlatButton", {"G", 1800, 300, 75 * 15, 25 * 15});
+        New("FlatButton", kF);
+        New("FlatButton", {"G", 1800, 300, 75 * 15, 25 * 15});
         form.SwitchMode(true);
     }
-    FlatButton& Flat(const char* name = "F") { return Get<FlatButton>(name); }
+    FlatButton& Flat(const char* name = "F") { return Control<FlatButton>(name); }
 
-    // Every readable property but the handles, with the enabled state and the access key.
-    std::vector<std::string> State(const char* name) {
-        std::vector<std::string> values;
-        host::Site& site = form.Get(name);
-        for (const host::MemberInfo& m : site.Class().members)
-            if (m.kind == host::MemberInfo::Kind::Property && m.name != "HDC" && m.name != "hwnd")
-                values.push_back(m.name + "=" + host::DisplayText(m.get(site.GetControl())));
-        values.push_back("Enabled=" + std::to_string(Flat(name).Enabled()));
-        values.push_back("AccessKey=" + std::to_string(Flat(name).AccessKey()));
-        return values;
-    }
-
-    const host::Extender kF{"F", 300, 300, 75 * 15, 25 * 15};
+    const Extender kF{"F", 300, 300, 75 * 15, 25 * 15};
 };
-
-TEST_F(FlatButtonTest, MemberTableFollowsTheInterface) {
-    const host::ClassInfo& info = FlatButton::Class();
-    EXPECT_EQ(info.progId, "Korvex_Tools.FlatButton");
-    EXPECT_EQ(Members(info),
-              "Caption Font TextColor HoverColor BackColor UseMnemonic Default Cancel "
-              "FocusRect hwnd(ro) HDC(ro) BackFocus(ro) sFocus ");
-    EXPECT_EQ(Events(info), "1Click 2MouseDown 3MouseUp 4MouseMove 5KeyDown 6KeyPress 7KeyUp ");
-    EXPECT_EQ(info.FindEvent("MouseUp")->params[2].name, "x");
-    EXPECT_EQ(info.FindEvent("KeyPress")->params[0].name, "KeyAscii");
-}
-
-// The caption's default is the display name on writing and on reading: a new button stores
-// nothing, shows its name, and an empty bag gives the same button. Changed, every key keeps its
-// order and kind and the button survives a save and restore.
-TEST_F(FlatButtonTest, PersistsInOrderAndRoundTrips) {
-    form.Add("Korvex_Tools.FlatButton", kF);
-    EXPECT_TRUE(Keys("F").empty());
-    const std::vector<std::string> fresh = State("F");
-    EXPECT_EQ(fresh, (std::vector<std::string>{"Caption=\"F\"", "Font=Font(\"MS Sans Serif\")",
-                                               "TextColor=-2147483630", "HoverColor=-2147483630",
-                                               "BackColor=-2147483633", "UseMnemonic=True",
-                                               "Default=False", "Cancel=False", "FocusRect=False",
-                                               "BackFocus=False", "Enabled=1", "AccessKey=0"}));
-    form.Restore("Korvex_Tools.FlatButton", {"F2", 300, 1200, 1125, 375}, host::JsonPropertyBag{});
-    std::vector<std::string> restored = State("F2");
-    restored[0] = "Caption=\"F\"";  // its own name
-    EXPECT_EQ(restored, fresh);
-    form.Remove("F");
-    form.Remove("F2");
-
-    Running();
-    EXPECT_EQ(
-        Brief("set F.Caption \"&Abbrechen\"\nset F.Default True\nset F.HoverColor 255\n", "F"),
-        "changed Caption; changed Default; changed HoverColor");
-    Let("F", "Font", Variant(std::make_shared<host::StdFont>("Arial", 12, true)));
-    // clang-format off
-    for (const auto& [name, value] : std::vector<std::pair<const char*, Variant>>{
-             {"TextColor", 0x00112233}, {"BackColor", 0x00E0E0E0}, {"UseMnemonic", false}, {"Cancel", true},
-             {"FocusRect", true}})
-        Let("F", name, value);
-    // clang-format on
-    Flat().Enabled(false);
-    EXPECT_EQ(Keys("F"), (std::vector<std::string>{
-                             "Caption String", "Font Font", "Enabled Boolean", "TextColor Long",
-                             "HoverColor Long", "BackColor Long", "UseMnemonic Boolean",
-                             "Default Boolean", "Cancel Boolean", "FocusRect Boolean"}));
-    form.Restore("Korvex_Tools.FlatButton", {"Copy", 300, 1200, 1125, 375},
-                 form.SaveBag(form.Get("F")));
-    EXPECT_EQ(State("Copy"), State("F"));
-}
 
 TEST_F(FlatButtonTest, AccessLetter) {
     Running();
@@ -178,8 +110,8 @@ TEST_F(FlatButtonTest, Sessions) {
 
 // At design time neither button shows the hover look; the flat button's poll stops itself.
 TEST_F(FlatButtonTest, DesignModePollsChangeNothing) {
-    form.Add("Korvex_Tools.FlatButton", kF);
-    Add("B", 300, 1200);
+    New("FlatButton", kF);
+    New("Button", {"B", 300, 1200, 1800, 600});
     const Shot flat = Pixels("F"), button = Pixels("B");
     EXPECT_EQ(Run("set F.Cancel True\nset F.Default True\nmove F\nkey down escape\nkey down "
                   "enter\nwait 100\n"),
@@ -191,118 +123,39 @@ TEST_F(FlatButtonTest, DesignModePollsChangeNothing) {
     EXPECT_EQ(platform.driver().NextDue(), -1) << "the poll stopped itself";
 }
 
-// ---------------------------------------------------------------------------------------------
-// Pixels
-
-// Normal: a thin ring with each corner cut by a pixel; hover raised; pressed sunken.
-TEST_F(FlatButtonTest, LooksOfTheFrame) {
+// Enabled is not in the button's member table, yet the button keeps it in its bag: a disabled
+// button comes back disabled.
+TEST_F(FlatButtonTest, KeepsItsEnabledState) {
     Running();
-    const std::map<std::uint32_t, char> legend{
-        {kRing, '#'}, {kLight, 'L'}, {kDark, 'D'}, {kWhite, 'W'}, {kFace, '.'}};
-    struct Row {
-        const char* script;
-        FlatButton::Look look;
-        std::vector<std::string> corners;
-    };
+    Flat().Enabled(false);
+    Restore("FlatButton", {"Copy", 300, 1200, 1125, 375}, Save("F"));
+    EXPECT_FALSE(Flat("Copy").Enabled());
+}
+
+// Hover raises the frame, a press sinks it, and a press dragged away goes flat again.
+TEST_F(FlatButtonTest, LooksFollowThePointer) {
+    Running();
     using Look = FlatButton::Look;
-    const std::vector<std::string> ring{"..## ##..", ".#.. ..#.", "#... ...#",
-                                        "#... ...#", ".#.. ..#.", "..## ##.."};
-    const std::vector<std::string> raised{"LLLL LLLD", "LWWW WW.D", "LW.. ...D",
-                                          "LW.. ...D", "L... ...D", "DDDD DDDD"};
-    const std::vector<std::string> sunken{"DDDD DDDL", "D... ..WL", "D... ..WL",
-                                          "D... ..WL", "DWWW WWWL", "LLLL LLLL"};
-    // clang-format off
-    const std::vector<Row> rows = {{"", Look::Normal, ring}, {"move F\nwait 20\n", Look::Hover, raised},
-                                   {"down\n", Look::Pressed, sunken}, {"up\n", Look::Hover, raised},
-                                   {"down\nmove 400 300\nwait 20\n", Look::Normal, ring}};
-    // clang-format on
-    for (const Row& row : rows) {
-        Run(row.script);
-        EXPECT_EQ(Flat().CurrentLook(), row.look) << row.script;
-        const Shot shot = Pixels("F");
-        EXPECT_EQ(shot.Corners(legend), row.corners) << row.script;
-        EXPECT_EQ(shot.Count(0xFF0000), 0) << "the unused colours of the ring never show";
+    for (const auto& [script, look] :
+         {std::pair{"", Look::Normal}, std::pair{"move F\nwait 20\n", Look::Hover},
+          std::pair{"down\n", Look::Pressed}, std::pair{"up\n", Look::Hover},
+          std::pair{"down\nmove 400 300\nwait 20\n", Look::Normal}}) {
+        Run(script);
+        EXPECT_EQ(Flat().CurrentLook(), look) << script;
     }
-    const Shot normal = Pixels("F");
-    for (int x = 2; x < kW - 2; ++x)
-        EXPECT_TRUE(normal.at(x, 0) == kRing && normal.at(x, kH - 1) == kRing) << x;
-    for (int y = 2; y < kH - 2; ++y)
-        EXPECT_TRUE(normal.at(0, y) == kRing && normal.at(kW - 1, y) == kRing) << y;
 }
 
-TEST_F(FlatButtonTest, CaptionIsCentredSinksWhenPressedAndTakesTheHoverColour) {
+// A press takes the focus, which BackFocus reports while FocusRect shows it; sFocus shows it
+// without FocusRect.
+TEST_F(FlatButtonTest, BackFocusReportsTheShownFocus) {
     Running();
-    Run("set F.Caption \"OK\"\nset F.HoverColor &HFF&\n");
-    const std::vector<int> normal = Pixels("F").Box(kBlack);
-    ASSERT_GE(normal[0], 0);
-    EXPECT_LE(std::abs(normal[0] - (kW - 1 - normal[2])), 1) << normal[0] << " " << normal[2];
-    EXPECT_LE(std::abs(normal[1] - (kH - 1 - normal[3])), 3) << normal[1] << " " << normal[3];
-    EXPECT_EQ(Pixels("F").Count(kRed), 0);
-    Run("focus F\nkey down enter\n");
-    EXPECT_EQ(Pixels("F").Box(kBlack),
-              (std::vector<int>{normal[0] + 1, normal[1] + 1, normal[2] + 1, normal[3] + 1}));
-    Run("key up enter\n");
-    EXPECT_EQ(Pixels("F").Box(kBlack), normal);
-
-    Run("move F\nwait 20\n");
-    const Shot hover = Pixels("F");
-    EXPECT_GT(hover.Count(kRed), 0);
-    EXPECT_EQ(hover.Box(kBlack)[0], -1) << "no caption pixel keeps the text colour";
-    Run("down\n");
-    EXPECT_EQ(Pixels("F").Count(kRed), hover.Count(kRed))
-        << "pressed under the pointer: still the hover colour";
-    Run("up\nmove 400 300\nwait 20\n");
-    EXPECT_EQ(Pixels("F").Count(kRed), 0);
-}
-
-// The access letter is written without its "&" and underlined: the only pixels that differ from
-// the plain caption lie on one row under the letter.
-TEST_F(FlatButtonTest, AccessLetterIsUnderlined) {
-    Running();
-    Run("set F.Caption \"Ja\"\n");
-    const Shot plain = Pixels("F");
-    Run("set F.Caption \"&Ja\"\n");
-    const Shot marked = Pixels("F");
-    std::vector<int> rows, columns;
-    for (int y = 0; y < kH; ++y)
-        for (int x = 0; x < kW; ++x)
-            if (plain.at(x, y) != marked.at(x, y)) {
-                EXPECT_EQ(marked.at(x, y), kBlack);
-                rows.push_back(y);
-                columns.push_back(x);
-            }
-    ASSERT_FALSE(rows.empty());
-    EXPECT_EQ(*std::min_element(rows.begin(), rows.end()),
-              *std::max_element(rows.begin(), rows.end()));
-    const std::vector<int> glyphs = plain.Box(kBlack);
-    EXPECT_GT(rows[0], glyphs[1] + 4) << "below the letters' tops";
-    EXPECT_GE(*std::min_element(columns.begin(), columns.end()), glyphs[0] - 1)
-        << "starts at the J";
-    EXPECT_LT(*std::max_element(columns.begin(), columns.end()), (glyphs[0] + glyphs[2]) / 2 + 2)
-        << "and ends before the a";
-}
-
-// A press takes the focus; with FocusRect it shows as a dotted rectangle three pixels inside the
-// edge, every other pixel, gone with the focus. sFocus shows it without FocusRect.
-TEST_F(FlatButtonTest, FocusShowsAsADottedRectangle) {
-    Running();
-    Run("set F.Caption \"\"\nset F.FocusRect True\nmove F 10 10\nwait 20\nclick\nmove 400 "
-        "300\nwait 20\n");
-    EXPECT_TRUE(Read("F", "BackFocus").ToBool());
-    const Shot shot = Pixels("F");
-    std::string top, left;
-    for (int i = 2; i < 10; ++i) {
-        top += shot.at(i, 3) == kBlack ? '#' : '.';
-        left += shot.at(3, i) == kBlack ? '#' : '.';
-    }
-    EXPECT_EQ(top + " " + left, ".#.#.#.# .#.#.#.#");
-    EXPECT_EQ(shot.Box(kBlack), (std::vector<int>{3, 3, kW - 4, kH - 4}));
+    Run("set F.FocusRect True\nmove F 10 10\nwait 20\nclick\nmove 400 300\nwait 20\n");
+    EXPECT_TRUE(Get("F", "BackFocus").ToBool());
     Run("focus G\n");
-    EXPECT_FALSE(Read("F", "BackFocus").ToBool());
-    EXPECT_EQ(Pixels("F").Box(kBlack)[0], -1);
-    EXPECT_FALSE(Read("G", "BackFocus").ToBool()) << "G has no FocusRect";
+    EXPECT_FALSE(Get("F", "BackFocus").ToBool());
+    EXPECT_FALSE(Get("G", "BackFocus").ToBool()) << "G has no FocusRect";
     Run("call G.sFocus\n");
-    EXPECT_TRUE(Read("G", "BackFocus").ToBool());
+    EXPECT_TRUE(Get("G", "BackFocus").ToBool());
 }
 
 }  // namespace

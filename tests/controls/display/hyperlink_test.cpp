@@ -1,11 +1,8 @@
 // Hyperlink: the colour states on the virtual clock, the shell request of a click, the caption
 // colour it saves, cursors, self-sizing and sounds.
 
-#include "fixture.hpp"
-
-#include "base/resources.hpp"
 #include "controls/display/hyperlink.hpp"
-#include "forms/graphics.hpp"
+#include "support/control_fixture.hpp"
 
 namespace korvex::test {
 namespace {
@@ -24,7 +21,7 @@ constexpr std::uint32_t kHoverPixel = 0x00FFFF;    // cyan
 constexpr std::uint32_t kActivePixel = 0xFF0000;   // red
 constexpr std::uint32_t kVisitedPixel = 0x800080;  // purple
 
-class HyperlinkTest : public DisplayTest {
+class HyperlinkTest : public ControlsTest {
   protected:
     // The one state colour the caption shows; "mixed" or "none" otherwise.
     std::string CaptionState(const Site& site) {
@@ -191,17 +188,12 @@ TEST_F(HyperlinkTest, SelfSizingFitsTheControlToANewCaption) {
 }
 
 // The methods reach the library's sound player (its rules are the sounds suite's).
-TEST_F(HyperlinkTest, PlaysTheLibrarysSounds) {
+TEST_F(HyperlinkTest, SoundMethodsReachThePlayer) {
     Running();
+    Run("call H.PlaySound 102\ncall H.EndPlaySound\n");
     const auto& requests = platform.sound().Requests();
-    EXPECT_EQ(
-        Run("call H.PlaySound 102\ncall H.PlaySound 100\ncall H.EndPlaySound\n").substr(0, 10),
-        "error 326:");
     ASSERT_EQ(requests.size(), 2u);
-    const auto wave = resources::Find("sounds/102.wav");
-    EXPECT_TRUE(
-        std::equal(requests[0].image.begin(), requests[0].image.end(), wave.begin(), wave.end()));
-    EXPECT_TRUE(requests[1].image.empty()) << "stopped";
+    EXPECT_TRUE(!requests[0].image.empty() && requests[1].image.empty()) << "played, then stopped";
 }
 
 }  // namespace

@@ -1,19 +1,19 @@
 #pragma once
-// A shown 600 x 400 pixel form on the virtual screen with the whole library registered: controls
-// are dropped on it new or restored from a bag, driven late bound or by scripts as korvex run
-// drives them, and read back as composed pixels.
+// A shown 600 x 400 pixel form on the virtual screen with every class of the library registered:
+// controls are dropped on it new or restored from a bag, driven late bound or by scripts as
+// korvex run drives them, and read back as composed pixels.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
-#include <map>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "driver/script_runner.hpp"
 #include "forms/graphics.hpp"
 #include "host/container.hpp"
-#include "driver/script_runner.hpp"
 #include "library/library.hpp"
 #include "platform/sim/sim_platform.hpp"
 #include "support/error_of.hpp"
@@ -42,24 +42,16 @@ struct Shot {
     [[nodiscard]] int Count(std::uint32_t pixel) const {
         return static_cast<int>(std::count(bits.begin(), bits.end(), pixel));
     }
-    // Rows of characters through a legend; '?' for any other colour.
-    [[nodiscard]] std::vector<std::string> Map(const std::map<std::uint32_t, char>& legend) const {
-        std::vector<std::string> rows(static_cast<std::size_t>(height));
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) {
-                const auto it = legend.find(at(x, y));
-                rows[static_cast<std::size_t>(y)] += it == legend.end() ? '?' : it->second;
-            }
-        return rows;
-    }
 };
 
-class DisplayTest : public ::testing::Test {
+class ControlsTest : public ::testing::Test {
   protected:
-    DisplayTest() {
+    explicit ControlsTest(bool runMode = false) {
         RegisterLibrary(context);
+        RegisterPrivateControls(context);
         form.Width = 9000;
         form.Height = 6000;
+        if (runMode) form.SwitchMode(true);
         form.Show();
     }
 
@@ -85,16 +77,31 @@ class DisplayTest : public ::testing::Test {
 
     std::string Run(const std::string& script) {
         std::ostringstream out;
-        ScriptRunner runner(form, platform.driver(), out, std::filesystem::path(KORVEX_BINARY_DIR) / "display_test");
+        ScriptRunner runner(form, platform.driver(), out,
+                            std::filesystem::path(KORVEX_BINARY_DIR) / "controls_test");
         runner.Run(script);
         return out.str();
+    }
+    // A script's output on one line: "event " and the control's name dropped, lines joined by
+    // "; " ("MouseDown(1, 0, 4, 4); changed Value; Click()").
+    std::string Brief(const std::string& script, const std::string& name) {
+        std::istringstream lines(Run(script));
+        std::string out, line;
+        for (std::string sep; std::getline(lines, line); sep = "; ") {
+            if (line.starts_with("event ")) line.erase(0, 6);
+            for (auto at = line.find(name + "."); at != std::string::npos;
+                 at = line.find(name + "."))
+                line.erase(at, name.size() + 1);
+            out += sep + line;
+        }
+        return out;
     }
 
     Shot Pixels(const char* name) {
         const platform::HWND window = form.Get(name).GetControl().SurfaceWindow();
-        platform::RECT client;
-        platform.windows().GetClientRect(window, &client);
-        return {platform.driver().ComposeWindow(window), client.Width(), client.Height()};
+        platform::RECT r;
+        platform.windows().GetWindowRect(window, &r);
+        return {platform.driver().ComposeWindow(window), r.Width(), r.Height()};
     }
     std::uint32_t Sys(int index) {
         const platform::COLORREF c = platform.gdi().GetSysColor(index);
