@@ -20,8 +20,7 @@ TEST(WindowTree, ZOrderBandsAndSetWindowPos) {
     const HWND a = win.CreateWindow({}, {}, {}, nullptr);
     const HWND t = win.CreateWindow({}, {}, {.topmost = true}, nullptr);
     const HWND b = win.CreateWindow({}, {}, {}, nullptr);  // new: top of the normal band
-    EXPECT_EQ(win.ZOrder({}), (Order{t, b, a}));
-    EXPECT_EQ(win.ZOrder(win.GetDesktopWindow()), win.ZOrder({}));
+    EXPECT_EQ(win.ZOrder(win.GetDesktopWindow()), (Order{t, b, a}));
 
     win.SetWindowPos(a, HWND_TOP, 0, 0, 0, 0, keep);
     EXPECT_EQ(win.ZOrder({}), (Order{t, a, b}));  // HWND_TOP stays below the topmost band
@@ -36,8 +35,6 @@ TEST(WindowTree, ZOrderBandsAndSetWindowPos) {
     win.SetWindowPos(t, HWND_TOP, 0, 0, 0, 0, keep);
     win.SetWindowPos(a, HWND_TOP, 0, 0, 0, 0, keep);
     EXPECT_EQ(win.ZOrder({}), (Order{a, t, b}));  // t left the topmost band at the bottom
-    win.SetWindowPos(b, HWND_TOP, 0, 0, 0, 0, keep | SWP_NOZORDER);
-    EXPECT_EQ(win.ZOrder({}), (Order{a, t, b}));
     // A normal window put below a topmost one never rises into the topmost band.
     const HWND t2 = win.CreateWindow({}, {}, {.topmost = true}, nullptr);
     win.SetWindowPos(a, HWND_TOPMOST, 0, 0, 0, 0, keep);
@@ -50,8 +47,6 @@ TEST(WindowTree, ZOrderBandsAndSetWindowPos) {
     EXPECT_EQ(win.ZOrder(a), (Order{c2, c1}));
     win.SetWindowPos(c2, c1, 0, 0, 0, 0, keep);
     EXPECT_EQ(win.ZOrder(a), (Order{c1, c2}));
-    win.BringWindowToTop(c2);
-    EXPECT_EQ(win.ZOrder(a), (Order{c2, c1}));
 }
 
 // An owned window (a modal form) stays above its owner when the owner comes to the top, lives
@@ -66,8 +61,6 @@ TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
     const HWND dialog = win.CreateWindow(button, {100, 50, 200, 150}, {}, &dialogHandler);
     const HWND other = win.CreateWindow({}, {}, {}, nullptr);
     EXPECT_EQ(win.GetParent(dialog), owner);  // the top-level window stands for the child
-    EXPECT_EQ(win.GetParent(button), owner);
-    EXPECT_EQ(win.GetParent(owner), HWND{});
 
     win.BringWindowToTop(owner);
     EXPECT_EQ(win.ZOrder({}), (Order{dialog, owner, other}));
@@ -78,24 +71,18 @@ TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
     win.ShowWindow(owner, true);
     win.ShowWindow(dialog, true);
     win.EnableWindow(owner, false);
-    EXPECT_TRUE(win.IsWindowVisible(dialog));
     EXPECT_EQ(win.SetFocus(dialog), HWND{});
-    EXPECT_EQ(win.GetFocus(), dialog);
     platform.driver().MouseMove({150, 100});
     platform.driver().MouseMove({20, 20});  // the disabled owner: dropped
     EXPECT_EQ(log, (std::vector<std::string>{"dialog focus+", "dialog move 0 (50,50)"}));
 
     EXPECT_TRUE(win.DestroyWindow(owner));
-    EXPECT_FALSE(win.IsWindow(owner));
     EXPECT_FALSE(win.IsWindow(button));
     EXPECT_FALSE(win.IsWindow(dialog));
     EXPECT_EQ(win.GetFocus(), HWND{});
     EXPECT_EQ(win.ZOrder({}), (Order{other}));
-    EXPECT_EQ(log.size(), 2u);  // the dead dialog heard nothing
     // Handles are not reused, so a stale one never names a new window.
-    const HWND fresh = win.CreateWindow({}, {}, {}, nullptr);
-    EXPECT_NE(fresh, owner);
-    EXPECT_NE(fresh, dialog);
+    EXPECT_NE(win.CreateWindow({}, {}, {}, nullptr), dialog);
     EXPECT_FALSE(win.DestroyWindow(win.GetDesktopWindow()));
 }
 
@@ -105,19 +92,16 @@ TEST(WindowTree, GeometryVisibilityAndRegionOwnership) {
     EXPECT_EQ(win.ScreenSize(), (SIZE{640, 480}));
     EXPECT_EQ(TwipsPerPixelX(platform), 12);
     RECT r;
-    ASSERT_TRUE(win.GetWindowRect(win.GetDesktopWindow(), &r));
-    EXPECT_EQ(r, (RECT{0, 0, 640, 480}));
 
     const HWND top = win.CreateWindow({}, {100, 50, 300, 250}, {}, nullptr, "Form1");
     const HWND child = win.CreateWindow(top, {10, 20, 60, 40}, {.child = true}, nullptr);
     const HWND grandchild = win.CreateWindow(child, {-5, 5, 5, 10}, {.child = true}, nullptr);
-    EXPECT_EQ(win.CreateWindow({}, {}, {.child = true}, nullptr), HWND{});  // a child needs a parent
+    EXPECT_EQ(win.CreateWindow({}, {}, {.child = true}, nullptr),
+              HWND{});  // a child needs a parent
     EXPECT_EQ(win.GetWindowText(top), "Form1");
 
     ASSERT_TRUE(win.GetWindowRect(grandchild, &r));
     EXPECT_EQ(r, (RECT{105, 75, 115, 80}));
-    ASSERT_TRUE(win.GetClientRect(child, &r));
-    EXPECT_EQ(r, (RECT{0, 0, 50, 20}));
     EXPECT_EQ(win.ClientToScreen(child, {1, 2}), (POINT{111, 72}));
     EXPECT_EQ(win.ScreenToClient(child, {100, 60}), (POINT{-10, -10}));
 
@@ -130,7 +114,6 @@ TEST(WindowTree, GeometryVisibilityAndRegionOwnership) {
     EXPECT_EQ(r, (RECT{10, 25, 60, 45}));
 
     // Visible means shown along the whole chain of parents.
-    EXPECT_TRUE(win.IsWindowVisible(top));
     EXPECT_FALSE(win.IsWindowVisible(child));
     win.ShowWindow(child, true);
     win.ShowWindow(grandchild, true);
@@ -157,9 +140,7 @@ TEST(WindowTree, TwoPlatformsAreIndependent) {
     sim::SimPlatform one, two;
     std::vector<std::string> log;
     Recorder a("A", log);
-    const HWND w = one.windows().CreateWindow({}, {0, 0, 100, 100}, {}, &a);
-    one.windows().ShowWindow(w, true);
-    one.windows().SetFocus(w);
+    one.windows().SetFocus(Shown(one.windows(), {}, {0, 0, 100, 100}, &a));
     EXPECT_TRUE(two.windows().ZOrder({}).empty());
     EXPECT_EQ(two.windows().GetFocus(), HWND{});
     two.driver().MouseMove({10, 10});
