@@ -1,0 +1,206 @@
+// The about box: opened modally by a control's ShowAboutBox in a scripted session, its link
+// (colours on moves, the shell request a click makes under the hourglass), its close box ending
+// the modal loop. Its look is pinned by the gallery's about.png.
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+#include "dialog/about_box.hpp"
+#include "driver/script_runner.hpp"
+#include "host/probe_control.hpp"
+#include "platform/sim/sim_platform.hpp"
+#include "support/error_of.hpp"
+
+namespace korvex::test {
+namespace {
+
+using platform::HWND;
+using platform::POINT;
+using platform::RECT;
+
+// A shell that notes each request and what the screen showed meanwhile.
+class WatchingShell final : public platform::Shell {
+  public:
+    explicit WatchingShell(platform::Windows& w) : windows(w) {}
+    std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb,
+                                std::string_view file, std::string_view parameters,
+                                std::string_view directory, int show) override {
+        requests.push_back({owner, std::string(verb.value_or("<none>")), std::string(file),
+                            std::string(parameters) + std::string(directory), show,
+                            windows.CurrentCursor(), windows.IsWindowEnabled(host)});
+        return answer;
+    }
+    std::string GetSystemDirectoryA() override { return "C:\\WINDOWS\\system32"; }
+    std::string GetTempPathA() override { return "C:\\TEMP\\"; }
+
+    struct Request {
+        HWND owner;
+        std::string verb, file, rest;
+        int show, cursor;
+        bool hostEnabled;
+    };
+    platform::Windows& windows;
+    std::vector<Request> requests;
+    std::intptr_t answer = 42;
+    HWND host;
+};
+
+class WatchingPlatform final : public platform::Platform {
+  public:
+    platform::Gdi& gdi() override { return sim.gdi(); }
+    platform::Windows& windows() override { return sim.windows(); }
+    platform::Clock& clock() override { return sim.clock(); }
+    platform::EventLoop& loop() override { return sim.loop(); }
+    platform::Sound& sound() override { return sim.sound(); }
+    platform::Shell& shell() override { return watcher; }
+
+    platform::sim::SimPlatform sim;
+    WatchingShell watcher{sim.windows()};
+};
+
+// Screen points of the about box's parts, the same in every fresh about box.
+struct Points {
+    POINT link, text, product, closeBox, caption;
+};
+
+Points Measure() {
+    platform::sim::SimPlatform platform;
+    dialog::frmAbout about(platform);
+    about.Me.Show(false);
+    const auto centre = [](const RECT& r) {
+        return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+    };
+    const auto onFrame = [&](const forms::Label& label) {
+        return platform.windows().ClientToScreen(about.Frame1.hWnd(), centre(label.PixelRect()));
+    };
+    RECT window;
+    platform.windows().GetWindowRect(about.Me.hWnd(), &window);
+    const auto onWindow = [&](const RECT& r) {
+        return POINT{window.left + centre(r).x, window.top + centre(r).y};
+    };
+    return {onFrame(about.lblButton), onFrame(about.lbl1), onFrame(about.lblProductName),
+            onWindow(about.Me.CloseBoxRect()), onWindow(about.Me.CaptionRect())};
+}
+
+std::string Move(POINT p) {
+    return "move " + std::to_string(p.x) + " " + std::to_string(p.y) + "\n";
+}
+
+// A form with a control whose ShowAboutBox opens the box.
+class AboutSession : public ::testing::Test {
+  protected:
+    AboutSession() {
+        context.Classes().Register(Probe::Class());
+        context.SetAboutBox([this] { dialog::ShowAboutBox(context); });
+        form.Add("Korvex_Tools.Probe", {"P1", 300, 300, 1500, 750});
+        form.SwitchMode(true);
+        form.Show();
+        platform.watcher.host = form.FormWindow();
+    }
+    std::string Run(const std::string& script) {
+        std::ostringstream out;
+        host::ScriptRunner(form, driver, out, KORVEX_BINARY_DIR).Run(script);
+        return out.str();
+    }
+    std::vector<HWND> TopLevel() { return platform.windows().ZOrder(HWND{}); }
+
+    WatchingPlatform platform;
+    platform::Driver& driver = platform.sim.driver();
+    const Points at = Measure();
+    host::HostContext context{&platform};
+    host::Container form{context};
+};
+
+TEST_F(AboutSession, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
+    EXPECT_EQ(Run("call P1.ShowAboutBox\n" + Move(at.link) + "click\n" + Move(at.closeBox) +
+                  "click\nget P1.Left\n"),
+              "P1.Left = 300\n");
+    // The click on the link asked the shell to open the information page, maximised, owned by
+    // the box's window, under the hourglass, while the host's form was disabled.
+    const auto& shell = platform.watcher.requests;
+    ASSERT_EQ(shell.size(), 1u);
+    EXPECT_EQ(shell[0].verb, "Open");
+    EXPECT_EQ(shell[0].file, "http://www.korvex-tools.de/info");
+    EXPECT_EQ(shell[0].rest, "");
+    EXPECT_EQ(shell[0].show, platform::SW_SHOWMAXIMIZED);
+    EXPECT_EQ(shell[0].cursor, 11);
+    EXPECT_FALSE(shell[0].hostEnabled);
+    EXPECT_TRUE(shell[0].owner);
+    EXPECT_NE(shell[0].owner, form.FormWindow());
+    // Unloaded: only the host's form is left, and it takes input again with the arrow.
+    EXPECT_EQ(TopLevel(), std::vector<HWND>{form.FormWindow()});
+    EXPECT_TRUE(platform.windows().IsWindowEnabled(form.FormWindow()));
+    EXPECT_EQ(platform.windows().CurrentCursor(), platform::kCursorArrow);
+}
+
+// A press on the close box released beside it closes nothing, so nothing left in the script
+// can close the box: the host's error, and the box unloaded all the same.
+TEST_F(AboutSession, AModalLoopNothingClosesEndsWithTheHostsError) {
+    const std::string out =
+        Run("call P1.ShowAboutBox\n" + Move(at.closeBox) + "down\n" + Move(at.caption) + "up\n");
+    EXPECT_EQ(out.rfind("error 32000", 0), 0u) << out;
+    EXPECT_EQ(TopLevel(), std::vector<HWND>{form.FormWindow()});
+    host::HostContext screenless;
+    EXPECT_EQ(ErrorOf([&] { dialog::ShowAboutBox(screenless); }), host::kErrInvalidCall);
+}
+
+// The about box shown without a modal loop, so a test can look at it between steps.
+class AboutBox : public ::testing::Test {
+  protected:
+    AboutBox() { about.Me.Show(false); }
+
+    WatchingPlatform platform;
+    dialog::frmAbout about{platform};
+    const Points at = Measure();
+};
+
+TEST_F(AboutBox, TheLinkTurnsLightBlueUnderThePointerAndBackOverTheText) {
+    const struct {
+        POINT at;
+        host::OLE_COLOR color;
+    } steps[] = {{at.link, 0x00FF0000},
+                 {at.product, 0x00FF0000},
+                 {at.caption, 0x00FF0000},
+                 {at.text, 0x00800000}};
+    EXPECT_EQ(about.lblButton.ForeColor(), 0x00800000u);
+    for (const auto& step : steps) {
+        platform.sim.driver().MouseMove(step.at);
+        EXPECT_EQ(about.lblButton.ForeColor(), step.color) << step.at.x << "," << step.at.y;
+    }
+    // Centred on the screen, where the session's points lie too.
+    RECT r;
+    platform.windows().GetWindowRect(about.Me.hWnd(), &r);
+    const auto screen = platform.windows().ScreenSize();
+    EXPECT_LE(std::abs(r.left - (screen.cx - r.right)), 1);
+    EXPECT_LE(std::abs(r.top - (screen.cy - r.bottom)), 1);
+    EXPECT_EQ(ErrorOf([&] { about.Me.Show(true); }), 400) << "a modal show of a shown form";
+}
+
+// Only the exact prefix counts as an address; a failing shell is not reported but remembered,
+// and the pointer comes back either way.
+TEST_F(AboutBox, OpenLinkPrefixesAndRemembersFailures) {
+    const struct {
+        const char* address;
+        std::intptr_t answer;
+        const char* opened;
+        std::int32_t lastDllError;
+    } cases[] = {
+        {"http://example.org/a", 42, "http://example.org/a", 0},
+        {"https://example.org/b", 33, "http://https://example.org/b", 0},
+        {"HTTP://example.org", 42, "http://HTTP://example.org", 0},
+        {"http:/", 32, "http://http:/", 32},
+        {"nowhere", 2, "http://nowhere", 2},
+    };
+    for (const auto& c : cases) {
+        platform.watcher.answer = c.answer;
+        about.OpenLink(about.Me.hWnd(), c.address);
+        EXPECT_EQ(platform.watcher.requests.back().file, c.opened);
+        EXPECT_EQ(platform.watcher.requests.back().owner, about.Me.hWnd());
+        EXPECT_EQ(about.LastDllError(), c.lastDllError) << c.address;
+        EXPECT_EQ(about.Me.ScreenMousePointer(), 0);
+    }
+}
+
+}  // namespace
+}  // namespace korvex::test
