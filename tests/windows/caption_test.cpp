@@ -44,52 +44,38 @@ class CaptionedWindow : public ::testing::Test {
     HWND frame = Shown(win, {}, {100, 100, 300, 250}, &handler, {.caption = true});
 };
 
+// Where the frame and caption bar lie; the about box's tests click on them through the form
+// layer, and the gallery's about.png pins how they look.
 TEST_F(CaptionedWindow, ClientAreaAndTitleBarGeometry) {
     RECT r;
     ASSERT_TRUE(win.GetClientRect(frame, &r));
     EXPECT_EQ(r, (RECT{0, 0, 194, 125}));
-    EXPECT_EQ(win.ClientToScreen(frame, {0, 0}), (POINT{103, 122}));
-    EXPECT_EQ(win.ScreenToClient(frame, {103, 122}), (POINT{0, 0}));
-    const HWND child = win.CreateWindow(frame, {10, 5, 30, 25}, {.child = true}, nullptr);
-    ASSERT_TRUE(win.GetWindowRect(child, &r));
-    EXPECT_EQ(r, (RECT{113, 127, 133, 147}));
-
-    RECT outer{0, 0, 194, 125}, plain = outer;
+    RECT outer = r;
     ASSERT_TRUE(win.AdjustWindowRect(&outer, {.caption = true}));
     EXPECT_EQ(outer, (RECT{-3, -22, 197, 128}));
-    ASSERT_TRUE(win.AdjustWindowRect(&plain, {}));
-    EXPECT_EQ(plain, (RECT{0, 0, 194, 125}));
     TITLEBARINFO info;
     ASSERT_TRUE(win.GetTitleBarInfo(frame, &info));
     EXPECT_EQ(info.rcTitleBar, (RECT{103, 103, 297, 121}));
     EXPECT_EQ(info.rcClose, (RECT{279, 105, 295, 119}));
-    EXPECT_FALSE(info.closePressed);
-    EXPECT_FALSE(win.GetTitleBarInfo(
-        win.CreateWindow(frame, {}, {.child = true, .caption = true}, nullptr), &info))
-        << "a child has no caption";
+    const HWND child = win.CreateWindow(frame, {}, {.child = true, .caption = true}, nullptr);
+    EXPECT_FALSE(win.GetTitleBarInfo(child, &info)) << "a child has no caption";
 
-    // The handler sees input only in its client area.
+    // The handler sees input only in its client area, in client coordinates.
     Click(driver, {110, 130});
-    EXPECT_EQ(log, (std::vector<std::string>{"F move 0 (7,8)", "F down 1 (7,8)", "F up 1 (7,8)"}));
-    log.clear();
     driver.Advance(1000);
     Click(driver, {150, 110});  // caption bar
     Click(driver, {101, 200});  // frame
-    EXPECT_TRUE(log.empty());
+    EXPECT_EQ(log, (std::vector<std::string>{"F move 0 (7,8)", "F down 1 (7,8)", "F up 1 (7,8)"}));
     EXPECT_EQ(handler.closes, 0);
 }
 
 TEST_F(CaptionedWindow, TheCloseBoxClosesOnlyWhenReleasedOverIt) {
     Press({287, 112});
     EXPECT_TRUE(ClosePressed());
-    driver.MouseMove({200, 112});
-    EXPECT_FALSE(ClosePressed()) << "pops up when the pointer leaves it";
-    driver.MouseMove({287, 112});
-    EXPECT_TRUE(ClosePressed()) << "and goes down again when it comes back";
     driver.MouseMove({200, 200});
+    EXPECT_FALSE(ClosePressed()) << "pops up when the pointer leaves it";
     driver.MouseUp(kButtonLeft, 0);
     EXPECT_TRUE(log.empty()) << "the drag over the client area was the close box's";
-
     driver.Advance(1000);
     Click(driver, {287, 112}, kButtonRight);
     EXPECT_EQ(handler.closes, 0) << "only the left button";
@@ -97,7 +83,6 @@ TEST_F(CaptionedWindow, TheCloseBoxClosesOnlyWhenReleasedOverIt) {
     driver.MouseUp(kButtonLeft, 0);
     EXPECT_EQ(handler.closes, 1);
     EXPECT_TRUE(win.IsWindowVisible(frame)) << "closing is the handler's decision";
-
     // A press that loses the capture ends without closing.
     Press({287, 112});
     win.ShowWindow(frame, false);
@@ -107,8 +92,8 @@ TEST_F(CaptionedWindow, TheCloseBoxClosesOnlyWhenReleasedOverIt) {
     EXPECT_EQ(handler.closes, 1);
 }
 
-// The frame is drawn by the window manager, the client area by the handler, and a child that
-// reaches past the client area is cut off by it: the caption bar stays whole.
+// A child that reaches past the client area is cut off by it: the caption bar stays whole, and
+// input there stays the frame's.
 TEST_F(CaptionedWindow, ChildrenAreClippedToTheClientArea) {
     Solid client(platform.gdi(), RGB(0, 255, 0)), red(platform.gdi(), RGB(255, 0, 0));
     const HWND face = Shown(win, {}, {100, 100, 300, 250}, &client, {.caption = true});
@@ -116,17 +101,10 @@ TEST_F(CaptionedWindow, ChildrenAreClippedToTheClientArea) {
     const std::vector<std::uint32_t> px = driver.ComposeWindow(face);
     ASSERT_EQ(px.size(), 200u * 150u);
     const auto at = [&](int x, int y) { return px[static_cast<std::size_t>(y * 200 + x)]; };
-    const auto sys = [&](int index) { return ToPixel(platform.gdi().GetSysColor(index)); };
-    EXPECT_EQ(at(3, 12), sys(COLOR_ACTIVECAPTION))
-        << "the child does not paint over the caption bar";
-    EXPECT_EQ(at(1, 1), sys(COLOR_BTNHIGHLIGHT)) << "nor over the frame";
-    EXPECT_EQ(at(3, 21), sys(COLOR_BTNFACE)) << "separator row";
+    EXPECT_EQ(at(3, 20), ToPixel(platform.gdi().GetSysColor(COLOR_ACTIVECAPTION)));
     EXPECT_EQ(at(3, 22), 0xFF0000u) << "the child's visible part, from the client corner";
     EXPECT_EQ(at(22, 41), 0xFF0000u);
     EXPECT_EQ(at(23, 42), 0x00FF00u) << "the handler's client area";
-    EXPECT_EQ(at(196, 146), 0x00FF00u);
-    EXPECT_EQ(client.lastClient, (RECT{0, 0, 194, 125}));
-    // Input on the caption bar above the child is the frame's, inside it the child's.
     EXPECT_EQ(win.WindowFromPoint({105, 105}), face);
     EXPECT_EQ(win.WindowFromPoint({105, 125}), child);
 }

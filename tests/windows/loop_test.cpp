@@ -38,45 +38,8 @@ class EventLoopTest : public ::testing::Test {
     Script script;
 };
 
-TEST_F(EventLoopTest, PostedTasksRunInOrderOnePassAtATime) {
-    loop.Post([&] {
-        trace.push_back("first");
-        loop.Post([&] { trace.push_back("posted by first"); });
-    });
-    loop.Post([&] { trace.push_back("second"); });
-    EXPECT_EQ(loop.DoEvents(), 0);
-    EXPECT_EQ(trace, (Trace{"first", "second"}));
-    loop.DoEvents();
-    EXPECT_EQ(trace.back(), "posted by first");
-}
-
-// A modal form with an OK button: the script moves onto the button, presses and releases it;
-// the release closes the form, so the loop returns after exactly three steps.
-TEST_F(EventLoopTest, ModalLoopClosedByScriptedInput) {
-    Windows& win = platform.windows();
-    Recorder form("form", trace), ok("ok", trace);
-    const HWND wForm = Shown(win, {}, {100, 100, 300, 200}, &form);
-    Shown(win, wForm, {120, 60, 190, 90}, &ok, {.child = true});
-    bool open = true;
-    std::vector<int> depths;
-    ok.onMouse = [&](const MouseEvent& e) {
-        depths.push_back(loop.DoEvents());
-        if (e.kind == MouseEvent::Kind::Up) loop.Post([&] { open = false; });
-    };
-    script.steps = {[&] {
-                        loop.MouseMove({240, 170});
-                    },
-                    [&] { loop.MouseDown(kButtonLeft, 0); }, [&] { loop.MouseUp(kButtonLeft, 0); },
-                    [&] { FAIL() << "stepped past the close"; }};
-    loop.SetInputSource(&script);
-    loop.RunModal([&] { return open; }, "form frmTest");
-    EXPECT_EQ(script.taken, 3u);
-    EXPECT_EQ(trace, (Trace{"ok move 0 (20,10)", "ok down 1 (20,10)", "ok up 1 (20,10)"}));
-    EXPECT_EQ(depths, (std::vector<int>{1, 1, 1}));
-    EXPECT_EQ(loop.DoEvents(), 0);
-}
-
-// A step opens a nested modal loop that takes the next steps from the same script.
+// A step opens a nested modal loop that takes the next steps from the same script; neither
+// takes a step more than it needs.
 TEST_F(EventLoopTest, NestedModalLoopsShareTheScript) {
     bool outerOpen = true, innerOpen = true;
     script.steps = {
@@ -90,6 +53,7 @@ TEST_F(EventLoopTest, NestedModalLoopsShareTheScript) {
             innerOpen = false;
         },
         [&] { outerOpen = false; },
+        [&] { FAIL() << "stepped past the close"; },
     };
     loop.SetInputSource(&script);
     loop.RunModal([&] { return outerOpen; }, "form frmMain");
@@ -128,17 +92,25 @@ TEST_F(EventLoopTest, ModalLoopRunsTimersThenGivesUp) {
     EXPECT_EQ(idle.clock().Now(), 0);
 }
 
-// A wait lets exactly that much virtual time pass, and what falls due meanwhile happens at its
-// time: posted work before the clock moves on, timer ticks as they come due.
-TEST_F(EventLoopTest, WaitLetsTimeAndEventsRun) {
+// Posted work runs one pass at a time, in order, work it posts on the next pass. A wait lets
+// exactly that much virtual time pass, and what falls due meanwhile happens at its time: posted
+// work before the clock moves on, timer ticks as they come due.
+TEST_F(EventLoopTest, PostedWorkAndWaits) {
+    loop.Post([&] {
+        trace.push_back("first");
+        loop.Post([&] { trace.push_back("posted by first"); });
+    });
+    loop.Post([&] { trace.push_back("second"); });
+    EXPECT_EQ(loop.DoEvents(), 0);
+    EXPECT_EQ(trace, (Trace{"first", "second"}));
+    trace.clear();
     platform.clock().SetTimer(30, [&] {
         trace.push_back("tick " + Now());
         loop.Post([&] { trace.push_back("posted at " + Now()); });
     });
-    loop.Post([&] { trace.push_back("posted at " + Now()); });
     loop.Wait(100);
     EXPECT_EQ(platform.clock().Now(), 100);
-    EXPECT_EQ(trace, (Trace{"posted at 0", "tick 30", "posted at 30", "tick 60", "posted at 60",
+    EXPECT_EQ(trace, (Trace{"posted by first", "tick 30", "posted at 30", "tick 60", "posted at 60",
                             "tick 90", "posted at 90"}));
 }
 

@@ -58,10 +58,8 @@ class Solid : public platform::WindowHandler {
         const platform::HBRUSH brush = gdi_.CreateSolidBrush(color_);
         gdi_.FillRect(dc, client, brush);
         gdi_.DeleteObject(brush);
-        ++paints;
         lastClient = client;
     }
-    int paints = 0;
     RECT lastClient;
 
   private:
