@@ -28,7 +28,6 @@ class Recorder : public platform::WindowHandler {
                        std::to_string(e.button) + " (" + std::to_string(e.client.x) + "," +
                        std::to_string(e.client.y) + ")");
         last = e;
-        if (onMouse) onMouse(e);
     }
     void OnKey(const KeyEvent& e) override {
         static constexpr const char* kKinds[] = {"keydown", "keyup", "press"};
@@ -42,7 +41,6 @@ class Recorder : public platform::WindowHandler {
     void OnCaptureLost() override { log_.push_back(name_ + " capture-lost"); }
 
     MouseEvent last;
-    std::function<void(const MouseEvent&)> onMouse;
     std::function<void(bool)> onFocus;
 
   private:
