@@ -59,62 +59,51 @@ class WatchingPlatform final : public platform::Platform {
     WatchingShell watcher{sim.windows()};
 };
 
-// Screen points of the about box's parts, the same in every fresh about box.
-struct Points {
-    POINT link, text, product, closeBox, caption;
-};
-
-Points Measure() {
-    platform::sim::SimPlatform platform;
-    dialog::frmAbout about(platform);
-    about.Me.Show(false);
-    const auto centre = [](const RECT& r) {
-        return POINT{(r.left + r.right) / 2, (r.top + r.bottom) / 2};
-    };
-    const auto onFrame = [&](const forms::Label& label) {
-        return platform.windows().ClientToScreen(about.Frame1.hWnd(), centre(label.PixelRect()));
-    };
-    RECT window;
-    platform.windows().GetWindowRect(about.Me.hWnd(), &window);
-    const auto onWindow = [&](const RECT& r) {
-        return POINT{window.left + centre(r).x, window.top + centre(r).y};
-    };
-    return {onFrame(about.lblButton), onFrame(about.lbl1), onFrame(about.lblProductName),
-            onWindow(about.Me.CloseBoxRect()), onWindow(about.Me.CaptionRect())};
-}
-
-std::string Move(POINT p) {
-    return "move " + std::to_string(p.x) + " " + std::to_string(p.y) + "\n";
-}
-
-// A form with a control whose ShowAboutBox opens the box.
-class AboutSession : public ::testing::Test {
+// A form with a control whose ShowAboutBox opens the box, and in front of it an about box of
+// its own, shown without a modal loop so a test can look at it between steps.
+class AboutBox : public ::testing::Test {
   protected:
-    AboutSession() {
+    AboutBox() {
         context.Classes().Register(Probe::Class());
         context.SetAboutBox([this] { dialog::ShowAboutBox(context); });
         form.Add("Korvex_Tools.Probe", {"P1", 300, 300, 1500, 750});
         form.SwitchMode(true);
         form.Show();
         platform.watcher.host = form.FormWindow();
+        about.Me.Show(false);
+    }
+    // The screen point at the middle of a label; every about box lies where this one does.
+    POINT At(const forms::Label& label) {
+        const RECT r = label.PixelRect();
+        return platform.windows().ClientToScreen(about.Frame1.hWnd(),
+                                                 {(r.left + r.right) / 2, (r.top + r.bottom) / 2});
+    }
+    std::string MoveToTheLink() {
+        const POINT p = At(about.lblButton);
+        return "move " + std::to_string(p.x) + " " + std::to_string(p.y) + "\n";
     }
     std::string Run(const std::string& script) {
+        about.Me.Unload();
         std::ostringstream out;
-        host::ScriptRunner(form, driver, out, KORVEX_BINARY_DIR).Run(script);
+        host::ScriptRunner(form, platform.sim.driver(), out, KORVEX_BINARY_DIR).Run(script);
         return out.str();
     }
-    std::vector<HWND> TopLevel() { return platform.windows().ZOrder(HWND{}); }
+    // The top-level windows on the screen.
+    std::vector<HWND> Shown() {
+        std::vector<HWND> shown = platform.windows().ZOrder(HWND{});
+        std::erase_if(shown, [&](HWND w) { return !platform.windows().IsWindowVisible(w); });
+        return shown;
+    }
 
     WatchingPlatform platform;
-    platform::Driver& driver = platform.sim.driver();
-    const Points at = Measure();
     host::HostContext context{&platform};
     host::Container form{context};
+    dialog::frmAbout about{platform};
 };
 
-TEST_F(AboutSession, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
-    EXPECT_EQ(Run("call P1.ShowAboutBox\n" + Move(at.link) + "click\n" + Move(at.closeBox) +
-                  "click\nget P1.Left\n"),
+TEST_F(AboutBox, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
+    EXPECT_EQ(Run("call P1.ShowAboutBox\n" + MoveToTheLink() +
+                  "click\nmove top -11 11\nclick\nget P1.Left\n"),
               "P1.Left = 300\n");
     // The click on the link asked the shell to open the information page, maximised, owned by
     // the box's window, under the hourglass, while the host's form was disabled.
@@ -129,40 +118,30 @@ TEST_F(AboutSession, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
     EXPECT_TRUE(shell[0].owner);
     EXPECT_NE(shell[0].owner, form.FormWindow());
     // Unloaded: only the host's form is left, and it takes input again with the arrow.
-    EXPECT_EQ(TopLevel(), std::vector<HWND>{form.FormWindow()});
+    EXPECT_EQ(Shown(), std::vector<HWND>{form.FormWindow()});
     EXPECT_TRUE(platform.windows().IsWindowEnabled(form.FormWindow()));
     EXPECT_EQ(platform.windows().CurrentCursor(), platform::kCursorArrow);
 }
 
 // A press on the close box released beside it closes nothing, so nothing left in the script
 // can close the box: the host's error, and the box unloaded all the same.
-TEST_F(AboutSession, AModalLoopNothingClosesEndsWithTheHostsError) {
+TEST_F(AboutBox, AModalLoopNothingClosesEndsWithTheHostsError) {
     const std::string out =
-        Run("call P1.ShowAboutBox\n" + Move(at.closeBox) + "down\n" + Move(at.caption) + "up\n");
+        Run("call P1.ShowAboutBox\nmove top -11 11\ndown\nmove top 60 10\nup\n");
     EXPECT_EQ(out.rfind("error 32000", 0), 0u) << out;
-    EXPECT_EQ(TopLevel(), std::vector<HWND>{form.FormWindow()});
+    EXPECT_EQ(Shown(), std::vector<HWND>{form.FormWindow()});
     host::HostContext screenless;
     EXPECT_EQ(ErrorOf([&] { dialog::ShowAboutBox(screenless); }), host::kErrInvalidCall);
 }
-
-// The about box shown without a modal loop, so a test can look at it between steps.
-class AboutBox : public ::testing::Test {
-  protected:
-    AboutBox() { about.Me.Show(false); }
-
-    WatchingPlatform platform;
-    dialog::frmAbout about{platform};
-    const Points at = Measure();
-};
 
 TEST_F(AboutBox, TheLinkTurnsLightBlueUnderThePointerAndBackOverTheText) {
     const struct {
         POINT at;
         host::OLE_COLOR color;
-    } steps[] = {{at.link, 0x00FF0000},
-                 {at.product, 0x00FF0000},
-                 {at.caption, 0x00FF0000},
-                 {at.text, 0x00800000}};
+    } steps[] = {{At(about.lblButton), 0x00FF0000},
+                 {At(about.lblProductName), 0x00FF0000},
+                 {At(about.Label2), 0x00FF0000},
+                 {At(about.lbl1), 0x00800000}};
     EXPECT_EQ(about.lblButton.ForeColor(), 0x00800000u);
     for (const auto& step : steps) {
         platform.sim.driver().MouseMove(step.at);
