@@ -50,9 +50,8 @@ TEST_F(CaptionedWindow, ClientAreaAndTitleBarGeometry) {
     RECT r;
     ASSERT_TRUE(win.GetClientRect(frame, &r));
     EXPECT_EQ(r, (RECT{0, 0, 194, 125}));
-    RECT outer = r;
-    ASSERT_TRUE(win.AdjustWindowRect(&outer, {.caption = true}));
-    EXPECT_EQ(outer, (RECT{-3, -22, 197, 128}));
+    ASSERT_TRUE(win.AdjustWindowRect(&r, {.caption = true}));
+    EXPECT_EQ(r, (RECT{-3, -22, 197, 128}));
     TITLEBARINFO info;
     ASSERT_TRUE(win.GetTitleBarInfo(frame, &info));
     EXPECT_EQ(info.rcTitleBar, (RECT{103, 103, 297, 121}));

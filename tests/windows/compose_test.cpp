@@ -1,6 +1,6 @@
 // Screen composition: the desktop colour, windows bottom to top, children clipped by their
 // parent, window regions cutting holes that show what lies below. Every pixel is checked
-// against a predicate of the scene's geometry.
+// against a predicate of the scene's geometry; hit-testing agrees with the painting.
 
 #include <gtest/gtest.h>
 
@@ -55,7 +55,7 @@ TEST_F(Compose, DesktopWindowsInZOrderAndChildClipping) {
 
     const RECT ra{10, 10, 60, 60}, rb{40, 40, 90, 90};
     const HWND wa = Shown(win, {}, ra, &red);
-    Shown(win, {}, rb, &blue);
+    const HWND wb = Shown(win, {}, rb, &blue);
     win.CreateWindow({}, {0, 0, 160, 120}, {}, &green);  // never shown: not on the screen
     auto scene = [&](bool aOnTop) {
         return [&, aOnTop](int x, int y) {
@@ -66,15 +66,21 @@ TEST_F(Compose, DesktopWindowsInZOrderAndChildClipping) {
     };
     ExpectPixels(win.ComposeScreen(), kScreen, scene(false));
 
+    EXPECT_EQ(win.WindowFromPoint({45, 45}), wb);
     win.BringWindowToTop(wa);
     ExpectPixels(win.ComposeScreen(), kScreen, scene(true));
+    EXPECT_EQ(win.WindowFromPoint({45, 45}), wa);
 
     // A child reaching out of its parent shows only inside the parent.
-    Shown(win, wa, {40, -5, 80, 30}, &white, {.child = true});  // screen (50,5)-(90,40)
+    const HWND child = Shown(win, wa, {40, -5, 80, 30}, &white, {.child = true});  // (50,5)-(90,40)
     ExpectPixels(win.ComposeScreen(), kScreen, [&](int x, int y) {
         return Inside({50, 10, 60, 40}, x, y) ? kWhite : scene(true)(x, y);
     });
     EXPECT_EQ(white.lastClient, (RECT{0, 0, 40, 35}));  // the child paints its own client area
+    EXPECT_EQ(win.WindowFromPoint({55, 20}), child);
+    EXPECT_EQ(win.WindowFromPoint({65, 20}), win.GetDesktopWindow());
+    win.ShowWindow(wa, false);  // and a hidden parent hides its child from hit-testing too
+    EXPECT_EQ(win.WindowFromPoint({55, 20}), win.GetDesktopWindow());
 }
 
 // A round window over another: its corners show the window below (and the desktop beyond it),

@@ -13,9 +13,13 @@ namespace {
 using namespace platform;
 using Order = std::vector<HWND>;
 
-TEST(WindowTree, ZOrderBandsAndSetWindowPos) {
-    sim::SimPlatform platform;
-    Windows& win = platform.windows();
+class WindowTree : public ::testing::Test {
+  protected:
+    sim::SimPlatform platform{{640, 480}, 120};
+    sim::SimWindows& win = platform.windows();
+};
+
+TEST_F(WindowTree, ZOrderBandsAndSetWindowPos) {
     const unsigned keep = SWP_NOMOVE | SWP_NOSIZE;
     const HWND a = win.CreateWindow({}, {}, {}, nullptr);
     const HWND t = win.CreateWindow({}, {}, {.topmost = true}, nullptr);
@@ -51,9 +55,7 @@ TEST(WindowTree, ZOrderBandsAndSetWindowPos) {
 
 // An owned window (a modal form) stays above its owner when the owner comes to the top, lives
 // in screen coordinates, keeps working while the owner is disabled, and dies with it.
-TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
-    sim::SimPlatform platform;
-    Windows& win = platform.windows();
+TEST_F(WindowTree, OwnedWindowsFollowTheirOwner) {
     std::vector<std::string> log;
     Recorder dialogHandler("dialog", log);
     const HWND owner = win.CreateWindow({}, {0, 0, 300, 200}, {}, nullptr);
@@ -82,9 +84,7 @@ TEST(WindowTree, OwnedWindowsFollowTheirOwner) {
     EXPECT_FALSE(win.DestroyWindow(win.GetDesktopWindow()));
 }
 
-TEST(WindowTree, GeometryVisibilityAndRegionOwnership) {
-    sim::SimPlatform platform{{640, 480}, 120};
-    sim::SimWindows& win = platform.windows();
+TEST_F(WindowTree, GeometryVisibilityAndRegionOwnership) {
     EXPECT_EQ(TwipsPerPixelX(platform), 12);
     RECT r;
     const HWND top = win.CreateWindow({}, {100, 50, 300, 250}, {}, nullptr);
@@ -120,21 +120,6 @@ TEST(WindowTree, GeometryVisibilityAndRegionOwnership) {
     EXPECT_NE(gdi.GetRgnBox(second, &r), RGN_ERROR);
     win.DestroyWindow(top);
     EXPECT_EQ(gdi.GetRgnBox(second, &r), RGN_ERROR);
-}
-
-// Two platforms in one process: windows, pointer, focus and clocks are each their own.
-TEST(WindowTree, TwoPlatformsAreIndependent) {
-    sim::SimPlatform one, two;
-    std::vector<std::string> log;
-    Recorder a("A", log);
-    one.windows().SetFocus(Shown(one.windows(), {}, {0, 0, 100, 100}, &a));
-    EXPECT_TRUE(two.windows().ZOrder({}).empty());
-    EXPECT_EQ(two.windows().GetFocus(), HWND{});
-    two.driver().MouseMove({10, 10});
-    two.driver().KeyDown('A', 0);
-    EXPECT_EQ(log, (std::vector<std::string>{"A focus+"}));
-    one.driver().Advance(100);
-    EXPECT_EQ(two.clock().Now(), 0);
 }
 
 }  // namespace
