@@ -19,29 +19,28 @@ using platform::HWND;
 using platform::POINT;
 using platform::RECT;
 
-// A shell that notes each request and what the screen showed meanwhile.
+// A shell that notes each request's owner, and the rest of it with the pointer shape and the
+// host form's state meanwhile in a line.
 class WatchingShell final : public platform::Shell {
   public:
     explicit WatchingShell(platform::Windows& w) : windows(w) {}
     std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb,
                                 std::string_view file, std::string_view parameters,
                                 std::string_view directory, int show) override {
-        requests.push_back({owner, std::string(verb.value_or("<none>")), std::string(file),
-                            std::string(parameters) + std::string(directory), show,
-                            windows.CurrentCursor(), windows.IsWindowEnabled(host)});
+        owners.push_back(owner);
+        requests.push_back(std::string(verb.value_or("<none>")) + " " + std::string(file) + " [" +
+                           std::string(parameters) + "|" + std::string(directory) + "] show " +
+                           std::to_string(show) + " cursor " +
+                           std::to_string(windows.CurrentCursor()) +
+                           (windows.IsWindowEnabled(host) ? "" : " host disabled"));
         return answer;
     }
     std::string GetSystemDirectoryA() override { return "C:\\WINDOWS\\system32"; }
     std::string GetTempPathA() override { return "C:\\TEMP\\"; }
 
-    struct Request {
-        HWND owner;
-        std::string verb, file, rest;
-        int show, cursor;
-        bool hostEnabled;
-    };
     platform::Windows& windows;
-    std::vector<Request> requests;
+    std::vector<HWND> owners;
+    std::vector<std::string> requests;
     std::intptr_t answer = 42;
     HWND host;
 };
@@ -107,16 +106,12 @@ TEST_F(AboutBox, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
               "P1.Left = 300\n");
     // The click on the link asked the shell to open the information page, maximised, owned by
     // the box's window, under the hourglass, while the host's form was disabled.
-    const auto& shell = platform.watcher.requests;
-    ASSERT_EQ(shell.size(), 1u);
-    EXPECT_EQ(shell[0].verb, "Open");
-    EXPECT_EQ(shell[0].file, "http://www.korvex-tools.de/info");
-    EXPECT_EQ(shell[0].rest, "");
-    EXPECT_EQ(shell[0].show, platform::SW_SHOWMAXIMIZED);
-    EXPECT_EQ(shell[0].cursor, 11);
-    EXPECT_FALSE(shell[0].hostEnabled);
-    EXPECT_TRUE(shell[0].owner);
-    EXPECT_NE(shell[0].owner, form.FormWindow());
+    EXPECT_EQ(platform.watcher.requests,
+              std::vector<std::string>{
+                  "Open http://www.korvex-tools.de/info [|] show 3 cursor 11 host disabled"});
+    ASSERT_EQ(platform.watcher.owners.size(), 1u);
+    EXPECT_TRUE(platform.watcher.owners[0]);
+    EXPECT_NE(platform.watcher.owners[0], form.FormWindow());
     // Unloaded: only the host's form is left, and it takes input again with the arrow.
     EXPECT_EQ(Shown(), std::vector<HWND>{form.FormWindow()});
     EXPECT_TRUE(platform.windows().IsWindowEnabled(form.FormWindow()));
@@ -150,9 +145,8 @@ TEST_F(AboutBox, TheLinkTurnsLightBlueUnderThePointerAndBackOverTheText) {
     // Centred on the screen, where the session's points lie too.
     RECT r;
     platform.windows().GetWindowRect(about.Me.hWnd(), &r);
-    const auto screen = platform.windows().ScreenSize();
-    EXPECT_LE(std::abs(r.left - (screen.cx - r.right)), 1);
-    EXPECT_LE(std::abs(r.top - (screen.cy - r.bottom)), 1);
+    EXPECT_LE(std::abs(r.left + r.right - platform.windows().ScreenSize().cx), 1);
+    EXPECT_LE(std::abs(r.top + r.bottom - platform.windows().ScreenSize().cy), 1);
     EXPECT_EQ(ErrorOf([&] { about.Me.Show(true); }), 400) << "a modal show of a shown form";
 }
 
@@ -174,8 +168,10 @@ TEST_F(AboutBox, OpenLinkPrefixesAndRemembersFailures) {
     for (const auto& c : cases) {
         platform.watcher.answer = c.answer;
         about.OpenLink(about.Me.hWnd(), c.address);
-        EXPECT_EQ(platform.watcher.requests.back().file, c.opened);
-        EXPECT_EQ(platform.watcher.requests.back().owner, about.Me.hWnd());
+        const std::string& request = platform.watcher.requests.back();
+        EXPECT_EQ(request.substr(0, request.find(" cursor")),
+                  "Open " + std::string(c.opened) + " [|] show 3");
+        EXPECT_EQ(platform.watcher.owners.back(), about.Me.hWnd());
         EXPECT_EQ(about.LastDllError(), c.lastDllError) << c.address;
         EXPECT_EQ(about.Me.ScreenMousePointer(), 0);
     }

@@ -12,8 +12,6 @@
 namespace korvex::test {
 namespace {
 
-using namespace platform;
-
 constexpr std::uint32_t kRed = 0xFF0000, kGreen = 0x00FF00, kBlue = 0x0000FF, kWhite = 0xFFFFFF;
 
 bool Inside(const RECT& r, int x, int y) {

@@ -13,7 +13,6 @@
 namespace korvex::test {
 namespace {
 
-using namespace platform;
 using Trace = std::vector<std::string>;
 
 // A script: each step is one function; Step runs the next and counts.

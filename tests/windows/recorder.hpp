@@ -1,7 +1,8 @@
 #pragma once
-// A window handler that writes what it receives into a shared log, one line per call, so a
-// test can assert the exact order across windows: "A down 1 (10,20)", "B focus+"; and the few
-// steps every window test takes: show a window, click, read a composed pixel.
+// The window tests speak the platform's names unqualified. A window handler that writes what it
+// receives into a shared log, one line per call, so a test can assert the exact order across
+// windows: "A down 1 (10,20)", "B focus+"; and the few steps every window test takes: show a
+// window, click, read a composed pixel.
 
 #include <functional>
 #include <string>
@@ -11,12 +12,7 @@
 
 namespace korvex::test {
 
-using platform::HDC;
-using platform::HWND;
-using platform::KeyEvent;
-using platform::MouseEvent;
-using platform::POINT;
-using platform::RECT;
+using namespace platform;
 
 class Recorder : public platform::WindowHandler {
   public:

@@ -10,7 +10,6 @@
 namespace korvex::test {
 namespace {
 
-using namespace platform;
 using Log = std::vector<std::string>;
 
 class Routing : public ::testing::Test {
@@ -81,9 +80,7 @@ TEST_F(Routing, DisabledWindowsDropInput) {
     win.EnableWindow(wb, false);
     Click(input, {40, 40});  // C itself is enabled, its parent is not
     Click(input, {100, 100});
-    EXPECT_EQ(TakeLog(), Log{});
     Click(input, {150, 10});  // A is unaffected
-    EXPECT_EQ(TakeLog(), (Log{"A move 0 (150,10)", "A down 1 (150,10)", "A up 1 (150,10)"}));
 
     // Disabling the window that holds the capture ends it, with notice.
     win.EnableWindow(wb, true);
@@ -92,7 +89,8 @@ TEST_F(Routing, DisabledWindowsDropInput) {
     win.EnableWindow(wb, false);
     EXPECT_EQ(win.GetCapture(), HWND{});
     input.MouseUp(kButtonLeft, 0);
-    EXPECT_EQ(TakeLog(), (Log{"C move 0 (10,10)", "C down 1 (10,10)", "C capture-lost"}));
+    EXPECT_EQ(TakeLog(), (Log{"A move 0 (150,10)", "A down 1 (150,10)", "A up 1 (150,10)",
+                              "C move 0 (10,10)", "C down 1 (10,10)", "C capture-lost"}));
 }
 
 // Double clicks: same button, same window, less than 500 ms of virtual time and at most

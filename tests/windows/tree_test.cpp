@@ -10,7 +10,6 @@
 namespace korvex::test {
 namespace {
 
-using namespace platform;
 using Order = std::vector<HWND>;
 
 class WindowTree : public ::testing::Test {
