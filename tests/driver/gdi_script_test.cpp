@@ -52,7 +52,6 @@ TEST(GdiScript, ConstantsJoinWithBarHexIsReadAndWrittenRowByRow) {
     EXPECT_EQ(script.height, 8);
     EXPECT_EQ(script.background, 0x00112233u);
     ASSERT_EQ(script.calls.size(), 1u);
-    EXPECT_EQ(script.calls[0].line, 2);
     EXPECT_EQ(script.calls[0].numbers, (std::vector<std::int64_t>{0, 0, 4, -4, 6, 0x480F}));
 
     sim::SimGdi gdi;

@@ -22,7 +22,6 @@ class Closable final : public Recorder {
 // The window covers x 100..299, y 100..249; its client area x 103..296, y 122..246.
 class CaptionedWindow : public ::testing::Test {
   protected:
-    CaptionedWindow() { win.SetWindowText(frame, "Titel"); }
     void Press(POINT p) {
         driver.Advance(1000);  // no double clicks between presses
         driver.MouseMove(p);
@@ -57,11 +56,9 @@ TEST_F(CaptionedWindow, ClientAreaAndTitleBarGeometry) {
 
     // The handler sees input only in its client area, in client coordinates.
     Click(driver, {110, 130});
-    driver.Advance(1000);
     Click(driver, {150, 110});  // caption bar
     Click(driver, {101, 200});  // frame
     EXPECT_EQ(log, (std::vector<std::string>{"F move 0 (7,8)", "F down 1 (7,8)", "F up 1 (7,8)"}));
-    EXPECT_EQ(handler.closes, 0);
 }
 
 TEST_F(CaptionedWindow, TheCloseBoxClosesOnlyWhenReleasedOverIt) {

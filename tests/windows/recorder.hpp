@@ -52,9 +52,7 @@ class Solid : public platform::WindowHandler {
         const platform::HBRUSH brush = gdi_.CreateSolidBrush(color_);
         gdi_.FillRect(dc, client, brush);
         gdi_.DeleteObject(brush);
-        lastClient = client;
     }
-    RECT lastClient;
 
   private:
     platform::Gdi& gdi_;
