@@ -25,7 +25,6 @@ TEST(Clock, DueOrderTiesAndTheTenMillisecondFloor) {
     clock.SetTimer(30, Note(clock, order, "slow"));
     clock.SetTimer(20, Note(clock, order, "fast"));
     clock.SetTimer(1, Note(clock, order, "poll"));  // raised to 10 ms
-    EXPECT_EQ(clock.NextDue(), 10);
     clock.Advance(19);
     EXPECT_EQ(order, Order{"poll@10"});
     // One long step fires every tick it passes, each at its own virtual time.
