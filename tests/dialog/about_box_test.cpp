@@ -11,6 +11,7 @@
 #include "host/probe_control.hpp"
 #include "platform/sim/sim_platform.hpp"
 #include "support/error_of.hpp"
+#include "support/shell_platform.hpp"
 
 namespace korvex::test {
 namespace {
@@ -23,7 +24,6 @@ using platform::RECT;
 // host form's state meanwhile in a line.
 class WatchingShell final : public platform::Shell {
   public:
-    explicit WatchingShell(platform::Windows& w) : windows(w) {}
     std::intptr_t ShellExecuteA(HWND owner, std::optional<std::string_view> verb,
                                 std::string_view file, std::string_view parameters,
                                 std::string_view directory, int show) override {
@@ -31,31 +31,18 @@ class WatchingShell final : public platform::Shell {
         requests.push_back(std::string(verb.value_or("<none>")) + " " + std::string(file) + " [" +
                            std::string(parameters) + "|" + std::string(directory) + "] show " +
                            std::to_string(show) + " cursor " +
-                           std::to_string(windows.CurrentCursor()) +
-                           (windows.IsWindowEnabled(host) ? "" : " host disabled"));
+                           std::to_string(windows->CurrentCursor()) +
+                           (windows->IsWindowEnabled(host) ? "" : " host disabled"));
         return answer;
     }
     std::string GetSystemDirectoryA() override { return "C:\\WINDOWS\\system32"; }
     std::string GetTempPathA() override { return "C:\\TEMP\\"; }
 
-    platform::Windows& windows;
+    platform::Windows* windows;
     std::vector<HWND> owners;
     std::vector<std::string> requests;
     std::intptr_t answer = 42;
     HWND host;
-};
-
-class WatchingPlatform final : public platform::Platform {
-  public:
-    platform::Gdi& gdi() override { return sim.gdi(); }
-    platform::Windows& windows() override { return sim.windows(); }
-    platform::Clock& clock() override { return sim.clock(); }
-    platform::EventLoop& loop() override { return sim.loop(); }
-    platform::Sound& sound() override { return sim.sound(); }
-    platform::Shell& shell() override { return watcher; }
-
-    platform::sim::SimPlatform sim;
-    WatchingShell watcher{sim.windows()};
 };
 
 // A form with a control whose ShowAboutBox opens the box, and in front of it an about box of
@@ -68,7 +55,8 @@ class AboutBox : public ::testing::Test {
         form.Add("Korvex_Tools.Probe", {"P1", 300, 300, 1500, 750});
         form.SwitchMode(true);
         form.Show();
-        platform.watcher.host = form.FormWindow();
+        platform.replacement.windows = &platform.windows();
+        platform.replacement.host = form.FormWindow();
         about.Me.Show(false);
     }
     // The screen point at the middle of a label; every about box lies where this one does.
@@ -94,7 +82,7 @@ class AboutBox : public ::testing::Test {
         return shown;
     }
 
-    WatchingPlatform platform;
+    ShellPlatform<WatchingShell> platform;
     host::HostContext context{&platform};
     host::Container form{context};
     dialog::frmAbout about{platform};
@@ -106,11 +94,11 @@ TEST_F(AboutBox, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
               "P1.Left = 300\n");
     // The click on the link asked the shell to open the information page, maximised, owned by
     // the box's window, under the hourglass, while the host's form was disabled.
-    ASSERT_EQ(platform.watcher.requests,
+    ASSERT_EQ(platform.replacement.requests,
               std::vector<std::string>{
                   "Open http://www.korvex-tools.de/info [|] show 3 cursor 11 host disabled"});
-    EXPECT_TRUE(platform.watcher.owners[0]);
-    EXPECT_NE(platform.watcher.owners[0], form.FormWindow());
+    EXPECT_TRUE(platform.replacement.owners[0]);
+    EXPECT_NE(platform.replacement.owners[0], form.FormWindow());
     // Unloaded: only the host's form is left, and it takes input again with the arrow.
     EXPECT_EQ(Shown(), std::vector<HWND>{form.FormWindow()});
     EXPECT_TRUE(platform.windows().IsWindowEnabled(form.FormWindow()));
@@ -164,12 +152,12 @@ TEST_F(AboutBox, OpenLinkPrefixesAndRemembersFailures) {
         {"nowhere", 2, "http://nowhere", 2},
     };
     for (const auto& c : cases) {
-        platform.watcher.answer = c.answer;
+        platform.replacement.answer = c.answer;
         about.OpenLink(about.Me.hWnd(), c.address);
-        const std::string& request = platform.watcher.requests.back();
+        const std::string& request = platform.replacement.requests.back();
         EXPECT_EQ(request.substr(0, request.find(" cursor")),
                   "Open " + std::string(c.opened) + " [|] show 3");
-        EXPECT_EQ(platform.watcher.owners.back(), about.Me.hWnd());
+        EXPECT_EQ(platform.replacement.owners.back(), about.Me.hWnd());
         EXPECT_EQ(about.LastDllError(), c.lastDllError) << c.address;
         EXPECT_EQ(about.Me.ScreenMousePointer(), 0);
     }

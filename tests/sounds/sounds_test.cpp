@@ -14,6 +14,7 @@
 #include "base/resources.hpp"
 #include "foundation/sounds.hpp"
 #include "platform/sim/sim_platform.hpp"
+#include "support/shell_platform.hpp"
 
 using namespace korvex;
 using platform::sim::SoundRequest;
@@ -64,19 +65,6 @@ public:
     }
     std::string GetSystemDirectoryA() override { throw host::HostError(host::kErrDeviceUnavailable); }
     std::string GetTempPathA() override { throw host::HostError(host::kErrDeviceUnavailable); }
-};
-
-class FailingShellPlatform final : public platform::Platform {
-public:
-    platform::Gdi& gdi() override { return sim.gdi(); }
-    platform::Windows& windows() override { return sim.windows(); }
-    platform::Clock& clock() override { return sim.clock(); }
-    platform::EventLoop& loop() override { return sim.loop(); }
-    platform::Sound& sound() override { return sim.sound(); }
-    platform::Shell& shell() override { return failing; }
-
-    platform::sim::SimPlatform sim;
-    FailingShell failing;
 };
 
 class SoundsTest : public ::testing::Test {
@@ -168,7 +156,7 @@ TEST(SoundsDirectories, TheShellsAnswerOrEmptyTextWhenItFails) {
     EXPECT_EQ(temp, "C:\\WINDOWS\\TEMP\\");
     EXPECT_EQ(temp.back(), '\\');
 
-    FailingShellPlatform failing;
+    test::ShellPlatform<FailingShell> failing;
     foundation::cSounds quiet(failing);
     EXPECT_EQ(quiet.strWindowDirectory().ToString(), "");
     EXPECT_EQ(quiet.strTempPath().ToString(), "");
