@@ -51,12 +51,6 @@ public:
     std::string GetTempPathA() override { throw host::HostError(host::kErrDeviceUnavailable); }
 };
 
-class FailingShellPlatform final : public test::ForwardingPlatform {
-public:
-    platform::Shell& shell() override { return failing; }
-    FailingShell failing;
-};
-
 class SoundsTest : public ::testing::Test, public test::SimBench {
 protected:
     const std::vector<SoundRequest>& Requests() { return platform.sound().Requests(); }
@@ -133,7 +127,7 @@ TEST(SoundsDirectories, TheShellsAnswerOrEmptyTextWhenItFails) {
     EXPECT_EQ(temp, "C:\\WINDOWS\\TEMP\\");
     EXPECT_EQ(temp.back(), '\\');
 
-    FailingShellPlatform failing;
+    test::ShellPlatform<FailingShell> failing;
     foundation::cSounds quiet(failing);
     EXPECT_EQ(quiet.strWindowDirectory().ToString(), "");
     EXPECT_EQ(quiet.strTempPath().ToString(), "");

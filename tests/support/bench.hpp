@@ -59,6 +59,15 @@ class ForwardingPlatform : public platform::Platform {
     platform::sim::SimPlatform sim;
 };
 
+// The simulated platform with its shell replaced by a test's own, one that watches the calls or
+// fails them.
+template <class ReplacementShell>
+class ShellPlatform final : public ForwardingPlatform {
+  public:
+    platform::Shell& shell() override { return replacement; }
+    ReplacementShell replacement;
+};
+
 // The platform alone, with its driver side: pixels, clock and input in screen pixels.
 class SimBench {
   public:

@@ -12,52 +12,37 @@ namespace korvex::test {
 namespace {
 
 using platform::sim::SimClock;
-using Ticks = std::vector<std::int64_t>;
+using Order = std::vector<std::string>;
 
-TEST(Clock, PeriodicTimersAndTheTenMillisecondFloor) {
-    SimClock clock;
-    EXPECT_EQ(clock.Now(), 0);
-    EXPECT_EQ(clock.NextDue(), -1);
-
-    Ticks hover, poll;
-    clock.SetTimer(50, [&] { hover.push_back(clock.Now()); });
-    clock.SetTimer(1, [&] { poll.push_back(clock.Now()); });  // raised to 10 ms
-    EXPECT_EQ(clock.NextDue(), 10);
-
-    clock.Advance(49);
-    EXPECT_EQ(hover, Ticks{});
-    EXPECT_EQ(poll, (Ticks{10, 20, 30, 40}));
-    clock.Advance(1);
-    EXPECT_EQ(hover, Ticks{50});
-    // One long step fires every tick it passes, each at its own virtual time.
-    clock.Advance(100);
-    EXPECT_EQ(hover, (Ticks{50, 100, 150}));
-    EXPECT_EQ(poll.size(), 15u);
-    EXPECT_EQ(poll.back(), 150);
-    EXPECT_EQ(clock.Now(), 150);
-    EXPECT_EQ(clock.NextDue(), 160);
+// A callback that notes its name and the virtual time it ran at.
+auto Note(SimClock& clock, Order& order, std::string name) {
+    return [&clock, &order, name] { order.push_back(name + "@" + std::to_string(clock.Now())); };
 }
 
-TEST(Clock, DueOrderWithTiesInCreationOrder) {
+TEST(Clock, DueOrderTiesAndTheTenMillisecondFloor) {
     SimClock clock;
-    std::vector<std::string> order;
-    clock.SetTimer(30, [&] { order.push_back("slow@" + std::to_string(clock.Now())); });
-    clock.SetTimer(20, [&] { order.push_back("fast@" + std::to_string(clock.Now())); });
-    clock.Advance(60);
-    EXPECT_EQ(order, (std::vector<std::string>{"fast@20", "slow@30", "fast@40", "slow@60", "fast@60"}));
+    Order order;
+    clock.SetTimer(30, Note(clock, order, "slow"));
+    clock.SetTimer(20, Note(clock, order, "fast"));
+    clock.SetTimer(1, Note(clock, order, "poll"));  // raised to 10 ms
+    clock.Advance(19);
+    EXPECT_EQ(order, Order{"poll@10"});
+    // One long step fires every tick it passes, each at its own virtual time.
+    clock.Advance(41);
+    EXPECT_EQ(order, (Order{"poll@10", "fast@20", "poll@20", "slow@30", "poll@30", "fast@40",
+                            "poll@40", "poll@50", "slow@60", "fast@60", "poll@60"}));
+    EXPECT_EQ(clock.NextDue(), 70);
 }
 
 // Callbacks that change the timer set while Advance runs.
 TEST(Clock, CallbacksKillAndCreateTimers) {
     SimClock clock;
-    std::vector<std::string> order;
-
+    Order order;
     // Kills itself on its second tick.
     SimClock::TimerId self = 0;
-    int selfTicks = 0;
     self = clock.SetTimer(10, [&] {
-        order.push_back("self@" + std::to_string(clock.Now()));
-        if (++selfTicks == 2) {
+        Note(clock, order, "self")();
+        if (order.size() == 2) {
             EXPECT_TRUE(clock.KillTimer(self));
         }
     });
@@ -65,20 +50,18 @@ TEST(Clock, CallbacksKillAndCreateTimers) {
     // Each tick also starts a one-shot (5 ms, so 10) that kills itself, within the same Advance.
     SimClock::TimerId victim = 0, oneShot = 0;
     clock.SetTimer(25, [&] {
-        order.push_back("killer@" + std::to_string(clock.Now()));
+        Note(clock, order, "killer")();
         clock.KillTimer(victim);
         oneShot = clock.SetTimer(5, [&] {
-            order.push_back("one-shot@" + std::to_string(clock.Now()));
+            Note(clock, order, "one-shot")();
             clock.KillTimer(oneShot);
         });
     });
-    victim = clock.SetTimer(25, [&] { order.push_back("victim@" + std::to_string(clock.Now())); });
 
+    victim = clock.SetTimer(25, Note(clock, order, "victim"));
     clock.Advance(100);
-    EXPECT_EQ(order, (std::vector<std::string>{"self@10", "self@20", "killer@25", "one-shot@35",
-                                               "killer@50", "one-shot@60", "killer@75",
-                                               "one-shot@85", "killer@100"}));
-    EXPECT_FALSE(clock.KillTimer(victim));  // already gone
+    EXPECT_EQ(order, (Order{"self@10", "self@20", "killer@25", "one-shot@35", "killer@50",
+                            "one-shot@60", "killer@75", "one-shot@85", "killer@100"}));
     EXPECT_FALSE(clock.KillTimer(self));
 }
 

@@ -7,17 +7,17 @@
 #include <string>
 #include <vector>
 
-#include "base/error.hpp"
 #include "recorder.hpp"
+#include "support/error_of.hpp"
 
 namespace korvex::test {
 namespace {
 
-using namespace platform;
+using Trace = std::vector<std::string>;
 
 // A script: each step is one function; Step runs the next and counts.
 class Script : public InputSource {
-public:
+  public:
     std::vector<std::function<void()>> steps;
     std::size_t taken = 0;
     bool Step() override {
@@ -27,58 +27,20 @@ public:
     }
 };
 
-TEST(EventLoop, PostedTasksRunInOrderOnePassAtATime) {
+class EventLoopTest : public ::testing::Test {
+  protected:
+    std::string Now() { return std::to_string(platform.clock().Now()); }
+
     sim::SimPlatform platform;
     sim::SimEventLoop& loop = platform.loop();
-    std::vector<std::string> ran;
-    loop.Post([&] {
-        ran.push_back("first");
-        loop.Post([&] { ran.push_back("posted by first"); });
-    });
-    loop.Post([&] { ran.push_back("second"); });
-    EXPECT_EQ(loop.DoEvents(), 0);
-    EXPECT_EQ(ran, (std::vector<std::string>{"first", "second"}));
-    loop.DoEvents();
-    EXPECT_EQ(ran.back(), "posted by first");
-}
-
-// A modal form with an OK button: the script moves onto the button, presses and releases it;
-// the release closes the form, so the loop returns after exactly three steps.
-TEST(EventLoop, ModalLoopClosedByScriptedInput) {
-    sim::SimPlatform platform;
-    Windows& win = platform.windows();
-    sim::SimEventLoop& loop = platform.loop();
-    std::vector<std::string> log;
-    Recorder form("form", log), ok("ok", log);
-    const HWND wForm = win.CreateWindow({}, {100, 100, 300, 200}, {}, &form);
-    const HWND wOk = win.CreateWindow(wForm, {120, 60, 190, 90}, {.child = true}, &ok);
-    win.ShowWindow(wForm, true);
-    win.ShowWindow(wOk, true);
-    bool open = true;
-    std::vector<int> depths;
-    ok.onMouse = [&](const MouseEvent& e) {
-        depths.push_back(loop.DoEvents());
-        if (e.kind == MouseEvent::Kind::Up) loop.Post([&] { open = false; });
-    };
-
+    Trace trace;
     Script script;
-    script.steps = {[&] { loop.MouseMove({240, 170}); }, [&] { loop.MouseDown(kButtonLeft, 0); },
-                    [&] { loop.MouseUp(kButtonLeft, 0); }, [&] { FAIL() << "stepped past the close"; }};
-    loop.SetInputSource(&script);
-    loop.RunModal([&] { return open; }, "form frmTest");
-    EXPECT_EQ(script.taken, 3u);
-    EXPECT_EQ(log, (std::vector<std::string>{"ok move 0 (20,10)", "ok down 1 (20,10)", "ok up 1 (20,10)"}));
-    EXPECT_EQ(depths, (std::vector<int>{1, 1, 1}));
-    EXPECT_EQ(loop.DoEvents(), 0);
-}
+};
 
-// A step opens a nested modal loop that takes the next steps from the same script.
-TEST(EventLoop, NestedModalLoopsShareTheScript) {
-    sim::SimPlatform platform;
-    sim::SimEventLoop& loop = platform.loop();
+// A step opens a nested modal loop that takes the next steps from the same script; neither
+// takes a step more than it needs.
+TEST_F(EventLoopTest, NestedModalLoopsShareTheScript) {
     bool outerOpen = true, innerOpen = true;
-    std::vector<std::string> trace;
-    Script script;
     script.steps = {
         [&] {
             trace.push_back("open inner at depth " + std::to_string(loop.DoEvents()));
@@ -90,78 +52,65 @@ TEST(EventLoop, NestedModalLoopsShareTheScript) {
             innerOpen = false;
         },
         [&] { outerOpen = false; },
+        [&] { FAIL() << "stepped past the close"; },
     };
     loop.SetInputSource(&script);
     loop.RunModal([&] { return outerOpen; }, "form frmMain");
-    EXPECT_EQ(trace, (std::vector<std::string>{"open inner at depth 1", "close inner at depth 2",
-                                               "inner returned"}));
-    EXPECT_EQ(script.taken, 3u);
+    EXPECT_EQ(trace, (Trace{"open inner at depth 1", "close inner at depth 2", "inner returned"}));
 }
 
-// With the script spent, time runs timer by timer: a self-closing form closes on its timer.
-TEST(EventLoop, ModalLoopLetsTimersCloseTheForm) {
-    sim::SimPlatform platform;
+// With the script spent, time runs timer by timer for at most 60 000 virtual ms: a form its
+// timer closes within them closes; one nothing can close raises the host's error instead of
+// hanging, and the loop is left cleanly.
+TEST_F(EventLoopTest, ModalLoopRunsTimersThenGivesUp) {
+    loop.SetInputSource(&script);
     bool open = true;
-    std::vector<std::int64_t> polls;
-    platform.clock().SetTimer(1000, [&] { polls.push_back(platform.clock().Now()); });
-    platform.clock().SetTimer(3000, [&] { open = false; });
-    platform.loop().RunModal([&] { return open; }, "form msgFrm");
-    EXPECT_EQ(platform.clock().Now(), 3000);
-    EXPECT_EQ(polls, (std::vector<std::int64_t>{1000, 2000, 3000}));
-}
+    // The poll stops by itself at 100 s, so a budget that never runs out fails, not hangs.
+    sim::SimClock::TimerId poll = 0;
+    poll = platform.clock().SetTimer(1000, [&] {
+        trace.push_back("poll@" + Now());
+        if (trace.size() == 100) platform.clock().KillTimer(poll);
+    });
+    const auto closer = platform.clock().SetTimer(3000, [&] { open = false; });
+    loop.RunModal([&] { return open; }, "form msgFrm");
+    EXPECT_EQ(trace, (Trace{"poll@1000", "poll@2000", "poll@3000"}));
+    platform.clock().KillTimer(closer);
 
-// A modal loop nothing can close raises the host's error: at once without timers, after
-// 60 000 virtual ms while only a poll timer ticks. The loop is left cleanly either way.
-TEST(EventLoop, ModalDeadlockRaisesInsteadOfHanging) {
-    sim::SimPlatform platform;
-    sim::SimEventLoop& loop = platform.loop();
-    Script empty;
-    loop.SetInputSource(&empty);
-    auto runForever = [&] { loop.RunModal([] { return true; }, "form frmAbout"); };
-    try {
-        runForever();
-        FAIL() << "no error";
-    } catch (const host::HostError& e) {
-        EXPECT_EQ(e.Number(), host::kErrModalDeadlock);
-        EXPECT_EQ(e.Description(),
-                  "The modal form frmAbout is still open and nothing left in the script can close it");
-        EXPECT_EQ(e.Source(), "EventLoop");
-    }
-    EXPECT_EQ(platform.clock().Now(), 0);
-    EXPECT_EQ(loop.DoEvents(), 0);
-
-    int ticks = 0;
-    platform.clock().SetTimer(1, [&] { ++ticks; });
-    EXPECT_THROW(runForever(), host::HostError);
-    EXPECT_EQ(platform.clock().Now(), 60'000);
-    EXPECT_EQ(ticks, 6000);
+    const auto runForever = [&] { loop.RunModal([] { return true; }, "form frmAbout"); };
+    EXPECT_EQ(ErrorOf(runForever), host::kErrModalDeadlock);
+    EXPECT_EQ(platform.clock().Now(), 63'000);
+    EXPECT_EQ(trace.size(), 63u);
     EXPECT_EQ(loop.DoEvents(), 0);
 
     // A timer due beyond the budget is not waited for.
     sim::SimPlatform other;
-    bool open = true;
-    other.clock().SetTimer(61'000, [&] { open = false; });
-    EXPECT_THROW(other.loop().RunModal([&] { return open; }, "form late"), host::HostError);
-    EXPECT_TRUE(open);
+    bool late = true;
+    other.clock().SetTimer(61'000, [&] { late = false; });
+    EXPECT_EQ(ErrorOf([&] { other.loop().RunModal([&] { return late; }, "form late"); }),
+              host::kErrModalDeadlock);
+    EXPECT_TRUE(late);
 }
 
-// A wait lets exactly that much virtual time pass, and what falls due meanwhile happens at its
-// time: posted work before the clock moves on, timer ticks as they come due.
-TEST(EventLoop, WaitLetsTimeAndEventsRun) {
-    sim::SimPlatform platform;
-    EventLoop& loop = platform.loop();
-    std::vector<std::string> trace;
-    platform.clock().SetTimer(30, [&] {
-        trace.push_back("tick " + std::to_string(platform.clock().Now()));
-        loop.Post([&] { trace.push_back("posted at " + std::to_string(platform.clock().Now())); });
+// Posted work runs one pass at a time, in order, work it posts on the next pass. A wait lets
+// exactly that much virtual time pass, and what falls due meanwhile happens at its time: posted
+// work before the clock moves on, timer ticks as they come due.
+TEST_F(EventLoopTest, PostedWorkAndWaits) {
+    loop.Post([&] {
+        trace.push_back("first");
+        loop.Post([&] { trace.push_back("posted by first"); });
     });
-    loop.Post([&] { trace.push_back("posted at " + std::to_string(platform.clock().Now())); });
+    loop.Post([&] { trace.push_back("second"); });
+    EXPECT_EQ(loop.DoEvents(), 0);
+    EXPECT_EQ(trace, (Trace{"first", "second"}));
+    trace.clear();
+    platform.clock().SetTimer(30, [&] {
+        trace.push_back("tick " + Now());
+        loop.Post([&] { trace.push_back("posted at " + Now()); });
+    });
     loop.Wait(100);
     EXPECT_EQ(platform.clock().Now(), 100);
-    EXPECT_EQ(trace, (std::vector<std::string>{"posted at 0", "tick 30", "posted at 30", "tick 60", "posted at 60",
-                                               "tick 90", "posted at 90"}));
-    loop.Wait(0);
-    EXPECT_EQ(platform.clock().Now(), 100);
+    EXPECT_EQ(trace, (Trace{"posted by first", "tick 30", "posted at 30", "tick 60", "posted at 60",
+                            "tick 90", "posted at 90"}));
 }
 
 }  // namespace
