@@ -10,8 +10,8 @@
 #include "driver/script_runner.hpp"
 #include "host/probe_control.hpp"
 #include "platform/sim/sim_platform.hpp"
-#include "support/error_of.hpp"
 #include "support/bench.hpp"
+#include "support/error_of.hpp"
 
 namespace korvex::test {
 namespace {

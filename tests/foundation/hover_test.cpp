@@ -10,7 +10,7 @@ using platform::POINT;
 namespace {
 
 class HoverTest : public ::testing::Test {
-protected:
+  protected:
     HoverTest() {
         // A 100 x 40 window at (50, 60): pixels x 50..149, y 60..99.
         window = platform.windows().CreateWindow({}, {50, 60, 150, 100}, {}, nullptr);
@@ -56,7 +56,8 @@ TEST_F(HoverTest, PollReportsOnlyMovements) {
     windows.SetCursorPos(101, 80);
     EXPECT_EQ(poll.Tick(windows, window), std::optional<bool>(false));
     windows.SetCursorPos(102, 80);
-    EXPECT_EQ(poll.Tick(windows, window), std::optional<bool>(false)) << "re-applied on every movement";
+    EXPECT_EQ(poll.Tick(windows, window), std::optional<bool>(false))
+        << "re-applied on every movement";
 }
 
 }  // namespace

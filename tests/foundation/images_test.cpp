@@ -56,7 +56,8 @@ TEST(IconResources, EveryGroupLoadsAtEachOfItsSizes) {
                 EXPECT_EQ(picture->PixelWidth(), size);
                 EXPECT_EQ(picture->PixelHeight(), size);
                 const auto& px = picture->Pixels();
-                const auto opaque = std::count_if(px.begin(), px.end(), [](std::uint32_t w) { return (w >> 24) >= 128; });
+                const auto opaque = std::count_if(px.begin(), px.end(),
+                                                  [](std::uint32_t w) { return (w >> 24) >= 128; });
                 EXPECT_GE(opaque, size * size / 10) << "an image shows something";
             }
 }
@@ -70,7 +71,8 @@ TEST(IconResources, GroupsWithTwoSizesHoldTwoDrawingsNotOneScaled) {
         ASSERT_NE(large, nullptr);
         std::int32_t same = 0;
         for (std::int32_t y = 0; y < 16; ++y) {
-            for (std::int32_t x = 0; x < 16; ++x) same += At(*small, x, y) == At(*large, 2 * x, 2 * y);
+            for (std::int32_t x = 0; x < 16; ++x)
+                same += At(*small, x, y) == At(*large, 2 * x, 2 * y);
         }
         EXPECT_LT(same, 256) << "group " << group;
     }
@@ -95,7 +97,8 @@ TEST(IconResources, VariantsFollowTheirTransform) {
         }
         for (std::int32_t y = 1; y < 16; ++y) {
             for (std::int32_t x = 1; x < 16; ++x) {
-                EXPECT_EQ(At(*pressed, x, y) >> 24, At(*normal, x - 1, y - 1) >> 24) << x << "," << y;
+                EXPECT_EQ(At(*pressed, x, y) >> 24, At(*normal, x - 1, y - 1) >> 24)
+                    << x << "," << y;
             }
         }
     }
@@ -129,7 +132,8 @@ TEST(IconLoader, AnotherSizeIsScaledFromTheNearestImage) {
     ASSERT_TRUE(small && big);
     ASSERT_EQ(big->PixelWidth(), 32);
     for (std::int32_t y = 0; y < 32; ++y) {
-        for (std::int32_t x = 0; x < 32; ++x) ASSERT_EQ(At(*big, x, y), At(*small, x / 2, y / 2)) << x << "," << y;
+        for (std::int32_t x = 0; x < 32; ++x)
+            ASSERT_EQ(At(*big, x, y), At(*small, x / 2, y / 2)) << x << "," << y;
     }
     // 24 pixels from a 16/32 group come from the larger image, not the smaller.
     const auto mid = LoadResImage(4, 24, LR_COLOR);
@@ -137,7 +141,8 @@ TEST(IconLoader, AnotherSizeIsScaledFromTheNearestImage) {
     ASSERT_TRUE(mid && large);
     ASSERT_EQ(mid->PixelWidth(), 24);
     for (std::int32_t y = 0; y < 24; ++y) {
-        for (std::int32_t x = 0; x < 24; ++x) ASSERT_EQ(At(*mid, x, y), At(*large, x * 32 / 24, y * 32 / 24));
+        for (std::int32_t x = 0; x < 24; ++x)
+            ASSERT_EQ(At(*mid, x, y), At(*large, x * 32 / 24, y * 32 / 24));
     }
     // Without a size the image nearest the system icon size comes back at its own size.
     const auto natural = LoadResImage(4, foundation::kDefaultIconSize, LR_COLOR);
@@ -204,8 +209,10 @@ TEST(IconLoader, ReadsPngEntries) {
 
 TEST(IconLoader, DamagedFilesGiveNothing) {
     const auto good = Ico(Bmp24());
-    for (std::size_t cut : {std::size_t{0}, std::size_t{5}, std::size_t{21}, std::size_t{40}, good.size() - 1}) {
-        const std::vector<std::uint8_t> truncated(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(cut));
+    for (std::size_t cut :
+         {std::size_t{0}, std::size_t{5}, std::size_t{21}, std::size_t{40}, good.size() - 1}) {
+        const std::vector<std::uint8_t> truncated(good.begin(),
+                                                  good.begin() + static_cast<std::ptrdiff_t>(cut));
         EXPECT_EQ(LoadIconImage(truncated, 2), nullptr) << cut;
     }
     auto cursor = good;
@@ -222,9 +229,8 @@ TEST(Emboss, InteriorIsTheLiftedDifferenceAndTheBorderIsLeft) {
     platform::sim::SimGdi gdi;
     // 4 x 3 source, words 0x00RRGGBB. The interior is (1, 1) and (2, 1).
     const std::vector<std::uint32_t> source = {
-        0x000000, 0x000000, 0x000000, 0x000000,
-        0x000000, 0x805020, 0x102030, 0x000000,
-        0x000000, 0x000000, 0xFF0000, 0x204060,
+        0x000000, 0x000000, 0x000000, 0x000000, 0x000000, 0x805020,
+        0x102030, 0x000000, 0x000000, 0x000000, 0xFF0000, 0x204060,
     };
     std::vector<std::uint32_t> destination(source.size(), kUntouched);
     // Base OLE colour 0x00302010 is red 0x10, green 0x20, blue 0x30.
@@ -236,15 +242,14 @@ TEST(Emboss, InteriorIsTheLiftedDifferenceAndTheBorderIsLeft) {
     // (2, 1) against (3, 2): red 0x10 - 0x20 + 0x10 = 0, green 0x20 - 0x40 + 0x20 = 0,
     // blue 0x30 - 0x60 + 0x30 = 0.
     EXPECT_EQ(destination[6] & 0xFFFFFF, 0x000000u);
-    for (std::size_t i : {0, 1, 2, 3, 4, 7, 8, 9, 10, 11}) EXPECT_EQ(destination[i], kUntouched) << i;
+    for (std::size_t i : {0, 1, 2, 3, 4, 7, 8, 9, 10, 11})
+        EXPECT_EQ(destination[i], kUntouched) << i;
 }
 
 TEST(Emboss, NegativeDifferencesTurnPositiveAndChannelsStopAt255) {
     platform::sim::SimGdi gdi;
     const std::vector<std::uint32_t> source = {
-        0, 0, 0,
-        0, 0x00FF00, 0,
-        0, 0, 0xFFFF00,
+        0, 0, 0, 0, 0x00FF00, 0, 0, 0, 0xFFFF00,
     };
     std::vector<std::uint32_t> destination(source.size(), kUntouched);
     EmbossPicture(gdi, source, destination, 3, 3, 0x00F0F010);

@@ -42,17 +42,19 @@ std::vector<std::uint8_t> MakeWave(std::uint32_t rate, std::uint16_t bits, std::
 
 // A platform whose shell fails every query, to see the directory helpers swallow it.
 class FailingShell final : public platform::Shell {
-public:
-    std::intptr_t ShellExecuteA(platform::HWND, std::optional<std::string_view>, std::string_view, std::string_view,
-                                std::string_view, int) override {
+  public:
+    std::intptr_t ShellExecuteA(platform::HWND, std::optional<std::string_view>, std::string_view,
+                                std::string_view, std::string_view, int) override {
         throw std::runtime_error("no shell");
     }
-    std::string GetSystemDirectoryA() override { throw host::HostError(host::kErrDeviceUnavailable); }
+    std::string GetSystemDirectoryA() override {
+        throw host::HostError(host::kErrDeviceUnavailable);
+    }
     std::string GetTempPathA() override { throw host::HostError(host::kErrDeviceUnavailable); }
 };
 
 class SoundsTest : public ::testing::Test, public test::SimBench {
-protected:
+  protected:
     const std::vector<SoundRequest>& Requests() { return platform.sound().Requests(); }
 
     foundation::cSounds sounds{platform};
@@ -89,7 +91,8 @@ TEST_F(SoundsTest, SystemSoundPlaysTheNamedEventAsynchronouslyWithoutDefault) {
 TEST_F(SoundsTest, SoundPlayFlagsAndALoopThatRunsUntilSoundStop) {
     platform.sound().RegisterNamedSound("C:\\Sounds\\ding.wav", MakeWave(11025, 8, 2205));
     // (async, loop): flags 0x02 (no default) plus 0x01 async and 0x08 loop.
-    const std::pair<bool, bool> calls[] = {{false, false}, {true, false}, {false, true}, {true, true}};
+    const std::pair<bool, bool> calls[] = {
+        {false, false}, {true, false}, {false, true}, {true, true}};
     for (const auto& [async, loop] : calls) sounds.SoundPlay("C:\\Sounds\\ding.wav", async, loop);
     ASSERT_EQ(Requests().size(), 4u);
     for (std::size_t i = 0; i < 4; ++i)
@@ -244,7 +247,8 @@ namespace {
 // Whether any sample in [fromMs, toMs) is away from silence.
 bool Audible(const std::vector<std::int16_t>& s, std::int64_t fromMs, std::int64_t toMs) {
     const auto rate = platform::sim::SimSound::kRenderRate;
-    for (auto i = static_cast<std::size_t>(fromMs * rate / 1000); i < static_cast<std::size_t>(toMs * rate / 1000) && i < s.size(); ++i)
+    for (auto i = static_cast<std::size_t>(fromMs * rate / 1000);
+         i < static_cast<std::size_t>(toMs * rate / 1000) && i < s.size(); ++i)
         if (s[i] > 64 || s[i] < -64) return true;
     return false;
 }
@@ -252,13 +256,14 @@ bool Audible(const std::vector<std::int16_t>& s, std::int64_t fromMs, std::int64
 }  // namespace
 
 TEST_F(SoundsTest, TheTimelineCutsReplacedSoundsAndRepeatsLoops) {
-    platform.sound().RegisterNamedSound("loop.wav", MakeWave(11025, 8, 1103));  // 100 ms, constant level
-    player.PlaySound(103);                                        // 0 ms, would last 795 ms
+    platform.sound().RegisterNamedSound("loop.wav",
+                                        MakeWave(11025, 8, 1103));  // 100 ms, constant level
+    player.PlaySound(103);                                          // 0 ms, would last 795 ms
     Advance(200);
-    player.EndPlaySound();                                        // cut at 200 ms
-    sounds.SoundPlay("loop.wav", true, true);                     // 200 ms, repeats
+    player.EndPlaySound();                     // cut at 200 ms
+    sounds.SoundPlay("loop.wav", true, true);  // 200 ms, repeats
     Advance(800);
-    sounds.SoundStop();                                           // 1000 ms
+    sounds.SoundStop();  // 1000 ms
     Advance(500);
 
     const std::vector<std::int16_t> s = platform.sound().RenderTimeline();
@@ -276,7 +281,8 @@ TEST_F(SoundsTest, TheTimelineCutsReplacedSoundsAndRepeatsLoops) {
 }
 
 TEST_F(SoundsTest, BothChannelsAreMixedAndASoundEndsOnItsOwn) {
-    platform.sound().RegisterNamedSound("a.wav", MakeWave(22050, 16, 2205));  // 100 ms at half scale
+    platform.sound().RegisterNamedSound("a.wav",
+                                        MakeWave(22050, 16, 2205));  // 100 ms at half scale
     sounds.SoundPlay("a.wav", true, false);
     player.PlaySound(105);  // 155 ms
     const std::vector<std::int16_t> s = platform.sound().RenderTimeline();
@@ -293,10 +299,12 @@ TEST_F(SoundsTest, BothChannelsAreMixedAndASoundEndsOnItsOwn) {
 
 TEST_F(SoundsTest, WriteWavWritesTheTimelineAsMono16Bit22050) {
     player.PlaySound(101);
-    const std::filesystem::path path = std::filesystem::path(KORVEX_BINARY_DIR) / "sounds_test_session.wav";
+    const std::filesystem::path path =
+        std::filesystem::path(KORVEX_BINARY_DIR) / "sounds_test_session.wav";
     ASSERT_TRUE(platform.sound().WriteWav(path));
     std::ifstream in(path, std::ios::binary);
-    const std::vector<std::uint8_t> file((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::vector<std::uint8_t> file((std::istreambuf_iterator<char>(in)),
+                                         std::istreambuf_iterator<char>());
     const std::vector<std::int16_t> samples = platform.sound().RenderTimeline();
     ASSERT_EQ(file.size(), 44 + samples.size() * 2);
     const auto wave = platform::sim::ParseWave(file);
@@ -306,5 +314,6 @@ TEST_F(SoundsTest, WriteWavWritesTheTimelineAsMono16Bit22050) {
     EXPECT_EQ(wave->bitsPerSample, 16);
     EXPECT_EQ(wave->data.size(), samples.size() * 2);
     EXPECT_EQ(static_cast<std::int16_t>(test::Le(file, 44 + 200, 2)), samples[100]);
-    EXPECT_FALSE(platform.sound().WriteWav(std::filesystem::path(KORVEX_BINARY_DIR) / "no" / "such" / "dir.wav"));
+    EXPECT_FALSE(platform.sound().WriteWav(std::filesystem::path(KORVEX_BINARY_DIR) / "no" /
+                                           "such" / "dir.wav"));
 }

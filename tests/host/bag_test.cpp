@@ -83,14 +83,21 @@ TEST(JsonPropertyBag, JsonRoundTripsEveryValueKind) {
     font->Underline(true);
     font->Strikethrough(true);
     font->Charset(2);
-    auto picture = std::make_shared<StdPicture>(PictureType::Icon, 3, 2,
-                                                std::vector<std::uint32_t>{0xFF000000, 0x00FFFFFF, 0xFF123456,
-                                                                           0x80ABCDEF, 0, 0xFFFFFFFF});
-    const std::pair<const char*, Variant> values[] = {
-        {"Empty", Variant()}, {"Boolean", true}, {"Integer", std::int16_t{-32768}},
-        {"Long", 2147483647}, {"Color", Variant(0x8000000Fu)}, {"Single", 1.1f},
-        {"Double", 2.0}, {"String", "Grüße \"quoted\"\nline"}, {"Font", font},
-        {"Picture", picture}, {"Nothing", Variant::Nothing()}, {"Missing", Variant::Missing()}};
+    auto picture = std::make_shared<StdPicture>(
+        PictureType::Icon, 3, 2,
+        std::vector<std::uint32_t>{0xFF000000, 0x00FFFFFF, 0xFF123456, 0x80ABCDEF, 0, 0xFFFFFFFF});
+    const std::pair<const char*, Variant> values[] = {{"Empty", Variant()},
+                                                      {"Boolean", true},
+                                                      {"Integer", std::int16_t{-32768}},
+                                                      {"Long", 2147483647},
+                                                      {"Color", Variant(0x8000000Fu)},
+                                                      {"Single", 1.1f},
+                                                      {"Double", 2.0},
+                                                      {"String", "Grüße \"quoted\"\nline"},
+                                                      {"Font", font},
+                                                      {"Picture", picture},
+                                                      {"Nothing", Variant::Nothing()},
+                                                      {"Missing", Variant::Missing()}};
     JsonPropertyBag bag;
     for (const auto& [name, value] : values) bag.WriteProperty(name, value);
     const JsonPropertyBag back = JsonPropertyBag::FromJson(bag.ToJson());
@@ -106,7 +113,8 @@ TEST(JsonPropertyBag, JsonWrittenByHandIsRead) {
     const JsonPropertyBag bag = JsonPropertyBag::FromJson(
         R"({"BackColor": 2147483663, "Caption": "Hi", "Size": 1.5, "Count": 3,
             "Font": {"Font": {"Name": "Arial", "Size": 9}}})");
-    EXPECT_EQ(bag.ReadProperty("BackColor", Variant(0u)).ToLong(), static_cast<std::int32_t>(0x8000000F));
+    EXPECT_EQ(bag.ReadProperty("BackColor", Variant(0u)).ToLong(),
+              static_cast<std::int32_t>(0x8000000F));
     EXPECT_EQ(bag.ReadProperty("Count", std::int16_t{0}), Variant(std::int16_t{3}));
     EXPECT_EQ(bag.ReadProperty("Font").ToFont()->Name(), "Arial");
     EXPECT_FALSE(bag.ReadProperty("Font").ToFont()->Bold());
@@ -131,7 +139,10 @@ TEST(JsonPropertyBag, ObjectsThatCannotPersistAreRefused) {
         }
     };
     JsonPropertyBag bag;
-    EXPECT_EQ(ErrorOf([&] { bag.WriteProperty("Obj", std::shared_ptr<Object>(std::make_shared<Plain>())); }), 330);
+    EXPECT_EQ(ErrorOf([&] {
+                  bag.WriteProperty("Obj", std::shared_ptr<Object>(std::make_shared<Plain>()));
+              }),
+              330);
     EXPECT_TRUE(bag.Empty());
 }
 

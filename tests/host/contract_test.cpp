@@ -4,9 +4,9 @@
 
 #include <filesystem>
 
+#include "base/error.hpp"
 #include "host/container.hpp"
 #include "host/form_file.hpp"
-#include "base/error.hpp"
 #include "probe_control.hpp"
 #include "support/bench.hpp"
 
@@ -19,10 +19,12 @@ using korvex::test::ErrorOf;
 namespace {
 
 class ContractTest : public ::testing::Test, public korvex::test::HostBench {
-protected:
+  protected:
     ContractTest() : HostBench({Probe::Class()}) { form.SetSink(&recorder); }
     Probe& ProbeNamed(const std::string& name) { return Control<Probe>(name); }
-    Site& AddProbe(const std::string& name) { return Add("Korvex_Tools.Probe", {name, 120, 240, 1500, 450}); }
+    Site& AddProbe(const std::string& name) {
+        return Add("Korvex_Tools.Probe", {name, 120, 240, 1500, 450});
+    }
 
     korvex::test::EventLog recorder;
 };
@@ -123,10 +125,11 @@ TEST_F(ContractTest, HandlersChangeByReferenceArguments) {
     EXPECT_EQ(probe.PressKey('c'), 'c');
     probe.Press(1, 2, 1.5f, 30);
     probe.Click();
-    EXPECT_EQ(recorder.lines, (std::vector<std::string>{"event Probe1.KeyPress(97)", "event Probe1.KeyPress(98)",
-                                                        "event Probe1.KeyPress(99)",
-                                                        "event Probe1.MouseDown(1, 2, 1.5, 30)",
-                                                        "event Probe1.Click()"}));
+    EXPECT_EQ(
+        recorder.lines,
+        (std::vector<std::string>{
+            "event Probe1.KeyPress(97)", "event Probe1.KeyPress(98)", "event Probe1.KeyPress(99)",
+            "event Probe1.MouseDown(1, 2, 1.5, 30)", "event Probe1.Click()"}));
 }
 
 TEST_F(ContractTest, LateBindingByName) {
@@ -145,7 +148,8 @@ TEST_F(ContractTest, LateBindingByName) {
     EXPECT_EQ(ErrorOf([&] { (void)form.CallMethod(site, "Bump", three); }), 450);
 
     std::vector<Variant> one{std::int16_t{3}};
-    EXPECT_EQ(form.CallMethod(site, "bump", one), Variant(std::int16_t{10}));  // 7 + 3, optional left out
+    EXPECT_EQ(form.CallMethod(site, "bump", one),
+              Variant(std::int16_t{10}));  // 7 + 3, optional left out
     EXPECT_EQ(one[0], Variant(std::int16_t{0})) << "by-reference argument written back";
     std::vector<Variant> two{std::int16_t{16000}, std::int16_t{3}};
     EXPECT_EQ(ErrorOf([&] { (void)form.CallMethod(site, "Bump", two); }), 6);
@@ -194,7 +198,8 @@ TEST_F(ContractTest, AmbientFontIsSharedByReference) {
 TEST_F(ContractTest, FormFileRoundTripsWithNesting) {
     Site& outer = AddProbe("Outer");
     form.LetProperty(outer, "Value", 1);
-    Site& inner = form.Add("Korvex_Tools.Probe", {"Inner", 15, 30, 300, 150, false, true, 1}, &outer);
+    Site& inner =
+        form.Add("Korvex_Tools.Probe", {"Inner", 15, 30, 300, 150, false, true, 1}, &outer);
     form.LetProperty(inner, "Caption", "Innen");
     form.Caption = "Prüfung";
     const std::string text = SaveFormJson(form);
@@ -217,7 +222,13 @@ TEST_F(ContractTest, MalformedFormFileLeavesTheFormAsItWas) {
     const std::string before = SaveFormJson(form);
     EXPECT_EQ(ErrorOf([&] { LoadFormJson(form, "{ not json"); }), 380);
     EXPECT_EQ(ErrorOf([&] { LoadFormJson(form, R"({"Controls": [{"Name": "A"}]})"); }), 380);
-    EXPECT_EQ(ErrorOf([&] { LoadFormJson(form, R"({"Controls": [{"ProgID": "Korvex_Tools.Probe", "Name": "A", "Left": "x"}]})"); }), 380);
+    EXPECT_EQ(
+        ErrorOf([&] {
+            LoadFormJson(
+                form,
+                R"({"Controls": [{"ProgID": "Korvex_Tools.Probe", "Name": "A", "Left": "x"}]})");
+        }),
+        380);
     EXPECT_EQ(ErrorOf([&] {
                   LoadFormJson(form, R"({"Form": {"Caption": "changed"}, "Controls": [
                       {"ProgID": "Korvex_Tools.Probe", "Name": "A"},

@@ -16,7 +16,7 @@ using namespace korvex::host;
 enum class pMode : std::int32_t { pOff = 0, pOn = 1, pBlink = 2 };
 
 class Probe final : public Control {
-public:
+  public:
     enum EventId : std::int32_t { kClick = 1, kKeyPress = 2, kMouseDown = 3 };
 
     static const ClassInfo& Class() {
@@ -31,21 +31,26 @@ public:
                 .Property(KORVEX_PROPERTY(Mode), "pMode")
                 .Property(KORVEX_PROPERTY(MousePointer))
                 .ReadOnly(KORVEX_READONLY(Clicks))
-                .Method("Bump", {Arg("By", TypeCode::Integer), Optional("Times", TypeCode::Integer)},
-                        [](Probe& p, std::span<Variant> a) -> std::int16_t {
-                            const std::int16_t times = a[1].IsMissing() ? 1 : a[1].ToInteger();
-                            p.Value(AddInteger(p.Value(), MulInteger(a[0].ToInteger(), times)));
-                            a[0] = std::int16_t{0};  // by reference: the caller sees the change
-                            return p.Value();
-                        },
-                        TypeCode::Integer)
-                .Method("SimulateKey", {Arg("KeyAscii", TypeCode::Integer)},
-                        [](Probe& p, std::span<Variant> a) -> std::int16_t { return p.PressKey(a[0].ToInteger()); },
-                        TypeCode::Integer)
+                .Method(
+                    "Bump", {Arg("By", TypeCode::Integer), Optional("Times", TypeCode::Integer)},
+                    [](Probe& p, std::span<Variant> a) -> std::int16_t {
+                        const std::int16_t times = a[1].IsMissing() ? 1 : a[1].ToInteger();
+                        p.Value(AddInteger(p.Value(), MulInteger(a[0].ToInteger(), times)));
+                        a[0] = std::int16_t{0};  // by reference: the caller sees the change
+                        return p.Value();
+                    },
+                    TypeCode::Integer)
+                .Method(
+                    "SimulateKey", {Arg("KeyAscii", TypeCode::Integer)},
+                    [](Probe& p, std::span<Variant> a) -> std::int16_t {
+                        return p.PressKey(a[0].ToInteger());
+                    },
+                    TypeCode::Integer)
                 .Event("Click")
                 .Event("KeyPress", {Arg("KeyAscii", TypeCode::Integer)})
-                .Event("MouseDown", {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
-                                     Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)})
+                .Event("MouseDown",
+                       {Arg("Button", TypeCode::Integer), Arg("Shift", TypeCode::Integer),
+                        Arg("x", TypeCode::Single), Arg("y", TypeCode::Single)})
                 .Enum("pMode", {{"pOff", 0}, {"pOn", 1}, {"pBlink", 2}})
                 .Enum("pMousePointerConst", MousePointerMembers("pMouseIcon"))
                 .Build();
@@ -65,7 +70,8 @@ public:
         Caption(PropBag.ReadProperty("Caption", "").ToString());
         value_ = PropBag.ReadProperty("Value", std::int16_t{7}).ToInteger();
         // Read and write defaults differ on purpose, as some controls' keys do.
-        backColor_ = static_cast<OLE_COLOR>(PropBag.ReadProperty("BackColorP", Variant(kReadDefaultColor)).ToLong());
+        backColor_ = static_cast<OLE_COLOR>(
+            PropBag.ReadProperty("BackColorP", Variant(kReadDefaultColor)).ToLong());
         font_ = PropBag.ReadProperty("Font", Ambient().Font).ToFont();
         mode_ = static_cast<pMode>(PropBag.ReadProperty("Mode", Variant(pMode::pOff)).ToLong());
         mousePointer_ = PropBag.ReadProperty("MousePointer", std::int16_t{0}).ToInteger();
@@ -137,7 +143,7 @@ public:
     std::vector<std::string> log;
     int* terminated = nullptr;
 
-private:
+  private:
     std::string caption_;
     std::int16_t value_ = 7;
     OLE_COLOR backColor_ = kReadDefaultColor;

@@ -13,8 +13,11 @@ namespace {
 
 TEST(HostVariant, ConversionFollowsTheHostRules) {
     const std::pair<Variant, std::int32_t> numbers[] = {
-        {true, -1}, {false, 0}, {2.5, 2}, {3.5f, 4}, {" 12 ", 12}, {"2.5", 2}, {"&HFF", 255},
-        {"true", -1}, {Variant(), 0}, {Variant(0x8000000Fu), -2147483633}};
+        {true, -1},     {false, 0},
+        {2.5, 2},       {3.5f, 4},
+        {" 12 ", 12},   {"2.5", 2},
+        {"&HFF", 255},  {"true", -1},
+        {Variant(), 0}, {Variant(0x8000000Fu), -2147483633}};
     for (const auto& [in, want] : numbers) {
         EXPECT_EQ(in.ToLong(), want) << DisplayText(in);
         if (want >= -32768) {
@@ -103,7 +106,8 @@ TEST(HostPicture, SizesInPixelsAndHimetric) {
     EXPECT_EQ(icon.Width(), 423);
     EXPECT_EQ(icon.Height(), 423);
     EXPECT_EQ(PixelsToHimetric(32), 847);
-    EXPECT_EQ(ErrorOf([] { StdPicture(PictureType::Bitmap, 2, 2, std::vector<std::uint32_t>(3)); }), 481);
+    EXPECT_EQ(ErrorOf([] { StdPicture(PictureType::Bitmap, 2, 2, std::vector<std::uint32_t>(3)); }),
+              481);
 }
 
 }  // namespace

@@ -15,8 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "host/container.hpp"
 #include "driver/script_runner.hpp"
+#include "host/container.hpp"
 #include "platform/sim/sim_platform.hpp"
 #include "support/shot.hpp"
 

@@ -12,7 +12,8 @@ int main() {
     korvex::host::HostContext context(&platform);
     korvex::RegisterLibrary(context);
     korvex::host::Container form(context);
-    korvex::host::LoadFormJson(form, R"({"Controls": [{"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1",
+    korvex::host::LoadFormJson(form,
+                               R"({"Controls": [{"ProgID": "Korvex_Tools.Line3D", "Name": "Line3D1",
                       "Left": 120, "Top": 240, "Width": 3000, "Height": 30}]})");
     form.SwitchMode(true);
     form.Show();
