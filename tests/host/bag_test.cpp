@@ -19,6 +19,12 @@ TEST(JsonPropertyBag, ValueEqualToWriteDefaultIsNotStored) {
     bag.WriteProperty("Value", std::int16_t{7}, std::int16_t{7});
     bag.WriteProperty("Enabled", true, true);
     bag.WriteProperty("Color", Variant(0x8000000Fu), Variant(0x8000000Fu));
+    // Equal by the host's rules, not by kind or identity: Integer 7 and Long 7, True and -1, a
+    // font and its copy.
+    bag.WriteProperty("Width", std::int16_t{7}, std::int32_t{7});
+    bag.WriteProperty("Shown", true, std::int16_t{-1});
+    const auto font = std::make_shared<StdFont>();
+    bag.WriteProperty("Font", font->Clone(), font);
     EXPECT_TRUE(bag.Empty());
 
     bag.WriteProperty("Value", std::int16_t{8}, std::int16_t{7});
