@@ -96,16 +96,8 @@ TEST_F(SurfaceTest, FilledBoxesFillStylesAndDrawModes) {
     surface.DrawMode(R2_XORPEN);
     surface.Line(1, 5, 10, 6, kRed);
     surface.Line(1, 5, 10, 6, kRed);
-    EXPECT_TRUE(SameRows(Map(), {
-                                    "............",
-                                    ".rrr.bbbbb..",
-                                    ".rrr.byyyb..",
-                                    ".....bbbbb..",
-                                    "............",
-                                    "............",
-                                    "............",
-                                    "............",
-                                }));
+    EXPECT_TRUE(SameRows(Map(), {"............", ".rrr.bbbbb..", ".rrr.byyyb..", ".....bbbbb..",
+                                 "............", "............", "............", "............"}));
     EXPECT_THROW(surface.DrawMode(17), host::HostError);
     EXPECT_THROW(surface.DrawWidth(0), host::HostError);
     EXPECT_EQ(surface.DrawMode(), R2_XORPEN);
@@ -127,14 +119,15 @@ TEST_F(SurfaceTest, PrintWritesLinesAndAdvancesByTheTextHeight) {
     const std::vector<POINT> ink = Surface().Find(kRed);
     ASSERT_FALSE(ink.empty());
     const int linePixels = static_cast<int>(line) / platform::TwipsPerPixelY(platform);
+    const int dPixels =
+        static_cast<int>(surface.TextWidth("d")) / platform::TwipsPerPixelX(platform);
     bool secondLine = false;
     for (const POINT p : ink) {
         EXPECT_GE(p.y, 2);
         EXPECT_LT(p.y, 2 + 2 * linePixels);
         if (p.y >= 2 + linePixels) {
             secondLine = true;
-            EXPECT_LT(p.x, static_cast<int>(surface.TextWidth("d")) / platform::TwipsPerPixelX(platform) +
-                               1);  // "d" at the left edge
+            EXPECT_LE(p.x, dPixels) << "\"d\" at the left edge";
         }
     }
     EXPECT_TRUE(secondLine);
@@ -147,16 +140,8 @@ TEST_F(SurfaceTest, BorderTakesAPixelOnEachSideOfTheClientArea) {
     EXPECT_EQ(surface.ScaleWidth(), width - Tx(2));
     surface.ScaleMode(ScaleModeConstants::vbPixels);
     surface.Line(0, 0, 0, 0, kRed);  // the client area's origin is inside the border
-    EXPECT_TRUE(SameRows(Map(), {
-                                    "kkkkkkkkkkkk",
-                                    "kr.........k",
-                                    "k..........k",
-                                    "k..........k",
-                                    "k..........k",
-                                    "k..........k",
-                                    "k..........k",
-                                    "kkkkkkkkkkkk",
-                                }));
+    EXPECT_TRUE(SameRows(Map(), {"kkkkkkkkkkkk", "kr.........k", "k..........k", "k..........k",
+                                 "k..........k", "k..........k", "k..........k", "kkkkkkkkkkkk"}));
 }
 
 TEST_F(SurfaceTest, ResizeIsRaisedForSizeChangesAndKeepsTheDrawing) {
