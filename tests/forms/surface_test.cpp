@@ -1,6 +1,6 @@
-// The control surface's persistent drawing: Cls, Line in each scale (end point included, boxes,
-// draw modes), Print and the print position, the border, Resize, and a transparent surface that
-// shows (and passes input to) the form beneath everywhere but its objects.
+// The control surface's persistent drawing: Cls, Line in each scale (and every unit's size) (end
+// point included, boxes, draw modes), Print and the print position, the border, Resize, and a
+// transparent surface that shows (and passes input to) the form beneath everywhere but its objects.
 
 #include "form_fixture.hpp"
 
@@ -69,6 +69,20 @@ TEST_F(SurfaceTest, LineInTwipsPixelsAndUserScaleLandsOnTheSamePixels) {
     surface.Line(2, 3, 6, 7, kBlue, LineBox::B);
     surface.Line(10, 5, 10, 5, kRed);
     EXPECT_TRUE(SameRows(Map(), want));
+
+    // The other standard units in twips; a character is 120 wide and 240 high.
+    const std::pair<ScaleModeConstants, double> units[] = {
+        {ScaleModeConstants::vbPoints, 20},
+        {ScaleModeConstants::vbInches, 1440},
+        {ScaleModeConstants::vbMillimeters, 1440 / 25.4},
+        {ScaleModeConstants::vbCentimeters, 1440 / 2.54},
+        {ScaleModeConstants::vbCharacters, 120}};
+    for (const auto& [mode, twips] : units) {
+        surface.ScaleMode(mode);
+        EXPECT_FLOAT_EQ(surface.ScaleWidth(), static_cast<float>(Tx(12) / twips))
+            << static_cast<int>(mode);
+    }
+    EXPECT_FLOAT_EQ(surface.ScaleHeight(), Ty(8) / 240.0f);
 
     // A user scale of 10 units a pixel, with the origin moved by one pixel.
     surface.Cls();
@@ -153,7 +167,6 @@ TEST_F(SurfaceTest, ResizeIsRaisedForSizeChangesAndKeepsTheDrawing) {
     EXPECT_EQ(resizes, 0);
     surface.Width(Tx(100));
     EXPECT_EQ(resizes, 1);
-    EXPECT_EQ(surface.Width(), Tx(100));
     EXPECT_EQ(surface.ScaleWidth(), 100);
     surface.Height(surface.Height());
     EXPECT_EQ(resizes, 1);

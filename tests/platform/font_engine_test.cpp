@@ -52,12 +52,10 @@ TEST(FontEngine, AdvancesAddUpWithoutKerning) {
 TEST(FontEngine, HeightRules) {
     FontEngine engine;
     // Positive: the cell is exactly that tall.
-    for (std::int32_t cell : {8, 13, 16, 20, 33}) {
-        for (const char* faceName : {"Arial", "Verdana", "Courier New"}) {
+    for (std::int32_t cell : {8, 13, 16, 20, 33})
+        for (const char* faceName : {"Arial", "Verdana", "Courier New"})
             EXPECT_EQ(engine.Metrics(engine.Realize(Font(faceName, cell))).tmHeight, cell)
                 << faceName << " cell " << cell;
-        }
-    }
     // Negative: the em, so the cell is taller by the internal leading, and grows with the em.
     const auto small = engine.Metrics(engine.Realize(Font("Arial", -11)));
     const auto large = engine.Metrics(engine.Realize(Font("Arial", -30)));
