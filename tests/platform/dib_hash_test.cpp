@@ -18,9 +18,7 @@ namespace {
 
 using sim::SimGdi;
 
-struct Quad {
-    std::int32_t a, b, c, d;
-};
+struct Quad { std::int32_t a, b, c, d; };
 
 // Radial lines from dib.c, truncated as the test truncates 200.5 + k*cos/sin(pi*i/8).
 const std::vector<Quad> kDiagonal = {

@@ -36,20 +36,6 @@ int RowCoverage(const GlyphMask& mask, std::int32_t y) {
     return n;
 }
 
-TEST(FontEngine, ExtentGrowsWithTextAndIsTheCellHighAndFacesAreCached) {
-    FontEngine engine;
-    const auto& face = engine.Realize(Font("Arial", -13));
-    const auto tm = engine.Metrics(face);
-    EXPECT_EQ(engine.Extent(face, ""), (platform::SIZE{0, tm.tmHeight}));
-    const auto hello = engine.Extent(face, "Hello");
-    EXPECT_GT(hello.cx, 0);
-    EXPECT_EQ(hello.cy, tm.tmHeight);
-    EXPECT_GT(engine.Extent(face, "Hello World").cx, hello.cx);
-    EXPECT_EQ(tm.tmHeight, tm.tmAscent + tm.tmDescent);
-    EXPECT_EQ(&engine.Realize(Font("Arial", -13)), &face);
-    EXPECT_NE(&engine.Realize(Font("Arial", -14)), &face);
-}
-
 // TextOut never kerns: a pair is as wide as its two letters apart.
 TEST(FontEngine, AdvancesAddUpWithoutKerning) {
     FontEngine engine;
@@ -66,12 +52,10 @@ TEST(FontEngine, AdvancesAddUpWithoutKerning) {
 TEST(FontEngine, HeightRules) {
     FontEngine engine;
     // Positive: the cell is exactly that tall.
-    for (std::int32_t cell : {8, 13, 16, 20, 33}) {
-        for (const char* faceName : {"Arial", "Verdana", "Courier New"}) {
+    for (std::int32_t cell : {8, 13, 16, 20, 33})
+        for (const char* faceName : {"Arial", "Verdana", "Courier New"})
             EXPECT_EQ(engine.Metrics(engine.Realize(Font(faceName, cell))).tmHeight, cell)
                 << faceName << " cell " << cell;
-        }
-    }
     // Negative: the em, so the cell is taller by the internal leading, and grows with the em.
     const auto small = engine.Metrics(engine.Realize(Font("Arial", -11)));
     const auto large = engine.Metrics(engine.Realize(Font("Arial", -30)));
@@ -118,26 +102,32 @@ TEST(FontEngine, BoldIsAtLeastAsWideAndReportsItsWeight) {
     EXPECT_EQ(engine.Metrics(engine.Realize(Font("Arial", -13, 600))).tmWeight, platform::FW_BOLD);
 }
 
-TEST(FontEngine, MaskIsTheCellAndMonochrome) {
+// Unknown and empty face names still give a face and ink; the extent is whole-pixel advances as
+// wide as the text's mask and as tall as the cell.
+TEST(FontEngine, MaskIsTheCellAndMonochromeForEveryFace) {
     FontEngine engine;
     LOGFONT italic = Font("Times New Roman", -17);
     italic.lfItalic = 1;
-    for (const LOGFONT& lf : {Font("Arial", -13), Font("Courier New", 20), italic}) {
+    for (const LOGFONT& lf : {Font("Arial", -13), Font("Courier New", 20), italic, Font("No Such Face", -13), Font("", 0)}) {
         const auto& face = engine.Realize(lf);
+        EXPECT_EQ(&engine.Realize(lf), &face) << "faces are cached";
+        const auto tm = engine.Metrics(face);
+        EXPECT_EQ(tm.tmHeight, tm.tmAscent + tm.tmDescent);
+        EXPECT_FALSE(engine.FaceName(face).empty());
+        EXPECT_GT(engine.Extent(face, "Hello World").cx, engine.Extent(face, "Hello").cx);
         for (const char* text : {"", "x", "Hello, World", "Größe", "\xE2\x82\xAC 12"}) {
             const GlyphMask mask = engine.Render(face, text);
             const auto extent = engine.Extent(face, text);
             EXPECT_EQ(mask.width, extent.cx) << lf.lfFaceName << " \"" << text << "\"";
-            EXPECT_EQ(mask.height, engine.Metrics(face).tmHeight);
+            EXPECT_EQ((std::array{mask.height, extent.cy}), (std::array{tm.tmHeight, tm.tmHeight}));
             ASSERT_EQ(mask.coverage.size(), static_cast<std::size_t>(mask.width * mask.height));
             EXPECT_TRUE(std::all_of(mask.coverage.begin(), mask.coverage.end(),
                                     [](std::uint8_t v) { return v == 0 || v == 255; }))
                 << "hinted monochrome glyphs only";
-            if (*text) {
-                EXPECT_GT(Coverage(mask), 0);
-            }
+            EXPECT_EQ(Coverage(mask) > 0, *text != '\0');
         }
     }
+    EXPECT_NE(&engine.Realize(Font("Arial", -14)), &engine.Realize(Font("Arial", -13)));
 }
 
 // Underline and strike-out: bars across the whole extent, the underline below the baseline,
@@ -171,19 +161,10 @@ TEST(FontEngine, UnderlineAndStrikeOutAddFullRows) {
     }
 }
 
-TEST(FontEngine, UnknownAndEmptyFacesStillRenderAndKeepTheirName) {
+// The logical name comes back as requested, substituted or not.
+TEST(FontEngine, FacesKeepTheRequestedName) {
     FontEngine engine;
-    const auto& unknown = engine.Realize(Font("Korvex No Such Face", -13));
-    EXPECT_EQ(engine.FaceName(unknown), "Korvex No Such Face");
-    EXPECT_GT(Coverage(engine.Render(unknown, "Text")), 0);
-    EXPECT_GT(engine.Metrics(unknown).tmHeight, 0);
-
-    const auto& empty = engine.Realize(Font("", 0));
-    EXPECT_FALSE(engine.FaceName(empty).empty());
-    EXPECT_GT(Coverage(engine.Render(empty, "Text")), 0);
-
-    // The logical name comes back as requested, substituted or not.
-    for (const char* name : {"MS Sans Serif", "tahoma"})
+    for (const char* name : {"Korvex No Such Face", "MS Sans Serif", "tahoma"})
         EXPECT_EQ(engine.FaceName(engine.Realize(Font(name, -11))), name);
 }
 

@@ -7,7 +7,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <random>
-#include <sstream>
 
 #include "platform/sim/region.hpp"
 #include "support/shot.hpp"
