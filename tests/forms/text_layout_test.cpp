@@ -23,7 +23,7 @@ TEST(TextLayout, MnemonicMarkers) {
         {"&Yes", "Yes", 0, U'Y'},
         {"a&b&c", "abc", 1, U'B'},  // the first marker names the key
         {"x&&&y", "x&y", 2, U'Y'},
-        {"end&", "end", -1, 0},  // a marker with nothing to mark
+        {"end&", "end", -1, 0},                       // a marker with nothing to mark
         {"&\xC3\xA4nd", "\xC3\xA4nd", 0, U'\u00C4'},  // upper-cased as UCase does
         {"plain", "plain", -1, 0},
     };

@@ -43,7 +43,8 @@ TEST(FontEngine, AdvancesAddUpWithoutKerning) {
         const auto& face = engine.Realize(Font(faceName, -24));
         for (const char* pair : {"AV", "To", "LT", "Wa"}) {
             const std::string a(pair, 1), b(pair + 1, 1);
-            EXPECT_EQ(engine.Extent(face, pair).cx, engine.Extent(face, a).cx + engine.Extent(face, b).cx)
+            EXPECT_EQ(engine.Extent(face, pair).cx,
+                      engine.Extent(face, a).cx + engine.Extent(face, b).cx)
                 << faceName << " \"" << pair << "\"";
         }
     }
@@ -63,7 +64,8 @@ TEST(FontEngine, HeightRules) {
     EXPECT_LT(small.tmHeight, 11 * 3 / 2);
     EXPECT_GT(large.tmHeight, small.tmHeight);
     // Absurd requests are clamped, not undefined.
-    for (std::int32_t extreme : {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
+    for (std::int32_t extreme :
+         {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()}) {
         const auto& face = engine.Realize(Font("Arial", extreme));
         EXPECT_GT(engine.Metrics(face).tmHeight, 100);
         EXPECT_GT(engine.Extent(face, "x").cx, 0);
@@ -90,7 +92,8 @@ TEST(FontEngine, BoldIsAtLeastAsWideAndReportsItsWeight) {
     for (const char* faceName : {"Arial", "MS Sans Serif", "Courier New", "NoSuchFace"}) {
         const auto& regular = engine.Realize(Font(faceName, -13));
         const auto& bold = engine.Realize(Font(faceName, -13, platform::FW_BOLD));
-        EXPECT_GE(engine.Extent(bold, "Wide Bold Text").cx, engine.Extent(regular, "Wide Bold Text").cx)
+        EXPECT_GE(engine.Extent(bold, "Wide Bold Text").cx,
+                  engine.Extent(regular, "Wide Bold Text").cx)
             << faceName;
         EXPECT_GT(Coverage(engine.Render(bold, "Bold")), Coverage(engine.Render(regular, "Bold")))
             << faceName << ": bold strokes cover more pixels";
@@ -98,7 +101,8 @@ TEST(FontEngine, BoldIsAtLeastAsWideAndReportsItsWeight) {
         EXPECT_EQ(engine.Metrics(regular).tmWeight, platform::FW_NORMAL);
     }
     // 600 is the threshold.
-    EXPECT_EQ(engine.Metrics(engine.Realize(Font("Arial", -13, 599))).tmWeight, platform::FW_NORMAL);
+    EXPECT_EQ(engine.Metrics(engine.Realize(Font("Arial", -13, 599))).tmWeight,
+              platform::FW_NORMAL);
     EXPECT_EQ(engine.Metrics(engine.Realize(Font("Arial", -13, 600))).tmWeight, platform::FW_BOLD);
 }
 
@@ -108,7 +112,8 @@ TEST(FontEngine, MaskIsTheCellAndMonochromeForEveryFace) {
     FontEngine engine;
     LOGFONT italic = Font("Times New Roman", -17);
     italic.lfItalic = 1;
-    for (const LOGFONT& lf : {Font("Arial", -13), Font("Courier New", 20), italic, Font("No Such Face", -13), Font("", 0)}) {
+    for (const LOGFONT& lf : {Font("Arial", -13), Font("Courier New", 20), italic,
+                              Font("No Such Face", -13), Font("", 0)}) {
         const auto& face = engine.Realize(lf);
         EXPECT_EQ(&engine.Realize(lf), &face) << "faces are cached";
         const auto tm = engine.Metrics(face);
@@ -121,9 +126,9 @@ TEST(FontEngine, MaskIsTheCellAndMonochromeForEveryFace) {
             EXPECT_EQ(mask.width, extent.cx) << lf.lfFaceName << " \"" << text << "\"";
             EXPECT_EQ((std::array{mask.height, extent.cy}), (std::array{tm.tmHeight, tm.tmHeight}));
             ASSERT_EQ(mask.coverage.size(), static_cast<std::size_t>(mask.width * mask.height));
-            EXPECT_TRUE(std::all_of(mask.coverage.begin(), mask.coverage.end(),
-                                    [](std::uint8_t v) { return v == 0 || v == 255; }))
-                << "hinted monochrome glyphs only";
+            EXPECT_TRUE(std::all_of(mask.coverage.begin(), mask.coverage.end(), [](std::uint8_t v) {
+                return v == 0 || v == 255;
+            })) << "hinted monochrome glyphs only";
             EXPECT_EQ(Coverage(mask) > 0, *text != '\0');
         }
     }
@@ -142,7 +147,8 @@ TEST(FontEngine, UnderlineAndStrikeOutAddFullRows) {
         LOGFONT lf = plain;
         (underline ? lf.lfUnderline : lf.lfStrikeOut) = 1;
         const auto& face = engine.Realize(lf);
-        EXPECT_EQ(underline ? engine.Metrics(face).tmUnderlined : engine.Metrics(face).tmStruckOut, 1);
+        EXPECT_EQ(underline ? engine.Metrics(face).tmUnderlined : engine.Metrics(face).tmStruckOut,
+                  1);
         const GlyphMask m = engine.Render(face, "ace mum");
         ASSERT_EQ(m.width, p.width);
         ASSERT_EQ(m.height, p.height);
@@ -176,7 +182,13 @@ TEST(FontEngine, MalformedUtf8IsReplaced) {
     const std::int32_t a = engine.Extent(face, "a").cx;
     EXPECT_EQ(engine.Extent(face, "\xFF").cx, replacement);
     EXPECT_EQ(engine.Extent(face, "\xC3").cx, replacement) << "truncated at the end";
-    EXPECT_EQ(engine.Extent(face, "\xC3" "a").cx, replacement + a) << "bad continuation";
+    EXPECT_EQ(engine
+                  .Extent(face,
+                          "\xC3"
+                          "a")
+                  .cx,
+              replacement + a)
+        << "bad continuation";
     EXPECT_EQ(engine.Extent(face, "\xC0\x80").cx, 2 * replacement) << "overlong form";
 }
 

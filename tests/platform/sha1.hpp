@@ -10,7 +10,7 @@
 namespace korvex::testing {
 
 class Sha1 {
-public:
+  public:
     void Update(const std::uint8_t* data, std::size_t size) {
         for (std::size_t i = 0; i < size; ++i) {
             block_[fill_++] = data[i];
@@ -40,7 +40,7 @@ public:
         return hex;
     }
 
-private:
+  private:
     static std::uint32_t Rotl(std::uint32_t v, int n) { return (v << n) | (v >> (32 - n)); }
 
     void Compress() {
@@ -52,10 +52,19 @@ private:
         std::uint32_t a = h_[0], b = h_[1], c = h_[2], d = h_[3], e = h_[4];
         for (int i = 0; i < 80; ++i) {
             std::uint32_t f, k;
-            if (i < 20) { f = (b & c) | (~b & d); k = 0x5A827999; }
-            else if (i < 40) { f = b ^ c ^ d; k = 0x6ED9EBA1; }
-            else if (i < 60) { f = (b & c) | (b & d) | (c & d); k = 0x8F1BBCDC; }
-            else { f = b ^ c ^ d; k = 0xCA62C1D6; }
+            if (i < 20) {
+                f = (b & c) | (~b & d);
+                k = 0x5A827999;
+            } else if (i < 40) {
+                f = b ^ c ^ d;
+                k = 0x6ED9EBA1;
+            } else if (i < 60) {
+                f = (b & c) | (b & d) | (c & d);
+                k = 0x8F1BBCDC;
+            } else {
+                f = b ^ c ^ d;
+                k = 0xCA62C1D6;
+            }
             const std::uint32_t t = Rotl(a, 5) + f + e + k + w[i];
             e = d;
             d = c;
@@ -63,7 +72,11 @@ private:
             b = a;
             a = t;
         }
-        h_[0] += a; h_[1] += b; h_[2] += c; h_[3] += d; h_[4] += e;
+        h_[0] += a;
+        h_[1] += b;
+        h_[2] += c;
+        h_[3] += d;
+        h_[4] += e;
     }
 
     std::array<std::uint32_t, 5> h_{0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476, 0xC3D2E1F0};

@@ -15,7 +15,8 @@ namespace korvex::platform {
 namespace {
 
 std::uint32_t Seed() {
-    if (const char* env = std::getenv("KORVEX_SEED")) return static_cast<std::uint32_t>(std::strtoul(env, nullptr, 10));
+    if (const char* env = std::getenv("KORVEX_SEED"))
+        return static_cast<std::uint32_t>(std::strtoul(env, nullptr, 10));
     return 20240611u;
 }
 
@@ -27,7 +28,8 @@ POINT ClosedForm(POINT a, POINT b, std::int64_t i) {
     const bool xMajor = std::llabs(dx) > std::llabs(dy);
     const std::int64_t m1 = xMajor ? a.y : a.x, dm = xMajor ? dy : dx;
     const std::int64_t target = 2 * i * dm - n;  // want 2n(m - m1) >= target
-    std::int64_t m = m1 + static_cast<std::int64_t>(std::floor(static_cast<double>(target) / (2.0 * static_cast<double>(n))));
+    std::int64_t m = m1 + static_cast<std::int64_t>(std::floor(static_cast<double>(target) /
+                                                               (2.0 * static_cast<double>(n))));
     while (2 * n * (m - m1) < target) ++m;
     while (2 * n * (m - 1 - m1) >= target) --m;
     const std::int64_t major = (xMajor ? a.x : a.y) + ((xMajor ? dx : dy) > 0 ? i : -i);
@@ -50,8 +52,10 @@ TEST(LineSweep, RandomLinesMatchTheClosedFormUnderRandomClips) {
                                            : POINT{coord(-12, kSize + 12), coord(-12, kSize + 12)};
         HRGN clip{};
         if (iteration % 2 == 1) {
-            clip = c.gdi.CreateEllipticRgn(coord(-5, 20), coord(-5, 20), coord(15, 45), coord(15, 45));
-            const HRGN extra = c.gdi.CreateRectRgn(coord(0, 30), coord(0, 30), coord(0, 40), coord(0, 40));
+            clip =
+                c.gdi.CreateEllipticRgn(coord(-5, 20), coord(-5, 20), coord(15, 45), coord(15, 45));
+            const HRGN extra =
+                c.gdi.CreateRectRgn(coord(0, 30), coord(0, 30), coord(0, 40), coord(0, 40));
             c.gdi.CombineRgn(clip, clip, extra, iteration % 4 == 1 ? RGN_OR : RGN_XOR);
             c.gdi.DeleteObject(extra);
         }
@@ -72,9 +76,10 @@ TEST(LineSweep, RandomLinesMatchTheClosedFormUnderRandomClips) {
             for (std::int32_t x = 0; x < kSize; ++x) {
                 const bool got = c.Raw(x, y) != test::kSentinelPixel;
                 if (got == want[static_cast<std::size_t>(y * kSize + x)]) continue;
-                ADD_FAILURE() << "seed " << seed << " iteration " << iteration << ": line (" << a.x << "," << a.y
-                              << ")->(" << b.x << "," << b.y << ")" << (clip ? " clipped" : "") << ", pixel ("
-                              << x << "," << y << ") " << (got ? "drawn" : "missing");
+                ADD_FAILURE() << "seed " << seed << " iteration " << iteration << ": line (" << a.x
+                              << "," << a.y << ")->(" << b.x << "," << b.y << ")"
+                              << (clip ? " clipped" : "") << ", pixel (" << x << "," << y << ") "
+                              << (got ? "drawn" : "missing");
                 ++failures;
                 x = kSize;
                 y = kSize;
@@ -94,8 +99,14 @@ TEST(RegionSweep, CombineAgreesWithPerPixelLogicAndKeepsTheBanding) {
         for (int k = 0; k < parts; ++k) {
             Region part;
             switch (coord(0, 2)) {
-                case 0: part = Region::FromRect({coord(0, 20), coord(0, 20), coord(10, 32), coord(10, 32)}); break;
-                case 1: part = Region::FromRoundRect(coord(0, 15), coord(0, 15), coord(8, 32), coord(8, 32), coord(0, 12), coord(0, 12)); break;
+                case 0:
+                    part = Region::FromRect(
+                        {coord(0, 20), coord(0, 20), coord(10, 32), coord(10, 32)});
+                    break;
+                case 1:
+                    part = Region::FromRoundRect(coord(0, 15), coord(0, 15), coord(8, 32),
+                                                 coord(8, 32), coord(0, 12), coord(0, 12));
+                    break;
                 default: {
                     std::vector<POINT> pts(static_cast<std::size_t>(coord(3, 6)));
                     for (POINT& p : pts) p = {coord(0, 32), coord(0, 32)};
@@ -110,14 +121,18 @@ TEST(RegionSweep, CombineAgreesWithPerPixelLogicAndKeepsTheBanding) {
         const Region a = randomRegion(), b = randomRegion();
         for (int mode : {RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF}) {
             const Region c = Region::Combine(a, b, mode);
-            ASSERT_TRUE(c.IsValid()) << "seed " << seed << " iteration " << iteration << " mode " << mode;
+            ASSERT_TRUE(c.IsValid())
+                << "seed " << seed << " iteration " << iteration << " mode " << mode;
             for (std::int32_t y = -1; y < 34; ++y)
                 for (std::int32_t x = -1; x < 34; ++x) {
                     const bool ia = a.Contains(x, y), ib = b.Contains(x, y);
-                    const bool want = mode == RGN_AND ? (ia && ib) : mode == RGN_OR ? (ia || ib)
-                                    : mode == RGN_XOR ? (ia != ib) : (ia && !ib);
-                    ASSERT_EQ(c.Contains(x, y), want) << "seed " << seed << " iteration " << iteration
-                                                      << " mode " << mode << " at " << x << "," << y;
+                    const bool want = mode == RGN_AND   ? (ia && ib)
+                                      : mode == RGN_OR  ? (ia || ib)
+                                      : mode == RGN_XOR ? (ia != ib)
+                                                        : (ia && !ib);
+                    ASSERT_EQ(c.Contains(x, y), want)
+                        << "seed " << seed << " iteration " << iteration << " mode " << mode
+                        << " at " << x << "," << y;
                 }
         }
     }
