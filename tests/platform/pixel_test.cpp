@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 #include "support/shot.hpp"
@@ -164,6 +165,28 @@ TEST(TextOut, OpaqueBoxIsTheExtentAtTheReferencePoint) {
     EXPECT_LE(box.ink.bottom, 30 + tm.tmDescent);
     EXPECT_GE(box.ink.top, 30 - tm.tmAscent);
     EXPECT_GE(box.ink.left, 60 - ext.cx / 2);
+}
+
+// End points at the 32-bit limits: the line is clipped to the bitmap like any other, nothing is
+// written outside it (the sanitizer build checks that), and the visible part is where the
+// closed form puts it.
+TEST(Lines, EndPointsAtTheIntegerLimitsStayInsideTheBitmap) {
+    constexpr std::int32_t kMax = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMin = std::numeric_limits<std::int32_t>::min();
+    SimCanvas c(50, 50);
+    c.gdi.SelectObject(c.dc, c.gdi.CreatePen(PS_SOLID, 1, kBrush));
+    c.gdi.MoveToEx(c.dc, 10, 10, nullptr);
+    c.gdi.LineTo(c.dc, kMax, 20);
+    c.gdi.MoveToEx(c.dc, 5, 0, nullptr);
+    c.gdi.LineTo(c.dc, 5, kMax);
+    const Rows rows = c.Map({{kBrush, '#'}});
+    EXPECT_EQ(rows[10], ".....#....########################################");
+    EXPECT_EQ(rows[49], ".....#............................................");
+
+    c.Fill(kSentinelPixel);
+    const POINT extremes[] = {{10, 10}, {kMax, 20}, {20, kMax}, {kMin, kMin}, {kMax, kMin}};
+    EXPECT_TRUE(c.gdi.Polyline(c.dc, extremes));
+    EXPECT_TRUE(c.gdi.Polygon(c.dc, extremes));
 }
 
 }  // namespace

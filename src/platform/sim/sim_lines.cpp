@@ -4,6 +4,7 @@
 #include <climits>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 #include <map>
 
 #include "platform/sim/sim_gdi.hpp"
@@ -93,9 +94,14 @@ std::int64_t SimGdi::StrokeSegment(DcObj& dc, POINT a, POINT b, std::int64_t pha
     const LineGeom line(a.x, a.y, b.x, b.y);
     if (line.n == 0) return 0;
     const bool drawGaps = dc.bkMode == OPAQUE;
-    // Every pixel of the line lies in this box (the end point included, which is harmless).
-    const RECT box{std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x) + 1,
-                   std::max(a.y, b.y) + 1};
+    // Every pixel of the line lies in this box (the end point included, which is harmless). The
+    // exclusive edge saturates: a pixel at the 32-bit limit lies outside every bitmap anyway, and
+    // a wrapped edge would make the box look as if it fitted the clip.
+    const auto after = [](std::int32_t v) {
+        return v == std::numeric_limits<std::int32_t>::max() ? v : v + 1;
+    };
+    const RECT box{std::min(a.x, b.x), std::min(a.y, b.y), after(std::max(a.x, b.x)),
+                   after(std::max(a.y, b.y))};
     const std::vector<Region::Band>& bands = dc.visible.Bands();
     if (bands.size() == 1 && bands.front().xs.size() == 2) {
         const RECT clip{bands.front().xs[0], bands.front().top, bands.front().xs[1],
