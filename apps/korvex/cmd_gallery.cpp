@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "base/file.hpp"
 #include "commands.hpp"
 #include "driver/gdi_script.hpp"
 #include "driver/script_runner.hpp"
@@ -443,7 +444,7 @@ int RunGallery(Args args) {
             "alt=\"sampler\">"
             "<figcaption>sampler.png: every drawing "
             "primitive</figcaption></figure></div>\n</body></html>\n";
-    std::ofstream((out / "index.html").string()) << html.str();
+    WriteFileReplacing((out / "index.html").string(), html.str());
     std::printf("korvex gallery: %d pictures and index.html in %s\n", rendered + 1,
                 out.string().c_str());
     return 0;

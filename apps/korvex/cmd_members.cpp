@@ -6,6 +6,8 @@
 #include <fstream>
 #include <string>
 
+#include "base/error.hpp"
+#include "base/file.hpp"
 #include "commands.hpp"
 #include "host/reference.hpp"
 #include "session.hpp"
@@ -23,9 +25,12 @@ int Usage() {
 }
 
 bool WriteFile(const std::filesystem::path& path, const std::string& text) {
-    std::ofstream out(path, std::ios::binary);
-    out << text;
-    return static_cast<bool>(out);
+    try {
+        WriteFileReplacing(path.string(), text);
+    } catch (const host::HostError&) {
+        return false;
+    }
+    return true;
 }
 
 }  // namespace

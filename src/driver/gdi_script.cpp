@@ -1,5 +1,7 @@
 #include "driver/gdi_script.hpp"
 
+#include "base/file.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -558,10 +560,9 @@ void WritePixelsHexFile(const std::string& path, const PixelView& pixels) {
         std::cout.flush();
         return;
     }
-    std::ofstream out(path, std::ios::binary);
+    std::ostringstream out;
     WritePixelsHex(out, pixels);
-    out.close();
-    if (!out) throw std::runtime_error("cannot write " + path);
+    WriteFileReplacing(path, out.str());
 }
 
 std::optional<GdiScriptArgs> ParseGdiScriptArgs(std::span<const std::string_view> args,

@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "base/file.hpp"
 #include "host/json_codec.hpp"
 
 namespace korvex::host {
@@ -61,7 +62,15 @@ std::string SaveFormJson(const Container& container) {
         return list;
     };
     Json out = {{"Form", form}, {"Controls", save(save, nullptr)}};
-    return out.dump(2) + "\n";
+    try {
+        return out.dump(2) + "\n";
+    } catch (const nlohmann::json::type_error& e) {
+        throw HostError(
+            kErrInvalidPropertyValue,
+            std::string("Invalid property value (a text that is not UTF-8 cannot be saved: ") +
+                e.what() + ")",
+            "Container");
+    }
 }
 
 void LoadFormJson(Container& container, std::string_view text) {
@@ -135,12 +144,8 @@ void LoadFormJson(Container& container, std::string_view text) {
 }
 
 void SaveFormFile(const Container& form, const std::string& path) {
-    std::ofstream out(path, std::ios::binary);
-    if (!out)
-        throw HostError(kErrPathFileAccess, "Path/File access error (" + path + ")", "Container");
-    out << SaveFormJson(form);
-    if (!out)
-        throw HostError(kErrPathFileAccess, "Path/File access error (" + path + ")", "Container");
+    // The whole text first: a value that cannot be saved must not cost the old file.
+    WriteFileReplacing(path, SaveFormJson(form));
 }
 
 void LoadFormFile(Container& form, const std::string& path) {

@@ -3,6 +3,8 @@
 
 #include "platform/png.hpp"
 
+#include "base/file.hpp"
+
 #include <png.h>
 
 #include <cstring>
@@ -86,14 +88,8 @@ Image FinishRead(ImageGuard& guard, const std::string& what) {
 }  // namespace
 
 void WritePng(const std::string& path, const PixelView& pixels) {
-    const std::string what = "write " + path;
-    CheckView(pixels, what.c_str());
-    const std::vector<std::uint8_t> rgb = ToRgb(pixels);
-    ImageGuard guard;
-    PrepareWrite(guard.image, pixels);
-    if (!png_image_write_to_file(&guard.image, path.c_str(), 0, rgb.data(), 0, nullptr)) {
-        Fail(what, guard.image);
-    }
+    const std::vector<std::uint8_t> bytes = EncodePng(pixels);
+    WriteFileReplacing(path, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
 }
 
 std::vector<std::uint8_t> EncodePng(const PixelView& pixels) {

@@ -3,6 +3,8 @@
 #include "support/error_of.hpp"
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 
 #include "base/error.hpp"
 #include "host/container.hpp"
@@ -237,6 +239,41 @@ TEST_F(ContractTest, MalformedFormFileLeavesTheFormAsItWas) {
               429);
     EXPECT_EQ(SaveFormJson(form), before);
     EXPECT_EQ(ErrorOf([&] { LoadFormFile(form, "/nonexistent/form.json"); }), 53);
+}
+
+// A save that fails for any reason leaves the file it would have replaced byte for byte, and
+// leaves no temporary beside it.
+TEST_F(ContractTest, AFailedSaveKeepsTheOldFile) {
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::path(KORVEX_BINARY_DIR) / "save_test";
+    fs::remove_all(dir);
+    fs::create_directories(dir);
+    const std::string path = (dir / "form.json").string();
+    AddProbe("Keep");
+    SaveFormFile(form, path);
+    const auto read = [&] {
+        std::ifstream in(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    };
+    const std::string saved = read();
+    ASSERT_NE(saved.find("Keep"), std::string::npos);
+
+    // A value that cannot be written: a caption that is not UTF-8.
+    form.Caption = "caf\xE9";
+    EXPECT_EQ(ErrorOf([&] { SaveFormFile(form, path); }), 380);
+    EXPECT_EQ(read(), saved);
+    // The file system refuses the write: the temporary's place is taken by a folder.
+    form.Caption = "Neu";
+    fs::create_directories(path + ".korvex-new");
+    EXPECT_EQ(ErrorOf([&] { SaveFormFile(form, path); }), 75);
+    EXPECT_EQ(read(), saved);
+    fs::remove(path + ".korvex-new");
+    // A folder where the file should be.
+    EXPECT_EQ(ErrorOf([&] { SaveFormFile(form, dir.string()); }), 75);
+
+    SaveFormFile(form, path);
+    EXPECT_NE(read().find("Neu"), std::string::npos);
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir), fs::directory_iterator()), 1);
 }
 
 }  // namespace

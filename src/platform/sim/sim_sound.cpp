@@ -1,5 +1,8 @@
 #include "platform/sim/sim_sound.hpp"
 
+#include "base/error.hpp"
+#include "base/file.hpp"
+
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -249,10 +252,12 @@ bool SimSound::WriteWav(const std::filesystem::path& path,
     file.insert(file.end(), {'d', 'a', 't', 'a'});
     Put32(file, dataBytes);
     for (std::int16_t v : samples) Put16(file, static_cast<std::uint16_t>(v));
-    std::ofstream stream(path, std::ios::binary);
-    if (!stream) return false;
-    stream.write(file.data(), static_cast<std::streamsize>(file.size()));
-    return static_cast<bool>(stream);
+    try {
+        WriteFileReplacing(path.string(), {file.data(), file.size()});
+    } catch (const host::HostError&) {
+        return false;
+    }
+    return true;
 }
 
 void SimSound::RegisterNamedSound(std::string name, std::vector<std::uint8_t> image) {

@@ -1,0 +1,51 @@
+#include "base/file.hpp"
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "base/error.hpp"
+
+namespace korvex {
+
+namespace {
+
+[[noreturn]] void Refuse(const std::string& path, const std::string& why) {
+    throw host::HostError(host::kErrPathFileAccess,
+                          "Path/File access error (" + path + ": " + why + ")", "WriteFile");
+}
+
+}  // namespace
+
+void WriteFileReplacing(const std::string& path, std::string_view bytes) {
+    namespace fs = std::filesystem;
+    const fs::path target(path);
+    std::error_code ec;
+    if (fs::is_directory(target, ec)) Refuse(path, "is a folder");
+    // Beside the target, so the rename stays within one file system.
+    const fs::path temporary = target.string() + ".korvex-new";
+    {
+        std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
+        if (!out)
+            Refuse(path, std::string("cannot create ") + temporary.string() + ": " +
+                             std::strerror(errno));
+        out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        out.flush();
+        out.close();
+        if (!out) {
+            const std::string why = std::strerror(errno);
+            fs::remove(temporary, ec);
+            Refuse(path, "writing failed: " + why);
+        }
+    }
+    fs::rename(temporary, target, ec);
+    if (ec) {
+        std::error_code ignored;
+        fs::remove(temporary, ignored);
+        Refuse(path, ec.message());
+    }
+}
+
+}  // namespace korvex
