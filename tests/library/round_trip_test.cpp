@@ -12,6 +12,7 @@
 
 #include "host/numeric.hpp"
 #include "support/control_fixture.hpp"
+#include "support/error_of.hpp"
 
 namespace korvex::test {
 namespace {
@@ -156,6 +157,26 @@ TEST_F(RoundTripTest, NewControlsBagRestoresTheSameControl) {
                   std::vector<std::string>{});
         form.Remove("New");
         form.Remove("Restored");
+    }
+}
+
+// A bag may hold Nothing where an object belongs (a hand-edited form): restoring it is accepted
+// or refused with error 380, never a crash, and the form goes on working.
+TEST_F(RoundTripTest, NothingForAnObjectKeyIsAcceptedOrRefused) {
+    for (const ClassInfo* info : context.Classes().Classes()) {
+        for (const MemberInfo* m : Persisted(*info)) {
+            if (m->type.code != host::TypeCode::Font && m->type.code != host::TypeCode::Picture)
+                continue;
+            SCOPED_TRACE(info->name + "." + m->name);
+            host::JsonPropertyBag bag;
+            bag.WriteProperty(m->persisted->key, Variant::Nothing());
+            const int error = ErrorOf([&] { form.Restore(info->progId, Place("Odd", 150), bag); });
+            EXPECT_TRUE(error == 0 || error == 380) << "error " << error;
+            if (form.Find("Odd")) form.Remove("Odd");
+            host::Site& next = form.Add(info->progId, Place("Next", 150));
+            EXPECT_NO_THROW(static_cast<void>(form.SaveBag(next)));
+            form.Remove("Next");
+        }
     }
 }
 

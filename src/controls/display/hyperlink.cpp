@@ -205,7 +205,9 @@ void Hyperlink::UserControl_InitProperties() {
 // FontUnderline, FontSize, Alignment and MousePointer go straight to Label1, and Clicked,
 // AutoSizeH and ToolTipTxt to the fields (the Clicked let would refuse the designer).
 void Hyperlink::UserControl_ReadProperties(PropertyBag& PropBag) {
-    Label1.Font(Props::Font.Read(*this, PropBag)->Clone());
+    // A copy, as the let makes; Nothing is refused by the label as Label3D's font is.
+    const std::shared_ptr<StdFont> font = Props::Font.Read(*this, PropBag);
+    Label1.Font(font ? font->Clone() : font);
     // The caption changes before "AutoSizeH" is read, so a restored link keeps the size its
     // form gives it.
     if (std::string caption = Props::Caption.Read(*this, PropBag); caption != Label1.Caption()) {
