@@ -1,6 +1,7 @@
 #include "host/container.hpp"
 
 #include <algorithm>
+#include <exception>
 
 #include "host/numeric.hpp"
 #include "host/text.hpp"
@@ -293,7 +294,17 @@ void Container::SwitchMode(bool userMode) {
     for (const auto& site : sites_) bags.push_back(SaveBag(*site));
     TerminateAll();
     userMode_ = userMode;
-    for (std::size_t i = 0; i < sites_.size(); ++i) Instantiate(*sites_[i], &bags[i]);
+    // Every control is re-created even when one of them fails, so the form stays whole; the
+    // first failure is reported once all are back.
+    std::exception_ptr failure;
+    for (std::size_t i = 0; i < sites_.size(); ++i) {
+        try {
+            Instantiate(*sites_[i], &bags[i]);
+        } catch (...) {
+            if (!failure) failure = std::current_exception();
+        }
+    }
+    if (failure) std::rethrow_exception(failure);
 }
 
 JsonPropertyBag Container::SaveBag(const Site& site) const {

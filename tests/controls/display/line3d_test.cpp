@@ -3,6 +3,7 @@
 
 #include "controls/display/line3d.hpp"
 #include "support/control_fixture.hpp"
+#include "support/error_of.hpp"
 
 namespace korvex::test {
 namespace {
@@ -113,6 +114,20 @@ TEST_F(Line3DTest, RestoredLineKeepsItsPlacedLength) {
             JsonPropertyBag::FromJson(R"({"BorderWidth": {"Integer": 1}})"));
     EXPECT_EQ(Orientation("A"), OrientationConstants::lVertical);
     EXPECT_EQ(Size("A"), std::pair(30, 1800));
+}
+
+// A line whose width its resize refuses fails the designer's switch, but every control is
+// re-created all the same and the form goes on working.
+TEST_F(Line3DTest, AFailingSwitchLeavesEveryControlInPlace) {
+    Add("L", 2400, 30);
+    New("Label3D", {"After", 150, 600, 2400, 300});
+    EXPECT_EQ(ErrorOf([&] { Let("L", "BorderWidth", std::int16_t{-1}); }), 380);
+    EXPECT_EQ(ErrorOf([&] { form.SwitchMode(true); }), 380);
+    EXPECT_EQ(Get("After", "Caption").ToString(), "Korvex-Label");
+    EXPECT_EQ(Get("L", "BorderWidth").ToInteger(), -1);
+    Let("L", "BorderWidth", std::int16_t{2});
+    EXPECT_EQ(ErrorOf([&] { form.SwitchMode(false); }), 0);
+    EXPECT_EQ(Long("L", "Height"), 60);
 }
 
 }  // namespace
