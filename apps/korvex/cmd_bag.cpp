@@ -16,7 +16,7 @@ int RunBag(Args args) {
         return 2;
     }
     Session session;
-    session.Open(ReadFormFile(std::string(args[0])));
+    session.OpenFile(std::string(args[0]));
 
     host::json::Json out = host::json::Json::object();
     for (host::Site* site : session.form.Sites()) {

@@ -66,7 +66,7 @@ int RunForm(Args args) {
     std::filesystem::create_directories(outDir, made);
 
     Session session;
-    session.Open(ReadFormFile(formPath));
+    session.OpenFile(formPath);
     host::ScriptRunner runner(session.form, session.platform.driver(), std::cout, outDir);
     try {
         runner.Run(script);
@@ -96,7 +96,7 @@ int RenderForm(Args args) {
         return 2;
     }
     Session session;
-    session.Open(ReadFormFile(formPath));
+    session.OpenFile(formPath);
     platform::Windows& windows = session.platform.windows();
     std::vector<std::uint32_t> pixels =
         session.platform.driver().ComposeWindow(session.form.FormWindow());

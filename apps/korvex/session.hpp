@@ -2,8 +2,6 @@
 // A form on a fresh virtual screen with the whole library registered: what korvex run, render
 // and gallery show.
 
-#include <fstream>
-#include <sstream>
 #include <string>
 
 #include "host/container.hpp"
@@ -12,16 +10,6 @@
 #include "platform/sim/sim_platform.hpp"
 
 namespace korvex::cli {
-
-// A form file's text; the host's file-not-found error when it cannot be read.
-inline std::string ReadFormFile(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in)
-        throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "korvex");
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
 
 struct Session {
     platform::sim::SimPlatform platform;
@@ -37,6 +25,16 @@ struct Session {
     // Loads a form file's text, switches to run mode as a running application does, shows it.
     void Open(const std::string& formJson) {
         host::LoadFormJson(form, formJson);
+        Run();
+    }
+    // The same for a form file; its errors name the file.
+    void OpenFile(const std::string& path) {
+        host::LoadFormFile(form, path);
+        Run();
+    }
+
+  private:
+    void Run() {
         form.SwitchMode(true);
         form.Show();
     }

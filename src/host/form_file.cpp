@@ -2,6 +2,7 @@
 
 #include "host/form_file.hpp"
 
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 
@@ -128,10 +129,18 @@ void LoadFormJson(Container& container, std::string_view text) {
                 e.TabIndex = FormField<std::int16_t>(entry, "TabIndex", tabIndex, where);
                 e.TabStop = FormField<bool>(entry, "TabStop", true, where);
                 ++tabIndex;
-                JsonPropertyBag bag;
-                if (auto props = entry.find("Properties"); props != entry.end())
-                    bag = json::DecodeBag(*props);
-                Site& site = container.Restore(progId, std::move(e), bag, parent);
+                Site* restored = nullptr;
+                try {
+                    JsonPropertyBag bag;
+                    if (auto props = entry.find("Properties"); props != entry.end())
+                        bag = json::DecodeBag(*props);
+                    restored = &container.Restore(progId, std::move(e), bag, parent);
+                } catch (const HostError& error) {
+                    throw HostError(error.Number(),
+                                    where + " (" + progId + "): " + error.Description(),
+                                    error.Source());
+                }
+                Site& site = *restored;
                 if (auto children = entry.find("Controls"); children != entry.end())
                     self(self, *children, &site);
             }
@@ -149,11 +158,19 @@ void SaveFormFile(const Container& form, const std::string& path) {
 }
 
 void LoadFormFile(Container& form, const std::string& path) {
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec))
+        throw HostError(kErrPathFileAccess, "Path/File access error (" + path + " is a folder)",
+                        "Container");
     std::ifstream in(path, std::ios::binary);
     if (!in) throw HostError(kErrFileNotFound, "File not found (" + path + ")", "Container");
     std::stringstream text;
     text << in.rdbuf();
-    LoadFormJson(form, text.str());
+    try {
+        LoadFormJson(form, text.str());
+    } catch (const HostError& e) {
+        throw HostError(e.Number(), path + ": " + e.Description(), e.Source());
+    }
 }
 
 }  // namespace korvex::host

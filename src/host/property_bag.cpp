@@ -13,7 +13,15 @@ Variant PropertyBag::ReadProperty(std::string_view name, const Variant& defaultV
     std::optional<Variant> stored = Lookup(name);
     if (!stored) return defaultValue.IsMissing() ? Variant() : defaultValue;
     if (defaultValue.IsMissing()) return *stored;
-    return stored->ConvertedLike(defaultValue);
+    try {
+        return stored->ConvertedLike(defaultValue);
+    } catch (const HostError& e) {
+        // Say which key and value, so a bad form file can be mended by hand.
+        throw HostError(e.Number(),
+                        e.Description() + " (key \"" + std::string(name) + "\", value " +
+                            DisplayText(*stored) + ")",
+                        e.Source());
+    }
 }
 
 void PropertyBag::WriteProperty(std::string_view name, const Variant& value,

@@ -241,6 +241,26 @@ TEST_F(ContractTest, MalformedFormFileLeavesTheFormAsItWas) {
     EXPECT_EQ(ErrorOf([&] { LoadFormFile(form, "/nonexistent/form.json"); }), 53);
 }
 
+// A form file that cannot be loaded says where: the file, the control with its class, the key
+// and the value, after the host's own text.
+TEST_F(ContractTest, ALoadErrorNamesFileControlKeyAndValue) {
+    namespace fs = std::filesystem;
+    const fs::path dir = fs::path(KORVEX_BINARY_DIR) / "load_test";
+    fs::create_directories(dir);
+    const std::string path = (dir / "bad.json").string();
+    std::ofstream(path) << R"({"Controls": [{"ProgID": "Korvex_Tools.Probe", "Name": "Knopf",
+                                             "Properties": {"Value": "abc"}}]})";
+    try {
+        LoadFormFile(form, path);
+        FAIL() << "loaded";
+    } catch (const HostError& e) {
+        EXPECT_EQ(e.Number(), 13);
+        EXPECT_EQ(e.Description(), path + R"(: control Knopf (Korvex_Tools.Probe): Type mismatch )"
+                                          R"((key "Value", value "abc"))");
+    }
+    EXPECT_EQ(ErrorOf([&] { LoadFormFile(form, dir.string()); }), 75);
+}
+
 // A save that fails for any reason leaves the file it would have replaced byte for byte, and
 // leaves no temporary beside it.
 TEST_F(ContractTest, AFailedSaveKeepsTheOldFile) {
