@@ -181,8 +181,9 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
             if (y < e.yTop || y >= e.yBottom) continue;
             // Each edge covers scanlines top <= y < bottom and crosses at the ceiling of its
             // exact x, so a pixel is in when its top-left corner point is inside.
-            const Wide num = Wide{y - e.yTop} * (e.xBottom - e.xTop);
-            const Wide x = e.xTop + CeilDiv(num, e.yBottom - e.yTop);
+            // Differences of 32-bit coordinates need the wide type before they are taken.
+            const Wide num = (Wide{y} - e.yTop) * (Wide{e.xBottom} - e.xTop);
+            const Wide x = e.xTop + CeilDiv(num, Wide{e.yBottom} - e.yTop);
             crossings.emplace_back(static_cast<std::int32_t>(x), e.dir);
         }
         std::sort(crossings.begin(), crossings.end());
