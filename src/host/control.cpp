@@ -8,6 +8,14 @@ HostContext::HostContext(platform::Platform* platform)
 void HostContext::ShowAboutBox() {
     if (!aboutBox_)
         throw HostError(kErrInvalidCall, "The about box is not available in this host", "Host");
+    // The about box is one form per thread: asked for again while it is shown modally, it is
+    // the host's error 400, as showing any shown form modally is.
+    if (aboutBoxOpen_) throw HostError(kErrFormAlreadyShown, "frmAbout");
+    aboutBoxOpen_ = true;
+    struct Closed {
+        bool& open;
+        ~Closed() { open = false; }
+    } closed{aboutBoxOpen_};
     aboutBox_();
 }
 

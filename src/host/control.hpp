@@ -75,6 +75,7 @@ class HostContext {
     ClassRegistry classes_;
     std::shared_ptr<StdFont> defaultFont_;
     std::function<void()> aboutBox_;
+    bool aboutBoxOpen_ = false;
     platform::HWND newControlParent_;
 };
 

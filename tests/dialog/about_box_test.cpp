@@ -105,6 +105,15 @@ TEST_F(AboutBox, ShowAboutBoxIsModalUntilTheCloseBoxIsClicked) {
     EXPECT_EQ(platform.windows().CurrentCursor(), platform::kCursorArrow);
 }
 
+// One about box per thread: asked for while it is open, the host's error 400; closed, it opens
+// again.
+TEST_F(AboutBox, AskedForWhileOpenIsError400) {
+    EXPECT_EQ(Run("call P1.ShowAboutBox\ncall P1.ShowAboutBox\nmove top -11 11\nclick\n"
+                  "call P1.ShowAboutBox\nmove top -11 11\nclick\nget P1.Left\n"),
+              "error 400: Form already displayed; can't show modally\nP1.Left = 300\n");
+    EXPECT_EQ(Shown(), std::vector<HWND>{form.FormWindow()});
+}
+
 // A press on the close box released beside it closes nothing, so nothing left in the script
 // can close the box: the host's error, and the box unloaded all the same.
 TEST_F(AboutBox, AModalLoopNothingClosesEndsWithTheHostsError) {
