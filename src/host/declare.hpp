@@ -146,7 +146,7 @@ struct Property {
 
     // The stored value, converted from the bag's kind (the read default when the key is absent).
     [[nodiscard]] V Read(const C& control, const PropertyBag& PropBag) const {
-        return FromVariant<V>(PropBag.ReadProperty(Key(), Stored(ReadDefault(control))));
+        return FromVariant<V>(ReadStored(control, PropBag));
     }
     // Reads the key and passes it to `restore`, or else to the property's own setter.
     void Load(C& control, const PropertyBag& PropBag) const {
@@ -156,11 +156,11 @@ struct Property {
             (control.*set)(Read(control, PropBag));
     }
     void Save(const C& control, PropertyBag& PropBag) const {
-        PropBag.WriteProperty(Key(), Stored((control.*get)()), Stored(WriteDefault(control)));
+        SaveValue(control, PropBag, (control.*get)());
     }
     // Writes `value` under this property's key, for a key whose value is not the getter's.
     void SaveValue(const C& control, PropertyBag& PropBag, const V& value) const {
-        PropBag.WriteProperty(Key(), Stored(value), Stored(WriteDefault(control)));
+        SaveStored(control, PropBag, Stored(value));
     }
     // The same pair for a value the declared type cannot carry exactly (a font size kept as a
     // Double behind a Single property): the bag's Variant as read, and one written as given.
@@ -242,8 +242,8 @@ struct Property {
 };
 
 // A control's keys in bag order, as `std::tie(Props::A, Props::B, ...)`: SaveAll writes each
-// with its write default; LoadAll reads each and passes it to its setter. Handlers with special
-// paths call the declarations one by one instead.
+// with its write default; LoadAll reads each and restores it as its declaration says (`restore`,
+// else the setter). Handlers with special paths call the declarations one by one instead.
 template <class C, class... P>
 void SaveAll(const C& control, PropertyBag& PropBag, const std::tuple<const P&...>& keys) {
     std::apply([&](const auto&... key) { (key.Save(control, PropBag), ...); }, keys);
