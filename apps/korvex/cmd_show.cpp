@@ -124,8 +124,8 @@ int VirtualKey(SDL_Keycode key) {
         {SDLK_DOWN, 0x28},      {SDLK_INSERT, 0x2D},      {SDLK_DELETE, 0x2E},
         {SDLK_KP_0, 0x60},      {SDLK_KP_MULTIPLY, 0x6A}, {SDLK_KP_PLUS, 0x6B},
         {SDLK_KP_MINUS, 0x6D},  {SDLK_KP_PERIOD, 0x6E},   {SDLK_KP_DIVIDE, 0x6F},
-        {SDLK_PLUS, 0xBB},      {SDLK_COMMA, 0xBC},       {SDLK_MINUS, 0xBD},
-        {SDLK_PERIOD, 0xBE},
+        {SDLK_PLUS, 0xBB},      {SDLK_EQUALS, 0xBB},      {SDLK_COMMA, 0xBC},
+        {SDLK_MINUS, 0xBD},     {SDLK_PERIOD, 0xBE},
     };
     const auto it = keys.find(key);
     return it == keys.end() ? 0 : it->second;
@@ -203,8 +203,20 @@ using SdlPtr = std::unique_ptr<T, SdlDeleter>;
 // SDL's video subsystem for the lifetime of the window.
 struct SdlVideo {
     SdlVideo() {
-        if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
-            throw std::runtime_error(std::string("cannot open a window: ") + SDL_GetError());
+        if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) {
+            const std::string why = SDL_GetError();
+            SDL_Quit();
+            throw std::runtime_error("cannot open a window: " + why);
+        }
+        // With no display SDL falls back to drivers that draw into memory: a window nobody sees.
+        const char* name = SDL_GetCurrentVideoDriver();
+        const std::string_view driver = name ? name : "";
+        if (driver == "offscreen" || driver == "dummy" || driver == "evdev") {
+            SDL_Quit();
+            throw std::runtime_error(
+                "cannot open a window: there is no display (DISPLAY or WAYLAND_DISPLAY is not "
+                "set)");
+        }
     }
     ~SdlVideo() {
         SDL_QuitSubSystem(SDL_INIT_VIDEO);
@@ -470,7 +482,7 @@ class LiveWindow final : public platform::InputSource {
     void Present() {
         if (const platform::RECT view = View(); view != view_) {
             view_ = view;
-            SDL_SetWindowSize(window_.get(), view_.Width() * scale_, view_.Height() * scale_);
+            Resize();
             MakeTexture();
         }
         if (stale_) {
@@ -498,6 +510,20 @@ class LiveWindow final : public platform::InputSource {
             SDL_RenderPresent(renderer_.get());
         }
         ShowCursor();
+    }
+
+    // A window that grew for a box keeps as much of itself on its display as fits.
+    void Resize() {
+        const int width = view_.Width() * scale_, height = view_.Height() * scale_;
+        SDL_SetWindowSize(window_.get(), width, height);
+        SDL_Rect bounds;
+        const int display = SDL_GetWindowDisplayIndex(window_.get());
+        if (display < 0 || SDL_GetDisplayUsableBounds(display, &bounds) != 0) return;
+        int x = 0, y = 0;
+        SDL_GetWindowPosition(window_.get(), &x, &y);
+        x = std::max(bounds.x, std::min(x, bounds.x + bounds.w - width));
+        y = std::max(bounds.y, std::min(y, bounds.y + bounds.h - height));
+        SDL_SetWindowPosition(window_.get(), x, y);
     }
 
     void ShowCursor() {
