@@ -4,7 +4,10 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchmark-dev
           nlohmann-json3-dev libfreetype-dev libfontconfig-dev libpng-dev libpixman-1-dev
-          fonts-liberation fonts-dejavu-core)
+          fonts-liberation fonts-dejavu-core
+          # korvex show's window; the test runs it on a virtual X server and clicks with xdotool,
+          # and scripts/show_screenshot.sh takes the README's picture with ImageMagick's import.
+          libsdl2-dev xvfb xdotool imagemagick)
 # The reference runner draws with a real GDI: a MinGW-w64 build run under Wine.
 oracle_packages=(wine64 g++-mingw-w64-x86-64)
 

@@ -24,5 +24,6 @@ int RenderForm(Args args);
 int RunGallery(Args args);
 int RunGdi(Args args);
 int RunMembers(Args args);
+int ShowForm(Args args);
 
 }  // namespace korvex::cli

@@ -24,6 +24,8 @@ constexpr std::array kCommands = {
     Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
     Command{"run", "korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]",
             "runs a form with a script of input, prints its events", RunForm},
+    Command{"show", "korvex show FORM.json [--scale N] [--for SECONDS]",
+            "opens the form in a window to try it with mouse and keyboard", ShowForm},
     Command{"render", "korvex render FORM.json -o FILE.png",
             "renders a form as it looks at run time", RenderForm},
     Command{"gallery", "korvex gallery --out DIR",

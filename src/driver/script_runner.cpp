@@ -4,6 +4,7 @@
 #include <ostream>
 #include <sstream>
 
+#include "driver/event_log.hpp"
 #include "host/form_file.hpp"
 #include "host/numeric.hpp"
 #include "host/text.hpp"
@@ -189,19 +190,17 @@ bool ScriptRunner::Step() {
         Execute(line);
         platform_.loop().DoEvents();
     } catch (const HostError& e) {
-        out_ << "error " << e.Number() << ": " << e.Description() << "\n";
+        PrintError(out_, e);
     }
     return true;
 }
 
 void ScriptRunner::OnEvent(Site& site, const EventInfo& event, std::span<Variant> args) {
-    out_ << "event " << site.Name() << "." << event.name << "(";
-    for (std::size_t i = 0; i < args.size(); ++i) out_ << (i ? ", " : "") << DisplayText(args[i]);
-    out_ << ")\n";
+    PrintEvent(out_, site, event, args);
 }
 
 void ScriptRunner::OnPropertyChanged(Site& site, std::string_view property) {
-    out_ << "changed " << site.Name() << "." << property << "\n";
+    PrintChange(out_, site, property);
 }
 
 void ScriptRunner::Validate(const Line& line) const {
