@@ -384,9 +384,17 @@ void Container::LetProperty(Site& site, std::string_view name, const Variant& va
         const std::int32_t v = value.ToLong();
         if (v < 0) throw HostError(kErrInvalidPropertyValue, std::string(name));
         if (checked(field) == e.*field) return;
+        const std::int32_t before = e.*field;
         e.*field = v;
         site.GetControl().SetExtent(e.Width, e.Height);
-        PlaceWindow(site);
+        try {
+            PlaceWindow(site);
+        } catch (const HostError&) {
+            // The control could not take the size (no bitmap for it): it keeps the old one.
+            e.*field = before;
+            site.GetControl().SetExtent(e.Width, e.Height);
+            throw;
+        }
         site.GetControl().UserControl_Resize();
     };
     if (EqualsNoCase(name, "Name") || EqualsNoCase(name, "Container"))
