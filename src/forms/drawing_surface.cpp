@@ -136,8 +136,8 @@ void DrawingSurface::SetTransparent(bool transparent) {
 
 void DrawingSurface::NoPersistentImage(SIZE size) {
     throw host::HostError(host::kErrNoPersistentImage,
-                          std::string(host::StandardErrorText(host::kErrNoPersistentImage)) +
-                              " (" + std::to_string(size.cx) + " x " + std::to_string(size.cy) +
+                          std::string(host::StandardErrorText(host::kErrNoPersistentImage)) + " (" +
+                              std::to_string(size.cx) + " x " + std::to_string(size.cy) +
                               " pixels)",
                           "Control");
 }

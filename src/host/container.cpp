@@ -59,9 +59,9 @@ platform::RECT Site::Bounds() const {
     // In the wide type: the extender's twips are checked in pixels, and a twips sum may still
     // pass 32 bits where its pixels do not.
     const auto sum = [](std::int32_t a, std::int32_t b) {
-        return static_cast<std::int32_t>(std::clamp<std::int64_t>(
-            std::int64_t{a} + b, std::numeric_limits<std::int32_t>::min(),
-            std::numeric_limits<std::int32_t>::max()));
+        return static_cast<std::int32_t>(
+            std::clamp<std::int64_t>(std::int64_t{a} + b, std::numeric_limits<std::int32_t>::min(),
+                                     std::numeric_limits<std::int32_t>::max()));
     };
     return {extender_.Left, extender_.Top, sum(extender_.Left, extender_.Width),
             sum(extender_.Top, extender_.Height)};
@@ -172,9 +172,9 @@ void Container::CheckPlacement(const Extender& e) const {
                           const char* name, std::int32_t twips) {
         if (pixels < low || pixels > high) {
             throw HostError(kErrInvalidPropertyValue,
-                            std::string(StandardErrorText(kErrInvalidPropertyValue)) +
-                                " (key \"" + name + "\", value " + std::to_string(twips) +
-                                ": beyond " + std::to_string(high) + " pixels)",
+                            std::string(StandardErrorText(kErrInvalidPropertyValue)) + " (key \"" +
+                                name + "\", value " + std::to_string(twips) + ": beyond " +
+                                std::to_string(high) + " pixels)",
                             name);
         }
     };

@@ -47,10 +47,10 @@ T NumberField(const Json& object, const char* key, T fallback, const std::string
         else
             return value.ToLong();
     } catch (const HostError& e) {
-        throw HostError(e.Number(),
-                        where + ": " + e.Description() + " (key \"" + key + "\", value " +
-                            it->dump() + ")",
-                        "Container");
+        throw HostError(
+            e.Number(),
+            where + ": " + e.Description() + " (key \"" + key + "\", value " + it->dump() + ")",
+            "Container");
     }
 }
 
@@ -64,8 +64,8 @@ constexpr std::size_t kMaxKeys = 1024;
 // Parses the text and refuses, while parsing, a nesting or an object that is too large. The
 // error names the innermost control seen so far, since the controls are not built yet.
 Json ParseForm(std::string_view text) {
-    std::string control;       // the last control name read
-    bool nameKey = false;      // the key just read was a control's "Name"
+    std::string control;            // the last control name read
+    bool nameKey = false;           // the key just read was a control's "Name"
     std::vector<std::size_t> keys;  // keys of each open object, by depth
     const auto where = [&] {
         return control.empty() ? std::string("the form") : "control " + control;

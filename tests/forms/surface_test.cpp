@@ -219,8 +219,9 @@ TEST_F(SurfaceTest, ExtremePositionsClampAndAnUnbackableSizeIsRefused) {
 
     surface.Move(0, 0, Tx(12), Ty(8));
     EXPECT_EQ(test::ErrorOf([&] { surface.Move(0, 0, Tx(8192), Ty(16385)); }), 480);
-    EXPECT_EQ((std::vector<float>{surface.Left(), surface.Top(), surface.Width(), surface.Height()}),
-              (std::vector<float>{0, 0, Tx(12), Ty(8)}));
+    EXPECT_EQ(
+        (std::vector<float>{surface.Left(), surface.Top(), surface.Width(), surface.Height()}),
+        (std::vector<float>{0, 0, Tx(12), Ty(8)}));
 }
 
 }  // namespace
