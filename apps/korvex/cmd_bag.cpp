@@ -19,9 +19,11 @@ int RunBag(Args args) {
     session.OpenFile(std::string(args[0]));
 
     host::json::Json out = host::json::Json::object();
-    for (host::Site* site : session.form.Sites()) {
-        out[site->Name()] = host::json::EncodeBag(session.form.SaveBag(*site));
-    }
+    // Appended, not looked up: names are unique, and the ordered object searches its keys one by
+    // one, which would make a form of many controls quadratic here.
+    auto& entries = out.get_ref<host::json::Json::object_t&>();
+    for (host::Site* site : session.form.Sites())
+        entries.emplace_back(site->Name(), host::json::EncodeBag(session.form.SaveBag(*site)));
     std::printf("%s\n", out.dump(2).c_str());
     return 0;
 }

@@ -6,7 +6,7 @@
 namespace korvex::host {
 
 std::string_view StandardErrorText(std::int32_t number) {
-    static constexpr std::array<std::pair<std::int32_t, std::string_view>, 40> kTexts = {{
+    static constexpr std::array<std::pair<std::int32_t, std::string_view>, 41> kTexts = {{
         {3, "Return without GoSub"},
         {5, "Invalid procedure call or argument"},
         {6, "Overflow"},
@@ -40,6 +40,7 @@ std::string_view StandardErrorText(std::int32_t number) {
         {440, "Automation error"},
         {449, "Argument not optional"},
         {450, "Wrong number of arguments or invalid property assignment"},
+        {480, "Can't create AutoRedraw image"},
         {481, "Invalid picture"},
         {482, "Printer error"},
         {485, "Invalid picture type"},

@@ -35,6 +35,7 @@ enum ErrorNumber : std::int32_t {
     kErrNotSupported = 438,
     kErrArgumentNotOptional = 449,
     kErrWrongArguments = 450,
+    kErrNoPersistentImage = 480,  // a surface's persistent bitmap cannot be made
     kErrInvalidPicture = 481,
     kErrModalDeadlock = 32000,  // the library's own: a headless modal loop with nothing left to run
     kErrCancel = 32755,

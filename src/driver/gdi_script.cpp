@@ -357,7 +357,9 @@ std::int64_t ParseNumberPart(std::string_view part, int line) {
     std::int64_t value = 0;
     const auto [end, error] =
         std::from_chars(digits.data(), digits.data() + digits.size(), value, base);
-    if (digits.empty() || error != std::errc{} || end != digits.data() + digits.size()) {
+    // One sign only: from_chars takes another, and the smallest 64-bit number cannot be negated.
+    if (digits.empty() || digits[0] == '-' || error != std::errc{} ||
+        end != digits.data() + digits.size()) {
         throw GdiScriptError(line, "'" + std::string(part) + "' is not a number or known constant");
     }
     return negative ? -value : value;

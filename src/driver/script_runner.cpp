@@ -1,5 +1,6 @@
 #include "driver/script_runner.hpp"
 
+#include <algorithm>
 #include <map>
 #include <ostream>
 #include <sstream>
@@ -242,7 +243,11 @@ void ScriptRunner::Validate(const Line& line) const {
     } else if (command == "snapshot") {
         if (n != 1 && n != 2) fail("expected: snapshot FILE.png [NAME|form|top]");
     } else if (command == "wait") {
-        if (n != 1 || !IsInteger(w[1]) || std::stoll(w[1]) < 0) fail("expected: wait MS");
+        if (n != 1 || !IsInteger(w[1]) || w[1][0] == '-') fail("expected: wait MS");
+        // Every timer tick on the way runs, so a wait costs time in proportion to its length.
+        const std::size_t first = std::min(w[1].find_first_not_of("+0"), w[1].size());
+        if (w[1].size() - first > 10 || std::stoll(w[1]) > kMaxWaitMs)
+            fail("wait " + w[1] + " is longer than " + std::to_string(kMaxWaitMs) + " ms");
     } else if (command == "set") {
         if (n != 2) fail("expected: set NAME.PROPERTY VALUE");
     } else if (command == "call") {

@@ -31,6 +31,10 @@
 
 namespace korvex::host {
 
+// The longest single wait: an hour of virtual time. Timers fire at every tick it passes, so a
+// wait is refused beyond it, as a malformed line, rather than running for hours.
+inline constexpr long long kMaxWaitMs = 3'600'000;
+
 class ScriptError : public std::runtime_error {
   public:
     ScriptError(int line, const std::string& message)

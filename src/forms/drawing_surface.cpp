@@ -50,9 +50,10 @@ DrawingSurface::DrawingSurface(platform::Platform& platform, HWND parent, bool c
       gdi_(platform.gdi()),
       scale_(platform::TwipsPerPixelX(platform), platform::TwipsPerPixelY(platform)),
       font_(std::make_shared<host::StdFont>()) {
-    dc_ = gdi_.CreateCompatibleDC(HDC{});
     bitmapSize_ = {std::max(position.Width(), 1), std::max(position.Height(), 1)};
     bitmap_ = gdi_.CreateDIBSection32(bitmapSize_.cx, bitmapSize_.cy);
+    if (!bitmap_) NoPersistentImage(bitmapSize_);
+    dc_ = gdi_.CreateCompatibleDC(HDC{});
     originalBitmap_ = gdi_.SelectObject(dc_, bitmap_);
     scale_.Client({std::max(position.Width(), 0), std::max(position.Height(), 0)});
     SyncFont();
@@ -104,10 +105,16 @@ SIZE DrawingSurface::ClientSize() const {
 void DrawingSurface::PlaceWindow(const RECT& position) {
     const RECT old = position_;
     if (position == old) return;
+    const bool resized = position.Width() != old.Width() || position.Height() != old.Height();
+    // The bitmap first: when it cannot be made, the surface stays where and as it was.
+    if (resized) {
+        position_ = position;
+        const SIZE client = ClientSize();
+        position_ = old;
+        ResizeBitmap(client);
+    }
     position_ = position;
     platform_.windows().MoveWindow(hwnd_, position);
-    const bool resized = position.Width() != old.Width() || position.Height() != old.Height();
-    if (resized) ResizeBitmap(ClientSize());
     Invalidate();
     if (resized) Raise(events.Resize);
 }
@@ -127,14 +134,27 @@ void DrawingSurface::SetTransparent(bool transparent) {
     Invalidate();
 }
 
+void DrawingSurface::NoPersistentImage(SIZE size) {
+    throw host::HostError(host::kErrNoPersistentImage,
+                          std::string(host::StandardErrorText(host::kErrNoPersistentImage)) + " (" +
+                              std::to_string(size.cx) + " x " + std::to_string(size.cy) +
+                              " pixels)",
+                          "Control");
+}
+
 void DrawingSurface::ResizeBitmap(SIZE client) {
-    scale_.Client(client);
     const SIZE size{std::max(client.cx, 1), std::max(client.cy, 1)};
-    if (size == bitmapSize_) return;
+    if (size == bitmapSize_) {
+        scale_.Client(client);
+        return;
+    }
     // The new bitmap starts as a cleared surface; the old drawing is kept where it still fits.
+    const HBITMAP made = gdi_.CreateDIBSection32(size.cx, size.cy);
+    if (!made) NoPersistentImage(size);
+    scale_.Client(client);
     const HBITMAP old = bitmap_;
     const SIZE oldSize = bitmapSize_;
-    bitmap_ = gdi_.CreateDIBSection32(size.cx, size.cy);
+    bitmap_ = made;
     bitmapSize_ = size;
     gdi_.SelectObject(dc_, bitmap_);
     FillBackground();

@@ -173,6 +173,8 @@ class DrawingSurface : private platform::WindowHandler {
     // window-sized.
     void Compose(platform::HDC dc, bool withBitmap) const;
     void UpdateShape();
+    // Error 480 (with the size) when the platform cannot back the surface with a bitmap.
+    [[noreturn]] static void NoPersistentImage(platform::SIZE size);
     void ResizeBitmap(platform::SIZE client);
     void FillBackground();
     void SyncDc();

@@ -1,5 +1,7 @@
 #include "forms/form.hpp"
 
+#include <cmath>
+
 #include "base/error.hpp"
 
 namespace korvex::forms {
@@ -36,29 +38,30 @@ void Form::PlaceClient() {
 }
 
 float Form::Left() const {
-    return static_cast<float>(position_.left * TwipsPerPixelX(platform_));
+    return static_cast<float>(static_cast<double>(position_.left) * TwipsPerPixelX(platform_));
 }
 float Form::Top() const {
-    return static_cast<float>(position_.top * TwipsPerPixelY(platform_));
+    return static_cast<float>(static_cast<double>(position_.top) * TwipsPerPixelY(platform_));
 }
 float Form::Width() const {
-    return static_cast<float>(position_.Width() * TwipsPerPixelX(platform_));
+    return static_cast<float>(static_cast<double>(position_.Width()) * TwipsPerPixelX(platform_));
 }
 float Form::Height() const {
-    return static_cast<float>(position_.Height() * TwipsPerPixelY(platform_));
+    return static_cast<float>(static_cast<double>(position_.Height()) * TwipsPerPixelY(platform_));
 }
 
 void Form::Move(float Left, float Top, float Width, float Height) {
     if (Width < 0 || Height < 0)
         throw host::HostError(host::kErrInvalidPropertyValue, Width < 0 ? "Width" : "Height");
     Windows& windows = platform_.windows();
+    // Clamped rather than wrapped at the 32-bit limits.
     const auto px = [](float twips, int perPixel) {
-        return static_cast<std::int32_t>(twips / static_cast<float>(perPixel) + 0.5f);
+        return ToDevice(std::trunc(twips / static_cast<float>(perPixel) + 0.5f));
     };
     const std::int32_t l = px(Left, TwipsPerPixelX(platform_)),
                        t = px(Top, TwipsPerPixelY(platform_));
-    position_ = RECT{l, t, l + px(Width, TwipsPerPixelX(platform_)),
-                     t + px(Height, TwipsPerPixelY(platform_))};
+    position_ = RECT{l, t, ToDevice(static_cast<double>(l) + px(Width, TwipsPerPixelX(platform_))),
+                     ToDevice(static_cast<double>(t) + px(Height, TwipsPerPixelY(platform_)))};
     windows.MoveWindow(hwnd_, position_);
     PlaceClient();
     placed_ = true;

@@ -141,8 +141,12 @@ PixelBounds PixelBounds::With(const ScaleSystem& scale, std::optional<float> new
 }
 
 platform::RECT PixelBounds::Device(std::int32_t inset) const {
-    const std::int32_t l = inset + ToDevice(left), t = inset + ToDevice(top);
-    return {l, t, l + ToDevice(width), t + ToDevice(height)};
+    // Summed in the wide type, so an extreme position clamps instead of wrapping.
+    const auto add = [](std::int32_t a, std::int32_t b) {
+        return ToDevice(static_cast<double>(a) + b);
+    };
+    const std::int32_t l = add(inset, ToDevice(left)), t = add(inset, ToDevice(top));
+    return {l, t, add(l, ToDevice(width)), add(t, ToDevice(height))};
 }
 
 void CheckSizes(std::optional<float> width, std::optional<float> height) {

@@ -20,17 +20,22 @@ RECT DefaultPosition(Platform& platform) {
 UserControlSurface::UserControlSurface(platform::Platform& platform, HWND parent)
     : DrawingSurface(platform, parent, static_cast<bool>(parent), DefaultPosition(platform)) {}
 
+// Twips in the floating type: a pixel position near the 32-bit limits times the twips per
+// pixel does not fit 32 bits.
 float UserControlSurface::Width() const {
-    return static_cast<float>(WindowPosition().Width() * Scale().TwipsPerPixelX());
+    return static_cast<float>(static_cast<double>(WindowPosition().Width()) *
+                              Scale().TwipsPerPixelX());
 }
 float UserControlSurface::Height() const {
-    return static_cast<float>(WindowPosition().Height() * Scale().TwipsPerPixelY());
+    return static_cast<float>(static_cast<double>(WindowPosition().Height()) *
+                              Scale().TwipsPerPixelY());
 }
 float UserControlSurface::Left() const {
-    return static_cast<float>(WindowPosition().left * Scale().TwipsPerPixelX());
+    return static_cast<float>(static_cast<double>(WindowPosition().left) *
+                              Scale().TwipsPerPixelX());
 }
 float UserControlSurface::Top() const {
-    return static_cast<float>(WindowPosition().top * Scale().TwipsPerPixelY());
+    return static_cast<float>(static_cast<double>(WindowPosition().top) * Scale().TwipsPerPixelY());
 }
 
 void UserControlSurface::Move(float Left, std::optional<float> Top, std::optional<float> Width,
@@ -44,7 +49,8 @@ void UserControlSurface::Move(float Left, std::optional<float> Top, std::optiona
     const std::int32_t t = Top ? ToDevice(*Top / ty) : now.top;
     const std::int32_t w = Width ? ToDevice(*Width / tx) : now.Width();
     const std::int32_t h = Height ? ToDevice(*Height / ty) : now.Height();
-    PlaceWindow(RECT{l, t, l + w, t + h});
+    PlaceWindow(
+        RECT{l, t, ToDevice(static_cast<double>(l) + w), ToDevice(static_cast<double>(t) + h)});
 }
 
 void UserControlSurface::BackStyle(std::int16_t value) {

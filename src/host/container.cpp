@@ -2,11 +2,23 @@
 
 #include <algorithm>
 #include <exception>
+#include <limits>
+#include <string>
 
 #include "host/numeric.hpp"
 #include "host/text.hpp"
 
 namespace korvex::host {
+
+namespace {
+
+std::string NameKey(std::string_view name) {
+    std::string key(name);
+    for (char& c : key) c = AsciiLower(c);
+    return key;
+}
+
+}  // namespace
 
 // ---------------------------------------------------------------------------------------------
 // Site
@@ -44,13 +56,24 @@ platform::HWND Site::ContainerWindow() const {
 }
 
 platform::RECT Site::Bounds() const {
-    return {extender_.Left, extender_.Top, extender_.Left + extender_.Width,
-            extender_.Top + extender_.Height};
+    // In the wide type: the extender's twips are checked in pixels, and a twips sum may still
+    // pass 32 bits where its pixels do not.
+    const auto sum = [](std::int32_t a, std::int32_t b) {
+        return static_cast<std::int32_t>(
+            std::clamp<std::int64_t>(std::int64_t{a} + b, std::numeric_limits<std::int32_t>::min(),
+                                     std::numeric_limits<std::int32_t>::max()));
+    };
+    return {extender_.Left, extender_.Top, sum(extender_.Left, extender_.Width),
+            sum(extender_.Top, extender_.Height)};
 }
 
 void Site::RequestExtent(std::int32_t width, std::int32_t height) {
     if (loading_) return;
     if (width == extender_.Width && height == extender_.Height) return;
+    Extender wanted = extender_;
+    wanted.Width = width;
+    wanted.Height = height;
+    container_.CheckPlacement(wanted);
     extender_.Width = width;
     extender_.Height = height;
     control_->SetExtent(width, height);
@@ -144,6 +167,23 @@ std::int32_t Container::TwipsToPixelsY(std::int32_t twips) const {
     return static_cast<std::int32_t>(RoundHalfEven(static_cast<double>(twips) / perPixel));
 }
 
+void Container::CheckPlacement(const Extender& e) const {
+    const auto check = [](std::int32_t pixels, std::int32_t low, std::int32_t high,
+                          const char* name, std::int32_t twips) {
+        if (pixels < low || pixels > high) {
+            throw HostError(kErrInvalidPropertyValue,
+                            std::string(StandardErrorText(kErrInvalidPropertyValue)) + " (key \"" +
+                                name + "\", value " + std::to_string(twips) + ": beyond " +
+                                std::to_string(high) + " pixels)",
+                            name);
+        }
+    };
+    check(TwipsToPixelsX(e.Left), -kMaxPositionPixels, kMaxPositionPixels, "Left", e.Left);
+    check(TwipsToPixelsY(e.Top), -kMaxPositionPixels, kMaxPositionPixels, "Top", e.Top);
+    check(TwipsToPixelsX(e.Width), 0, kMaxExtentPixels, "Width", e.Width);
+    check(TwipsToPixelsY(e.Height), 0, kMaxExtentPixels, "Height", e.Height);
+}
+
 void Container::Show() {
     platform::Platform* p = context_.Platform();
     if (!p) return;
@@ -174,6 +214,7 @@ void Container::PlaceWindow(Site& site) {
 void Container::Clear() {
     TerminateAll();
     sites_.clear();
+    byName_.clear();
 }
 
 void Container::TerminateAll() {
@@ -202,13 +243,16 @@ Site& Container::Create(std::string_view progId, Extender extender, Site* parent
                         "Container");
     }
 
+    CheckPlacement(extender);
     auto owned = std::make_unique<Site>(*this, *info, std::move(extender), parent);
     Site& site = *owned;
     sites_.push_back(std::move(owned));
+    byName_.emplace(NameKey(site.Name()), &site);
     try {
         Instantiate(site, bag);
     } catch (...) {
         if (site.control_) site.control_->AttachSite(nullptr);
+        byName_.erase(NameKey(site.Name()));
         sites_.pop_back();
         throw;
     }
@@ -256,14 +300,13 @@ void Container::Remove(std::string_view name) {
     for (Site* child : Children(&site)) Remove(child->Name());
     site.control_->UserControl_Terminate();
     site.control_->AttachSite(nullptr);
+    byName_.erase(NameKey(site.Name()));
     std::erase_if(sites_, [&](const std::unique_ptr<Site>& s) { return s.get() == &site; });
 }
 
 Site* Container::Find(std::string_view name) const {
-    for (const auto& site : sites_) {
-        if (EqualsNoCase(site->Name(), name)) return site.get();
-    }
-    return nullptr;
+    const auto it = byName_.find(NameKey(name));
+    return it == byName_.end() ? nullptr : it->second;
 }
 
 Site& Container::Get(std::string_view name) const {
@@ -330,25 +373,40 @@ Variant Container::GetProperty(Site& site, std::string_view name) {
 
 void Container::LetProperty(Site& site, std::string_view name, const Variant& value) {
     Extender& e = site.extender_;
-    auto resize = [&](std::int32_t& field) {
+    // The new value is checked on a copy, so a refused one leaves the control where it was.
+    const auto checked = [&](std::int32_t Extender::*field) {
+        Extender wanted = e;
+        wanted.*field = value.ToLong();
+        CheckPlacement(wanted);
+        return wanted.*field;
+    };
+    auto resize = [&](std::int32_t Extender::*field) {
         const std::int32_t v = value.ToLong();
         if (v < 0) throw HostError(kErrInvalidPropertyValue, std::string(name));
-        if (v == field) return;
-        field = v;
+        if (checked(field) == e.*field) return;
+        const std::int32_t before = e.*field;
+        e.*field = v;
         site.GetControl().SetExtent(e.Width, e.Height);
-        PlaceWindow(site);
+        try {
+            PlaceWindow(site);
+        } catch (const HostError&) {
+            // The control could not take the size (no bitmap for it): it keeps the old one.
+            e.*field = before;
+            site.GetControl().SetExtent(e.Width, e.Height);
+            throw;
+        }
         site.GetControl().UserControl_Resize();
     };
     if (EqualsNoCase(name, "Name") || EqualsNoCase(name, "Container"))
         throw HostError(kErrReadOnlyProperty, std::string(name));
     if (EqualsNoCase(name, "Left"))
-        e.Left = value.ToLong(), PlaceWindow(site);
+        e.Left = checked(&Extender::Left), PlaceWindow(site);
     else if (EqualsNoCase(name, "Top"))
-        e.Top = value.ToLong(), PlaceWindow(site);
+        e.Top = checked(&Extender::Top), PlaceWindow(site);
     else if (EqualsNoCase(name, "Width"))
-        resize(e.Width);
+        resize(&Extender::Width);
     else if (EqualsNoCase(name, "Height"))
-        resize(e.Height);
+        resize(&Extender::Height);
     else if (EqualsNoCase(name, "Visible"))
         e.Visible = value.ToBool(), PlaceWindow(site);
     else if (EqualsNoCase(name, "Enabled"))

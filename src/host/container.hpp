@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "host/control.hpp"
@@ -14,6 +15,15 @@
 namespace korvex::host {
 
 class Container;
+
+// The container's limits. A control's window is backed by a bitmap of its size, and a snapshot
+// composes it once more, so its extent in pixels is bounded: 4096 x 4096 pixels is 64 MB. A
+// position stays within 2^24 pixels, so a window's offset plus those of its containers, through
+// every nesting level, cannot overflow 32 bits. Beyond either the extender raises error 380. A
+// form file may nest controls 64 levels deep.
+inline constexpr std::int32_t kMaxExtentPixels = 4096;
+inline constexpr std::int32_t kMaxPositionPixels = 1 << 24;
+inline constexpr int kMaxNesting = 64;
 
 // Properties the container adds to every control it sites.
 struct Extender {
@@ -99,6 +109,8 @@ class Container : private platform::WindowHandler {
     void Hide();
     [[nodiscard]] std::int32_t TwipsToPixelsX(std::int32_t twips) const;
     [[nodiscard]] std::int32_t TwipsToPixelsY(std::int32_t twips) const;
+    // Error 380 naming the property when a position or size is beyond the limits above.
+    void CheckPlacement(const Extender& extender) const;
 
     // Ambient UserMode: false in the designer, true at run time.
     [[nodiscard]] bool UserMode() const { return userMode_; }
@@ -152,6 +164,9 @@ class Container : private platform::WindowHandler {
     platform::HWND formWindow_;
     std::uint32_t keyFilter_ = 0;
     std::vector<std::unique_ptr<Site>> sites_;
+    // Every site by its name in ASCII lower case, so loading a form of n controls checks its
+    // names in linear time.
+    std::unordered_map<std::string, Site*> byName_;
 };
 
 }  // namespace korvex::host

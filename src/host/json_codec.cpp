@@ -146,8 +146,12 @@ Variant Decode(const Json& j) {
             return j.get<std::string>();
         case Json::value_t::number_float:
             return j.get<double>();
-        case Json::value_t::number_integer:
-        case Json::value_t::number_unsigned: {
+        case Json::value_t::number_unsigned:
+            // Beyond the signed 64-bit range: read as signed it would wrap to a negative.
+            if (j.get<std::uint64_t>() > 0xFFFFFFFFULL)
+                return static_cast<double>(j.get<std::uint64_t>());
+            [[fallthrough]];
+        case Json::value_t::number_integer: {
             const auto n = j.get<std::int64_t>();
             if (n >= std::numeric_limits<std::int32_t>::min() &&
                 n <= std::numeric_limits<std::int32_t>::max())
@@ -164,8 +168,11 @@ Variant Decode(const Json& j) {
             const Json& inner = entry.value();
             try {
                 if (tag == "Integer") {
+                    if (!inner.is_number_integer() ||
+                        (inner.is_number_unsigned() && inner.get<std::uint64_t>() > 32767))
+                        Malformed(j.dump());
                     const auto n = inner.get<std::int64_t>();
-                    if (!inner.is_number_integer() || n < -32768 || n > 32767) Malformed(j.dump());
+                    if (n < -32768 || n > 32767) Malformed(j.dump());
                     return static_cast<std::int16_t>(n);
                 }
                 if (tag == "Single") return static_cast<float>(inner.get<double>());

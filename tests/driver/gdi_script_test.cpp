@@ -24,6 +24,8 @@ TEST(GdiScript, ErrorsNameTheLine) {
         {"canvas 4 4\nMoveToEx 0 0\nRectangle 1 2 3 4 5\n", 3, "Rectangle takes L T R B but got 5"},
         {"canvas 4 4\nCreatePolygonRgn p ALTERNATE 1 2 3\n", 2, "CreatePolygonRgn"},
         {"canvas 4 4\nSetROP2 R2_NOSUCH\n", 2, "'R2_NOSUCH' is not a number"},
+        // Two signs: negating the smallest 64-bit number would overflow.
+        {"canvas 4 4\nLineTo --9223372036854775808 0\n", 2, "is not a number"},
         {"canvas 4\n", 1, "canvas takes W H [COLOR]"},
         {"# nothing yet\nLineTo 1 1\n", 2, "the first call must be"},
         {"canvas 4 4\ncanvas 4 4\n", 2, "only once"},

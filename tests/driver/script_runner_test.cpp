@@ -107,6 +107,10 @@ TEST_F(ScriptRunnerTest, MalformedLineStopsBeforeAnythingRuns) {
         {"set P1.Value 1\n\n# note\nget P1\n", 4},
         {"set P1.Caption \"open\n", 1},
         {"set P1.Value 1\nwait -5\n", 2},
+        // Waits longer than an hour, one of them beyond 64 bits.
+        {"wait 10\nwait 3600001\n", 2},
+        {"wait 9223372036854775808\n", 1},
+        {"wait 100000000000000000000000\n", 1},
     };
     for (const auto& c : cases) {
         int line = 0;

@@ -3,6 +3,7 @@
 // transparent surface that shows (and passes input to) the form beneath everywhere but its objects.
 
 #include "form_fixture.hpp"
+#include "support/error_of.hpp"
 
 namespace korvex::forms::testing {
 namespace {
@@ -203,6 +204,24 @@ TEST_F(SurfaceTest, TransparentSurfaceShowsTheFormAndPassesItsInput) {
     surface.BackStyle(1);
     EXPECT_TRUE(Screen().is(kSurface.left + 2, kSurface.top + 2, gdi.GetSysColor(COLOR_BTNFACE)));
     EXPECT_EQ(windows.WindowFromPoint({kSurface.left + 2, kSurface.top + 2}), surface.hWnd());
+}
+
+// Positions near the 32-bit limits clamp at the edge instead of wrapping (UBSan watches the
+// sums and products); a size the platform cannot back with a bitmap is error 480, and the surface
+// keeps its place and size.
+TEST_F(SurfaceTest, ExtremePositionsClampAndAnUnbackableSizeIsRefused) {
+    const float tpp = Tx(1);
+    surface.Move(1e11f, -1e11f, Tx(10), Ty(10));
+    EXPECT_EQ(surface.Left(), static_cast<float>(2147483647.0 * tpp));
+    EXPECT_EQ(surface.Top(), static_cast<float>(-2147483648.0 * tpp));
+    EXPECT_EQ(surface.Width(), 0.0f);  // the right edge clamps at the limit too
+    EXPECT_EQ(surface.Height(), Ty(10));
+
+    surface.Move(0, 0, Tx(12), Ty(8));
+    EXPECT_EQ(test::ErrorOf([&] { surface.Move(0, 0, Tx(8192), Ty(16385)); }), 480);
+    EXPECT_EQ(
+        (std::vector<float>{surface.Left(), surface.Top(), surface.Width(), surface.Height()}),
+        (std::vector<float>{0, 0, Tx(12), Ty(8)}));
 }
 
 }  // namespace

@@ -94,6 +94,8 @@ std::uint32_t SimGdi::Allocate(Object object, bool stock) {
         index = slots_.size();
         slots_.emplace_back();
     }
+    if (const BitmapObj* bitmap = std::get_if<BitmapObj>(&object))
+        livePixels_ += static_cast<std::int64_t>(bitmap->pixels.size());
     slots_[index] = Slot{std::move(object), stock, false, 0};
     return static_cast<std::uint32_t>(index) + kFirstHandle;
 }
@@ -117,6 +119,8 @@ void SimGdi::Release(std::uint32_t handle) {
 }
 
 void SimGdi::Free(std::uint32_t handle) {
+    if (const BitmapObj* bitmap = std::get_if<BitmapObj>(&slots_[handle - kFirstHandle].object))
+        livePixels_ -= static_cast<std::int64_t>(bitmap->pixels.size());
     slots_[handle - kFirstHandle] = Slot{};
     freeSlots_.push_back(handle - kFirstHandle);
 }
@@ -154,6 +158,9 @@ HBITMAP SimGdi::CreateDIBSection32(std::int32_t width, std::int32_t height) {
     // Refuse what no control needs rather than exhausting memory: 2^28 pixels is 1 GiB.
     if (width <= 0 || height <= 0 || std::int64_t{width} * height > (std::int64_t{1} << 28))
         return {};
+    // Nor may all bitmaps together: a form of many large controls fails as memory running out
+    // would, instead of taking all there is.
+    if (livePixels_ + std::int64_t{width} * height > kMaxLivePixels) return {};
     BitmapObj bitmap;
     bitmap.width = width;
     bitmap.height = height;

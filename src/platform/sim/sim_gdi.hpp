@@ -205,6 +205,9 @@ class SimGdi final : public Gdi {
     const LOGFONT& SelectedFont(const DcObj& dc);
 
     std::vector<Slot> slots_;
+    // Pixels of all bitmaps alive: at most 2^27 (512 MiB), so no input takes more memory.
+    static constexpr std::int64_t kMaxLivePixels = std::int64_t{1} << 27;
+    std::int64_t livePixels_ = 0;
     std::vector<std::uint32_t> freeSlots_;
     std::array<COLORREF, kSysColorCount> sysColors_{};
     SIZE screen_{};

@@ -7,7 +7,9 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <limits>
+#include <set>
 #include <utility>
 
 namespace korvex::platform::sim {
@@ -18,15 +20,18 @@ RECT Normalized(const RECT& r) {
     return {r.left, r.top, std::max(r.left, r.right), std::max(r.top, r.bottom)};
 }
 
-void Erase(std::vector<std::uint32_t>& list, std::uint32_t value) {
-    list.erase(std::remove(list.begin(), list.end(), value), list.end());
+// A handle is in a list once. The search starts at the bottom, where the oldest windows are, as
+// a form destroys its controls in the order it created them.
+void Erase(std::deque<std::uint32_t>& list, std::uint32_t value) {
+    const auto it = std::find(list.rbegin(), list.rend(), value);
+    if (it != list.rend()) list.erase(std::next(it).base());
 }
 
 bool Inside(const RECT& r, POINT p) {
     return p.x >= r.left && p.x < r.right && p.y >= r.top && p.y < r.bottom;
 }
 
-std::size_t IndexOf(const std::vector<std::uint32_t>& list, std::uint32_t value) {
+std::size_t IndexOf(const std::deque<std::uint32_t>& list, std::uint32_t value) {
     return static_cast<std::size_t>(std::find(list.begin(), list.end(), value) - list.begin());
 }
 
@@ -85,7 +90,8 @@ HWND SimWindows::CreateWindow(HWND parent, const RECT& position, WindowStyle sty
     const std::uint32_t handle = nextHandle_;
     nextHandle_ += 4;
     windows_.emplace(handle, std::move(window));
-    Find(Find(handle)->parent)->children.push_back(handle);
+    // At the front, where Restack finds it at once and usually leaves it.
+    Find(Find(handle)->parent)->children.push_front(handle);
     Restack(handle, HWND_TOP);
     return HWND{handle};
 }
@@ -98,17 +104,22 @@ bool SimWindows::DestroyWindow(HWND window) {
     for (std::size_t i = 0; i < doomed.size(); ++i) {
         const Window& w = *Find(doomed[i]);
         doomed.insert(doomed.end(), w.children.begin(), w.children.end());
-        for (const auto& [handle, other] : windows_)
-            if (other.owner == doomed[i]) doomed.push_back(handle);
+        // Owned windows are always top-level: the desktop's children are searched, not every
+        // window, so destroying a form's controls one by one stays linear.
+        for (std::uint32_t handle : Find(kDesktop)->children)
+            if (Find(handle)->owner == doomed[i]) doomed.push_back(handle);
     }
     for (std::uint32_t handle : doomed) {
         if (handle == focus_) DropFocus(false);
         if (handle == capture_) DropCapture(false);
         if (handle == lastClick_.window) lastClick_ = {};
     }
+    // A doomed window's sibling list goes with its parent when that is doomed too.
+    const std::set<std::uint32_t> doomedSet(doomed.begin(), doomed.end());
     for (std::uint32_t handle : doomed) {
         Window& w = *Find(handle);
-        if (Window* parent = Find(w.parent)) Erase(parent->children, handle);
+        if (Window* parent = Find(w.parent); parent && !doomedSet.contains(w.parent))
+            Erase(parent->children, handle);
         if (w.region) gdi_.DeleteObject(w.region);
     }
     for (std::uint32_t handle : doomed) windows_.erase(handle);
@@ -140,7 +151,7 @@ HWND SimWindows::SetParent(HWND window, HWND newParent) {
     w->child = parentHandle != kDesktop;
     w->owner = 0;
     if (w->child) w->topmost = false;
-    Find(parentHandle)->children.push_back(window.value);
+    Find(parentHandle)->children.push_front(window.value);
     Restack(window.value, HWND_TOP);
     return previous;
 }
@@ -265,7 +276,7 @@ bool SimWindows::BringWindowToTop(HWND window) {
 // Afterwards the windows a top-level window owns are lifted back above it.
 bool SimWindows::Restack(std::uint32_t window, HWND insertAfter) {
     Window& w = *Find(window);
-    std::vector<std::uint32_t>& list = Find(w.parent)->children;
+    std::deque<std::uint32_t>& list = Find(w.parent)->children;
     const std::size_t old = IndexOf(list, window);
     list.erase(list.begin() + static_cast<std::ptrdiff_t>(old));
     auto firstNormal = [&] {
@@ -307,7 +318,7 @@ bool SimWindows::Restack(std::uint32_t window, HWND insertAfter) {
 // Owned windows stay above their owner; those that ended up below it move to just above it,
 // keeping their order among themselves.
 void SimWindows::LiftOwned(std::uint32_t owner) {
-    std::vector<std::uint32_t>& list = Find(kDesktop)->children;
+    std::deque<std::uint32_t>& list = Find(kDesktop)->children;
     std::vector<std::uint32_t> owned;
     for (std::uint32_t handle : list)
         if (Find(handle)->owner == owner) owned.push_back(handle);
@@ -666,7 +677,7 @@ std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, P
         gdi_.FillRect(dc, {0, 0, size.cx, size.cy}, desktop);
         gdi_.DeleteObject(desktop);
         if (window == kDesktop) {
-            const std::vector<std::uint32_t> order = Find(kDesktop)->children;
+            const std::deque<std::uint32_t> order = Find(kDesktop)->children;
             for (auto it = order.rbegin(); it != order.rend(); ++it)
                 if (const Window* w = Find(*it); w && w->visible)
                     ComposeInto(dc, *it, Origin(*it), {});
@@ -734,7 +745,7 @@ void SimWindows::ComposeInto(HDC target, std::uint32_t window, POINT origin, HRG
             gdi_.CombineRgn(own, own, area, RGN_AND);
             gdi_.DeleteObject(area);
         }
-        const std::vector<std::uint32_t> children = again->children;
+        const std::deque<std::uint32_t> children = again->children;
         for (auto it = children.rbegin(); it != children.rend(); ++it)
             if (const Window* c = Find(*it); c && c->visible)
                 ComposeInto(target, *it, {inner.x + c->rect.left, inner.y + c->rect.top}, own);

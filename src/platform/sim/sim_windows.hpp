@@ -21,6 +21,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <memory>
 #include <string>
@@ -140,7 +141,9 @@ class SimWindows final : public Windows {
         int cursor = kCursorDefault;
         std::shared_ptr<const std::vector<std::uint32_t>> cursorPixels;
         SIZE cursorSize;
-        std::vector<std::uint32_t> children;  // topmost first
+        // Topmost first. A deque, so a new window goes on top in constant time and a form of n
+        // controls is built in linear time.
+        std::deque<std::uint32_t> children;
     };
 
     struct Click {
