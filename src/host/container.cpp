@@ -104,19 +104,8 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
     if (!ours) return false;
     if (event.kind != platform::KeyEvent::Kind::Down) return true;
 
-    std::vector<Site*> stops;
-    for (const auto& site : sites_) {
-        const platform::HWND w =
-            site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
-        if (w && site->extender_.TabStop && site->control_->CanGetFocus() &&
-            windows.IsWindowVisible(w) && windows.IsWindowEnabled(w)) {
-            stops.push_back(site.get());
-        }
-    }
+    const std::vector<Site*> stops = TabStops();
     if (stops.empty()) return true;
-    std::stable_sort(stops.begin(), stops.end(), [](const Site* a, const Site* b) {
-        return a->extender_.TabIndex < b->extender_.TabIndex;
-    });
     const bool backwards = (event.shift & platform::kShiftMask) != 0;
     auto current = std::find(stops.begin(), stops.end(), FocusedSite(focus));
     std::size_t next = 0;
@@ -128,6 +117,25 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
     }
     windows.SetFocus(stops[next]->control_->SurfaceWindow());
     return true;
+}
+
+// The controls Tab stops at, in TabIndex order (ties in the order they were sited): shown,
+// enabled, TabStop set, and of a kind that takes the focus at all.
+std::vector<Site*> Container::TabStops() const {
+    platform::Windows& windows = context_.Platform()->windows();
+    std::vector<Site*> stops;
+    for (const auto& site : sites_) {
+        const platform::HWND w =
+            site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
+        if (w && site->extender_.TabStop && site->control_->CanGetFocus() &&
+            windows.IsWindowVisible(w) && windows.IsWindowEnabled(w)) {
+            stops.push_back(site.get());
+        }
+    }
+    std::stable_sort(stops.begin(), stops.end(), [](const Site* a, const Site* b) {
+        return a->extender_.TabIndex < b->extender_.TabIndex;
+    });
+    return stops;
 }
 
 std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
@@ -153,6 +161,14 @@ void Container::Show() {
     windows.SetWindowText(formWindow_, Caption);
     windows.MoveWindow(formWindow_, {x, y, x + TwipsToPixelsX(Width), y + TwipsToPixelsY(Height)});
     windows.ShowWindow(formWindow_, true);
+    // A form that appears puts the focus on its first tab stop, unless one of its controls has
+    // it already; the control's own focus events follow from the platform's focus change.
+    bool focused = false;
+    for (platform::HWND w = windows.GetFocus(); w && !focused; w = windows.GetParent(w))
+        focused = (w == formWindow_);
+    if (focused) return;
+    const std::vector<Site*> stops = TabStops();
+    if (!stops.empty()) windows.SetFocus(stops.front()->control_->SurfaceWindow());
 }
 
 void Container::Hide() {

@@ -94,7 +94,8 @@ class Container : private platform::WindowHandler {
     [[nodiscard]] platform::HWND FormWindow() const { return formWindow_; }
     std::int32_t Left = 0;  // twips, screen
     std::int32_t Top = 0;
-    // Applies Left, Top, Width and Height to the form's window and shows it.
+    // Applies Left, Top, Width and Height to the form's window and shows it; the focus goes to
+    // the first control in TabIndex order that takes it, unless a control of the form has it.
     void Show();
     void Hide();
     [[nodiscard]] std::int32_t TwipsToPixelsX(std::int32_t twips) const;
@@ -143,6 +144,7 @@ class Container : private platform::WindowHandler {
     // focused control sees the key, as the platform's dialog manager does.
     bool FilterKey(const platform::KeyEvent& event, platform::HWND focus);
     Site* FocusedSite(platform::HWND focus) const;
+    [[nodiscard]] std::vector<Site*> TabStops() const;
     void OnPaint(platform::HDC dc, const platform::RECT& client) override;
 
     HostContext& context_;

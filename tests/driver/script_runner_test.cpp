@@ -151,11 +151,12 @@ TEST(ScriptValues, ParseAsTheHostWritesThem) {
 TEST_F(ScriptRunnerTest, FocusKeysAndTabInTabIndexOrder) {
     form.Add("Korvex_Tools.Pad", {"C", 300, 1500, 600, 300, true, true, 2});  // between A and B
     form.LetProperty(form.Get("B"), "TabIndex", 3);
-    // Tab is the form's: the focused control sees none of its key strokes.
+    // A, the first tab stop, took the focus when the form showed, so focusing it again raises
+    // nothing. Tab is the form's: the focused control sees none of its key strokes.
     EXPECT_EQ(
         Run("focus A\ntype a\nkey down tab\nkey press 9\nkey up tab\nkey down tab\nkey down tab\n"
             "key down tab shift=1\nset C.TabStop False\nkey down tab\n"),
-        "event A.GotFocus()\nevent A.KeyPress(97)\nevent A.LostFocus()\nevent C.GotFocus()\n"
+        "event A.KeyPress(97)\nevent A.LostFocus()\nevent C.GotFocus()\n"
         "event C.LostFocus()\nevent B.GotFocus()\nevent B.LostFocus()\nevent A.GotFocus()\n"
         "event A.LostFocus()\nevent B.GotFocus()\nevent B.LostFocus()\nevent A.GotFocus()\n");
 }

@@ -42,6 +42,8 @@ class Label3D final : public forms::SurfaceControl {
     void UserControl_ReadProperties(host::PropertyBag& PropBag) override;
     void UserControl_WriteProperties(host::PropertyBag& PropBag) override;
     void UserControl_Resize() override;
+    // A label takes the focus only while FocusRect makes it a small push button.
+    [[nodiscard]] bool CanGetFocus() const override { return FocusRect_; }
 
     // ---- properties
     [[nodiscard]] bool FocusRect() const { return FocusRect_; }
