@@ -26,6 +26,12 @@ class Label final : public InputLightweight {
     void UseMnemonic(bool value);
     // The access letter of the caption, upper-cased; 0 when there is none.
     [[nodiscard]] char32_t AccessKey() const;
+    // The access key as a control declares it to its host: the letter while the label shows,
+    // none while it is hidden.
+    [[nodiscard]] std::u32string ShownAccessKeys() const {
+        const char32_t key = Visible() ? AccessKey() : 0;
+        return key ? std::u32string(1, key) : std::u32string();
+    }
 
     // Shared: assigning one font to two labels lets both follow its changes.
     [[nodiscard]] std::shared_ptr<host::StdFont> Font() const { return font_; }

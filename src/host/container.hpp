@@ -143,6 +143,7 @@ class Container : private platform::WindowHandler {
     // Tab and Shift+Tab move the focus through the controls in TabIndex order, before the
     // focused control sees the key, as the platform's dialog manager does.
     bool FilterKey(const platform::KeyEvent& event, platform::HWND focus);
+    bool AccessKey(const platform::KeyEvent& event, platform::HWND focus);
     Site* FocusedSite(platform::HWND focus) const;
     [[nodiscard]] std::vector<Site*> TabStops() const;
     void OnPaint(platform::HDC dc, const platform::RECT& client) override;
@@ -153,6 +154,7 @@ class Container : private platform::WindowHandler {
     bool userMode_ = false;
     platform::HWND formWindow_;
     std::uint32_t keyFilter_ = 0;
+    int accessKeyDown_ = 0;  // the access key whose release is swallowed too
     std::vector<std::unique_ptr<Site>> sites_;
 };
 

@@ -107,6 +107,9 @@ TEST_F(ScriptRunnerTest, MalformedLineStopsBeforeAnythingRuns) {
         {"set P1.Value 1\n\n# note\nget P1\n", 4},
         {"set P1.Caption \"open\n", 1},
         {"set P1.Value 1\nwait -5\n", 2},
+        {"key down a\nkey alt\n", 2},  // a letter names its key; Alt needs one
+        {"key alt e\nkey alt ab\n", 2},
+        {"key alt e shift=1\n", 1},
     };
     for (const auto& c : cases) {
         int line = 0;

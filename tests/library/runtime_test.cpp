@@ -1,4 +1,5 @@
-// What the form runtime does with the library's controls: the focus a form gives when it shows.
+// What the form runtime does with the library's controls: the focus a form gives when it shows,
+// and the access keys Alt reaches its controls by.
 
 #include <string>
 #include <vector>
@@ -16,6 +17,13 @@ using host::Variant;
 // A hidden form: controls are placed on it at design time, then it switches to run mode and
 // shows, as korvex run opens a form file. What the controls raise is in `log`.
 class RuntimeTest : public ::testing::Test, public HostBench {
+  public:
+    struct Placed {
+        const char* cls;
+        Extender at;
+        std::vector<std::pair<const char*, Variant>> properties = {};
+    };
+
   protected:
     RuntimeTest() : HostBench({}) {
         RegisterLibrary(context);
@@ -23,11 +31,6 @@ class RuntimeTest : public ::testing::Test, public HostBench {
         form.SetSink(&log);
     }
 
-    struct Placed {
-        const char* cls;
-        Extender at;
-        std::vector<std::pair<const char*, Variant>> properties = {};
-    };
     void Open(const std::vector<Placed>& controls) {
         for (const Placed& c : controls) {
             Add(std::string("Korvex_Tools.") + c.cls, c.at);
@@ -107,6 +110,85 @@ TEST_F(RuntimeTest, ShowingAgainLeavesTheFocusAlone) {
     form.Show();
     EXPECT_EQ(Focused(), "F2");
     EXPECT_EQ(log.Take(), Log{});
+}
+
+// ---------------------------------------------------------------------------------------------
+// Access keys
+
+// A frame (the first stop, focused at the show), a plain label and a focusable one, a push
+// button, a switch, a link and a disabled button, each with an "&" letter in its caption.
+const std::vector<RuntimeTest::Placed> kAccessForm{
+    {"Frames", At("F", 0), {{"Caption", "&Daten"}}},
+    {"Label3D", At("L", 1), {{"Caption", "&Name"}}},
+    {"Button", At("B", 2), {{"Caption", "&Senden"}}},
+    {"Button", At("S", 3), {{"Caption", "S&chalter"}, {"OptionMode", 1}}},
+    {"Hyperlink", At("H", 4), {{"Caption", "&Link"}, {"Url", "x"}}},
+    {"Label3D", At("K", 5), {{"Caption", "&Klick"}, {"FocusRect", true}}},
+    {"Button", At("X", 6, true, false), {{"Caption", "&Xaus"}}},
+};
+
+// Alt goes to the focused control as any key does; the access key itself (down and up) is the
+// form's, and the control it reaches sees the rest.
+TEST_F(RuntimeTest, AltAndAnAccessLetterReachTheControlItBelongsTo) {
+    struct Session {
+        const char* what;
+        const char* script;
+        const char* expected;
+        const char* focused;
+    };
+    const std::vector<Session> sessions{
+        {"a label's letter focuses the next tab stop after it", "key alt n\n",
+         "event F.KeyDown(18, 4)\nevent F.Focus(False)\nevent B.KeyUp(18, 0)\n", "B"},
+        {"a frame's letter too, from wherever the focus is; plain labels are no stops",
+         "focus K\nkey alt d\n",
+         "event F.Focus(False)\nevent K.KeyDown(18, 4)\nevent B.KeyUp(18, 0)\n", "B"},
+        {"a button's letter focuses and clicks it, in either case", "key alt S\nget B.Value\n",
+         "event F.KeyDown(18, 4)\nevent F.Focus(False)\nevent B.MouseDown(1, 0, 0, 0)\n"
+         "changed B.Value\nevent B.Click()\nevent B.MouseUp(1, 0, 0, 0)\nevent B.KeyUp(18, 0)\n"
+         "B.Value = True\n",
+         "B"},
+        {"a switch latches on the first and comes out on the second",
+         "key alt c\nwait 700\nkey alt c\n",
+         "event F.KeyDown(18, 4)\nevent F.Focus(False)\nevent S.MouseDown(1, 0, 0, 0)\n"
+         "changed S.Value\nevent S.Click()\nevent S.KeyUp(18, 0)\nevent S.KeyDown(18, 4)\n"
+         "event S.MouseDown(1, 0, 0, 0)\nchanged S.Value\nevent S.Click()\n"
+         "event S.MouseUp(1, 0, 0, 0)\nevent S.KeyUp(18, 0)\n",
+         "S"},
+        {"a link's letter follows the link", "key alt l\n",
+         "event F.KeyDown(18, 4)\nevent F.Focus(False)\nevent H.Click()\nchanged H.Clicked\n", "H"},
+        {"a label with FocusRect is a button: focused and clicked", "key alt k\n",
+         "event F.KeyDown(18, 4)\nevent F.Focus(False)\nevent K.Click()\nevent K.KeyUp(18, 0)\n",
+         "K"},
+        {"a disabled control's letter and nobody's are plain keys", "key alt x\nkey alt q\n",
+         "event F.KeyDown(18, 4)\nevent F.KeyDown(88, 4)\nevent F.KeyUp(88, 4)\n"
+         "event F.KeyUp(18, 0)\nevent F.KeyDown(18, 4)\nevent F.KeyDown(81, 4)\n"
+         "event F.KeyUp(81, 4)\nevent F.KeyUp(18, 0)\n",
+         "F"},
+        {"without Alt a letter is a plain key", "key down s\nkey up s\n",
+         "event F.KeyDown(83, 0)\nevent F.KeyUp(83, 0)\n", "F"},
+    };
+    for (const Session& session : sessions) {
+        SCOPED_TRACE(session.what);
+        Open(kAccessForm);
+        EXPECT_EQ(HostBench::Run(session.script), session.expected);
+        EXPECT_EQ(Focused(), session.focused);
+        form.Hide();
+        form.Clear();
+        form.SwitchMode(false);
+    }
+}
+
+// Two controls with one letter: each press goes to the next of them after the focused control.
+TEST_F(RuntimeTest, ASharedAccessLetterTakesTurns) {
+    Open({{"Button", At("A", 0), {{"Caption", "&Eins"}}},
+          {"Button", At("B", 1), {{"Caption", "&Elf"}}},
+          {"Frames", At("F", 2), {{"Caption", "Rahmen"}}}});
+    HostBench::Run("focus F\n");
+    const std::vector<const char*> turns{"A", "B", "A"};
+    for (const char* expected : turns) {
+        HostBench::Run("key alt e\n");
+        EXPECT_EQ(Focused(), expected);
+    }
 }
 
 }  // namespace

@@ -280,6 +280,11 @@ void Label3D::UserControl_WriteProperties(host::PropertyBag& PropBag) {
     Props::BackStyle.Save(*this, PropBag);
 }
 
+void Label3D::UserControl_AccessKeyPress(std::int16_t KeyAscii) {
+    (void)KeyAscii;
+    RaiseEvent(Label3DEvents::Click);
+}
+
 void Label3D::UserControl_Resize() {
     LayOut();
 }
