@@ -52,8 +52,6 @@ class Label final : public InputLightweight {
     void AutoSize(bool value);
     [[nodiscard]] bool WordWrap() const { return wordWrap_; }
     void WordWrap(bool value);
-    [[nodiscard]] const std::string& ToolTipText() const { return toolTipText_; }
-    void ToolTipText(std::string value) { toolTipText_ = std::move(value); }
 
     void Paint(platform::HDC dc, const platform::RECT& rect) const override;
 
@@ -82,7 +80,6 @@ class Label final : public InputLightweight {
     std::int16_t alignment_ = 0;
     bool autoSize_ = false;
     bool wordWrap_ = false;
-    std::string toolTipText_;
 };
 
 }  // namespace korvex::forms

@@ -1,9 +1,10 @@
 // What the form runtime does with the library's controls: the focus a form gives when it shows,
-// and the access keys Alt reaches its controls by.
+// the access keys Alt reaches its controls by, and the tooltips the platform shows for them.
 
 #include <string>
 #include <vector>
 
+#include "controls/button/button.hpp"
 #include "library/library.hpp"
 #include "support/bench.hpp"
 
@@ -189,6 +190,50 @@ TEST_F(RuntimeTest, ASharedAccessLetterTakesTurns) {
         HostBench::Run("key alt e\n");
         EXPECT_EQ(Focused(), expected);
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tooltips
+
+// A button's text is on its face, its image and its caption alike, so the tip shows wherever
+// the pointer rests on it; ToolTip False takes it off all three. The labels of Label3D and
+// Hyperlink keep theirs: Label3D's text covers the control, a link's tip is set by its hover
+// poll once the pointer is over it.
+TEST_F(RuntimeTest, ControlsSetTheirTooltipsOnThePlatform) {
+    Open({{"Button", At("B", 0), {{"Caption", "Senden"}, {"ToolTipText", "Abschicken"}}},
+          {"Label3D", At("L", 1), {{"ToolTipText", "Beschriftung"}}},
+          {"Hyperlink", At("H", 2), {{"ToolTipTxt", "Zur Seite"}}}});
+    platform::RECT b;
+    windows.GetWindowRect(form.Get("B").GetControl().SurfaceWindow(), &b);
+    const auto& button = Control<controls::Button>("B");
+    // A point of the face's client area in screen pixels: the face sits 1 pixel in (Flat).
+    const auto onFace = [&](const platform::RECT& r) {
+        return platform::POINT{b.left + 1 + (r.left + r.right) / 2,
+                               b.top + 1 + (r.top + r.bottom) / 2};
+    };
+    const std::vector<std::pair<const char*, platform::POINT>> buttonParts{
+        {"face", {b.left + 3, b.top + 3}},
+        {"image", onFace(button.FaceImage().PixelRect())},
+        {"caption", onFace(button.CaptionLabel().PixelRect())},
+    };
+    const auto restAt = [&](platform::POINT p) {
+        MoveTo({900, 700});  // off the form: every tip goes
+        Advance(100);
+        MoveTo(p);
+        Advance(100);  // a hover poll sets its tip now
+        MoveTo({p.x + 1, p.y});
+        Advance(600);
+        return platform.driver().ToolTip().text;
+    };
+    for (const auto& [part, at] : buttonParts) EXPECT_EQ(restAt(at), "Abschicken") << part;
+    Let("B", "ToolTip", false);
+    for (const auto& [part, at] : buttonParts) EXPECT_EQ(restAt(at), "") << part;
+
+    platform::RECT r;
+    windows.GetWindowRect(form.Get("L").GetControl().SurfaceWindow(), &r);
+    EXPECT_EQ(restAt({r.left + 5, r.top + 5}), "Beschriftung");
+    windows.GetWindowRect(form.Get("H").GetControl().SurfaceWindow(), &r);
+    EXPECT_EQ(restAt({r.left + 10, (r.top + r.bottom) / 2}), "Zur Seite");
 }
 
 }  // namespace
