@@ -226,13 +226,14 @@ void Container::Show() {
     windows.MoveWindow(formWindow_, {x, y, x + TwipsToPixelsX(Width), y + TwipsToPixelsY(Height)});
     windows.ShowWindow(formWindow_, true);
     // A form that appears puts the focus on its first tab stop, unless one of its controls has
-    // it already; the control's own focus events follow from the platform's focus change.
+    // it already; the control's own focus events follow from the platform's focus change. A
+    // form without a stop takes the focus itself, so its keys (Tab, access keys) still reach it.
     bool focused = false;
     for (platform::HWND w = windows.GetFocus(); w && !focused; w = windows.GetParent(w))
         focused = (w == formWindow_);
     if (focused) return;
     const std::vector<Site*> stops = TabStops();
-    if (!stops.empty()) windows.SetFocus(stops.front()->control_->SurfaceWindow());
+    windows.SetFocus(stops.empty() ? formWindow_ : stops.front()->control_->SurfaceWindow());
 }
 
 void Container::Hide() {

@@ -90,12 +90,15 @@ TEST_F(RuntimeTest, ShowingTheFormFocusesItsFirstTabStop) {
          {{"Button", At("B", 0)}, {"Frames", At("F", 1)}},
          "B",
          {}},
-        {"nothing to focus", {{"Line3D", At("Line", 0)}}, "", {}},
+        {"nothing to focus: the form takes it", {{"Line3D", At("Line", 0)}}, "", {}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.what);
         Open(row.controls);
         EXPECT_EQ(Focused(), row.focused);
+        if (*row.focused == 0) {
+            EXPECT_EQ(windows.GetFocus(), form.FormWindow());
+        }
         EXPECT_EQ(log.Take(), row.events);
         form.Hide();
         form.Clear();
