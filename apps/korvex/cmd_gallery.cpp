@@ -221,6 +221,24 @@ bool RenderSnapshot(const Tile& tile, const std::filesystem::path& out) {
     if (tile.capture == "form") script += "snapshot " + tile.file + " form\n";
     runner.Run(script);
     ReportErrors(tile.file, log.str());
+    if (tile.capture == "screen") {
+        // The screen cut to the form's rectangle: a tooltip is no part of the form's window.
+        platform::RECT r;
+        if (!session.platform.windows().GetWindowRect(session.form.FormWindow(), &r)) return false;
+        const std::vector<std::uint32_t> screen = session.platform.driver().ComposeScreen();
+        const platform::SIZE size = session.platform.windows().ScreenSize();
+        const std::int32_t width = size.cx;
+        r = {std::max(r.left, 0), std::max(r.top, 0), std::min(r.right, size.cx),
+             std::min(r.bottom, size.cy)};
+        if (r.IsEmpty()) return false;
+        std::vector<std::uint32_t> cut;
+        cut.reserve(static_cast<std::size_t>(r.Width()) * static_cast<std::size_t>(r.Height()));
+        for (std::int32_t y = r.top; y < r.bottom; ++y) {
+            const auto row = screen.begin() + static_cast<std::ptrdiff_t>(y) * width + r.left;
+            cut.insert(cut.end(), row, row + r.Width());
+        }
+        platform::WritePng((out / tile.file).string(), {cut.data(), r.Width(), r.Height()});
+    }
     return std::filesystem::exists(out / tile.file);
 }
 

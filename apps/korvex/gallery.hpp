@@ -63,7 +63,8 @@ struct Tile {
     std::string title;        // caption under the picture
     Json form;                // a form snapshot's form file
     std::string script = {};  // run before the picture is taken
-    // "form" for the form's window, "top" for the topmost window (a modal box the script opened).
+    // "form" for the form's window, "top" for the topmost window (a modal box the script opened),
+    // "screen" for the screen where the form lies, with what floats over it (a tooltip).
     std::string capture = "form";
     Sheet sheet = {};  // a sheet instead of a form snapshot when it has runs or drawn cells
 };

@@ -401,9 +401,22 @@ Tile FlatButtonTile() {
             std::move(sheet)};
 }
 
+// ---------------------------------------------------------------------------------------------
+// The tooltip over a hovered button, as the platform shows it on the screen
+
+Tile ToolTipTile() {
+    Json controls = Json::array({Control("Button", "B1", 240, 240, 1800, 450,
+                                         {{"Caption", "Senden"}, {"ButtonShow", 21}})});
+    return {"button-tooltip.png",
+            "ToolTipText on the face, the image and the caption: shown by the platform below "
+            "the pointer once it has rested 500 ms on the button",
+            Form(3360, 1440, controls), "move B1 30 15\nwait 600\n", "screen"};
+}
+
 std::vector<Section> ButtonSections() {
-    Section button{
-        "Button", {StylesTile(true), StylesTile(false), TextTile(), FocusTile(), BigPictureTile()}};
+    Section button{"Button",
+                   {StylesTile(true), StylesTile(false), TextTile(), FocusTile(), BigPictureTile(),
+                    ToolTipTile()}};
     Section images{"Button images", {}};
     for (bool iconSize : {false, true})
         for (Look look : {Look::normal, Look::hover, Look::down})

@@ -11,13 +11,16 @@ images of the button's built-in pictures, one .ico file per group:
     43 to 46   11 x 11               LEDs red, green, yellow, blue: 43-46 and 143-146 off,
                                      243-246 lit
     47 to 50   16 x 16               list-view modes: large icons, small icons, list, details
+    51         16 x 16 and 32 x 32   pOff, no image: an empty picture frame struck through
+                                     (the button never shows it; Icons hands it out)
 
 Most pictures are the public-domain Tango icons (Debian package tango-icon-theme, read from
 /usr/share/icons/Tango/16x16 and 32x32, used at their own size, never scaled). The ones Tango
-lacks (OK tick, cross, scanner, paint bucket, clock face, check box, LEDs, view modes) are
+lacks (OK tick, cross, scanner, paint bucket, clock face, check box, LEDs, view modes, pOff) are
 drawn here with antialiased shapes, each pixel covered by an 8 x 8 grid of samples.
 
-Hover and down images of groups 1 to 41 and 47 to 50 are derived from the normal image:
+Hover and down images of groups 1 to 41 and 47 to 50 are derived from the normal image (group 51
+has none):
     hover: every colour channel c becomes c + (255 - c) // 4 (a quarter of the way to white),
            alpha unchanged;
     down:  the picture moves one pixel right and one down (the top row and left column become
@@ -383,6 +386,15 @@ TANGO_ICONS = {
     39: "actions/document-print-preview",   # btnView
 }
 
+def draw_off(size):
+    pic, k = Picture(size, size), size / 16.0
+    # No image: an empty picture frame, struck through from its lower left to its upper right.
+    polygon(pic, scaled([(1.5, 2.5), (14.5, 2.5), (14.5, 13.5), (1.5, 13.5)], k), rgba(ALUMINIUM[3]))
+    polygon(pic, scaled([(2.5, 3.5), (13.5, 3.5), (13.5, 12.5), (2.5, 12.5)], k), rgba(ALUMINIUM[0]))
+    stroke(pic, scaled([(3, 13), (13, 3)], k), 2.2 * k, rgba(SCARLET[1]))
+    return pic
+
+
 DRAWN = {13: draw_bucket, 21: draw_ok, 29: draw_scanner, 40: draw_clock}
 
 
@@ -423,6 +435,7 @@ def groups(tango):
     for n in range(43, 47):
         out[n] = out[n + 100] = [draw_led(n, False)]
         out[n + 200] = [draw_led(n, True)]
+    out[51] = [draw_off(16), draw_off(32)]
     return out
 
 

@@ -1,6 +1,7 @@
 #include "driver/script_runner.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <map>
 #include <ostream>
 #include <sstream>
@@ -66,6 +67,11 @@ bool ParseButtonWords(const std::vector<std::string>& words, std::size_t from, P
 bool ParseKeyCode(const std::string& word, int& code) {
     if (IsInteger(word)) {
         code = std::stoi(word);
+        return true;
+    }
+    // A letter alone is its own key: the virtual key of its upper-case character.
+    if (word.size() == 1 && std::isalpha(static_cast<unsigned char>(word[0]))) {
+        code = std::toupper(static_cast<unsigned char>(word[0]));
         return true;
     }
     auto it = KeyNames().find(Lower(word));
@@ -227,6 +233,8 @@ void ScriptRunner::Validate(const Line& line) const {
         const std::string kind = Lower(w[1]);
         if (kind == "press") {
             if (n != 2 || !IsInteger(w[2])) fail("expected: key press ASCII");
+        } else if (kind == "alt") {
+            if (n != 2 || !ParseKeyCode(w[2], code)) fail("expected: key alt KEY");
         } else if (kind == "down" || kind == "up") {
             if (!ParseKeyCode(w[2], code)) fail("unknown key '" + w[2] + "'");
             for (std::size_t i = 3; i < w.size(); ++i) {
@@ -234,7 +242,7 @@ void ScriptRunner::Validate(const Line& line) const {
                     fail("expected shift=N");
             }
         } else {
-            fail("expected: key down|up|press");
+            fail("expected: key down|up|press|alt");
         }
     } else if (command == "type") {
         if (n < 1) fail("expected: type TEXT");
@@ -342,12 +350,19 @@ void ScriptRunner::Execute(const Line& line) {
         ParseKeyCode(w[2], code);
         int shift = 0;
         for (std::size_t i = 3; i < w.size(); ++i) shift = std::stoi(w[i].substr(6));
-        if (kind == "press")
+        if (kind == "press") {
             loop.KeyPress(code);
-        else if (kind == "down")
+        } else if (kind == "alt") {
+            // Alt held around the key, as a user presses an access key: no character comes.
+            loop.KeyDown(platform::VK_MENU, platform::kAltMask);
+            loop.KeyDown(code, platform::kAltMask);
+            loop.KeyUp(code, platform::kAltMask);
+            loop.KeyUp(platform::VK_MENU, 0);
+        } else if (kind == "down") {
             loop.KeyDown(code, shift);
-        else
+        } else {
             loop.KeyUp(code, shift);
+        }
     } else if (command == "type") {
         std::string text;
         for (std::size_t i = 1; i < w.size(); ++i) text += (i > 1 ? " " : "") + Unquote(w[i]);

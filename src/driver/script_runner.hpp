@@ -8,6 +8,7 @@
 // Script lines ('#' starts a comment; coordinates are screen pixels):
 //   move X Y | move NAME|top [DX DY]    down [left|right|middle] [shift=N] | up [BUTTON]
 //   click [BUTTON] | dblclick           key down CODE [shift=N] | key up CODE | key press ASCII
+//   key alt KEY                         Alt held around KEY (an access key); a letter names its key
 //   type TEXT | focus NAME | wait MS    set NAME.PROPERTY VALUE | get NAME.PROPERTY
 //   call NAME.METHOD [ARG ...]          design | runmode | save FILE.json
 //   snapshot FILE.png [NAME|form|top]   the screen, or one window: a control, the form, or the

@@ -501,6 +501,8 @@ void DrawingSurface::OnMouse(const MouseEvent& event) {
 
     switch (event.kind) {
         case MouseEvent::Kind::Move: {
+            pointer_ = client;
+            RefreshToolTip();
             InputLightweight* target = press_ ? press_->target : HitTest(client);
             UpdateCursor(target);
             raise(target, &MouseEvents::MouseMove, event.button);
@@ -546,6 +548,20 @@ void DrawingSurface::OnMouse(const MouseEvent& event) {
             break;
         }
     }
+}
+
+void DrawingSurface::ToolTipText(std::string value) {
+    if (value == toolTipText_) return;
+    toolTipText_ = std::move(value);
+    RefreshToolTip();
+}
+
+// The object the pointer was last over, looked up again: objects move and change their texts
+// under a resting pointer.
+void DrawingSurface::RefreshToolTip() {
+    const InputLightweight* target = pointer_ ? HitTest(*pointer_) : nullptr;
+    platform_.windows().SetToolTip(
+        hwnd_, target && !target->ToolTipText().empty() ? target->ToolTipText() : toolTipText_);
 }
 
 void DrawingSurface::OnCaptureLost() {

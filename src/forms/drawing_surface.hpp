@@ -16,6 +16,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -128,6 +129,14 @@ class DrawingSurface : private platform::WindowHandler {
     void MouseIcon(std::shared_ptr<host::StdPicture> value);
     void SetFocus();
 
+    // ---- tooltip
+    // What the platform shows while the pointer rests on the surface: the text of the windowless
+    // object under the pointer when it has one, the surface's own otherwise.
+    [[nodiscard]] const std::string& ToolTipText() const { return toolTipText_; }
+    void ToolTipText(std::string value);
+    // A text changed: the platform gets the one for the object under the pointer now.
+    void RefreshToolTip();
+
     SurfaceEvents events;
 
     // ---- windowless objects, bottom first
@@ -224,6 +233,8 @@ class DrawingSurface : private platform::WindowHandler {
     std::int16_t mousePointer_ = 0;
     std::shared_ptr<host::StdPicture> mouseIcon_;
     int shownCursor_ = -1;
+    std::string toolTipText_;
+    std::optional<platform::POINT> pointer_;  // client pixels of the last move over the surface
     const void* shownCursorOwner_ = nullptr;
 
     // Input state machine (see OnMouse).

@@ -26,6 +26,12 @@ class Label final : public InputLightweight {
     void UseMnemonic(bool value);
     // The access letter of the caption, upper-cased; 0 when there is none.
     [[nodiscard]] char32_t AccessKey() const;
+    // The access key as a control declares it to its host: the letter while the label shows,
+    // none while it is hidden.
+    [[nodiscard]] std::u32string ShownAccessKeys() const {
+        const char32_t key = Visible() ? AccessKey() : 0;
+        return key ? std::u32string(1, key) : std::u32string();
+    }
 
     // Shared: assigning one font to two labels lets both follow its changes.
     [[nodiscard]] std::shared_ptr<host::StdFont> Font() const { return font_; }
@@ -46,8 +52,6 @@ class Label final : public InputLightweight {
     void AutoSize(bool value);
     [[nodiscard]] bool WordWrap() const { return wordWrap_; }
     void WordWrap(bool value);
-    [[nodiscard]] const std::string& ToolTipText() const { return toolTipText_; }
-    void ToolTipText(std::string value) { toolTipText_ = std::move(value); }
 
     void Paint(platform::HDC dc, const platform::RECT& rect) const override;
 
@@ -76,7 +80,6 @@ class Label final : public InputLightweight {
     std::int16_t alignment_ = 0;
     bool autoSize_ = false;
     bool wordWrap_ = false;
-    std::string toolTipText_;
 };
 
 }  // namespace korvex::forms

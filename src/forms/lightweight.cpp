@@ -85,6 +85,12 @@ void InputLightweight::Enabled(bool value) {
     Invalidate();
 }
 
+void InputLightweight::ToolTipText(std::string value) {
+    if (value == toolTipText_) return;
+    toolTipText_ = std::move(value);
+    if (DrawingSurface* surface = Container()) surface->RefreshToolTip();
+}
+
 void InputLightweight::MousePointer(std::int16_t value) {
     mousePointer_ = CheckedMousePointer(value);
 }

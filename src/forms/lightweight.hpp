@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 
 #include "forms/events.hpp"
 #include "forms/scale.hpp"
@@ -95,6 +96,11 @@ class InputLightweight : public Lightweight {
 
     [[nodiscard]] InputLightweight* Input() override { return this; }
 
+    // The tooltip the platform shows while the pointer rests on the object; "" for none, which
+    // lets the container's own show.
+    [[nodiscard]] const std::string& ToolTipText() const { return toolTipText_; }
+    void ToolTipText(std::string value);
+
     MouseEvents events;
 
   protected:
@@ -106,6 +112,7 @@ class InputLightweight : public Lightweight {
     bool enabled_ = true;
     std::int16_t mousePointer_ = 0;
     std::shared_ptr<host::StdPicture> mouseIcon_;
+    std::string toolTipText_;
 };
 
 // Error 380 unless value is 0 to 15 or 99.

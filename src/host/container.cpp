@@ -116,30 +116,26 @@ Site* Container::FocusedSite(platform::HWND focus) const {
 }
 
 bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus) {
-    const bool tab = (event.kind == platform::KeyEvent::Kind::Press)
-                         ? event.keyCode == '\t'
-                         : event.keyCode == platform::VK_TAB;
-    if (!tab) return false;
     platform::Windows& windows = context_.Platform()->windows();
+    // The release of an access key goes with its press, wherever the focus has gone since.
+    if (event.kind == platform::KeyEvent::Kind::Up && event.keyCode == accessKeyDown_) {
+        accessKeyDown_ = 0;
+        return true;
+    }
     // Only keys meant for this form: its own window or a window inside it has the focus.
     bool ours = false;
     for (platform::HWND w = focus; w && !ours; w = windows.GetParent(w)) ours = (w == formWindow_);
     if (!ours) return false;
+    if (AccessKey(event, focus)) return true;
+
+    const bool tab = (event.kind == platform::KeyEvent::Kind::Press)
+                         ? event.keyCode == '\t'
+                         : event.keyCode == platform::VK_TAB;
+    if (!tab) return false;
     if (event.kind != platform::KeyEvent::Kind::Down) return true;
 
-    std::vector<Site*> stops;
-    for (const auto& site : sites_) {
-        const platform::HWND w =
-            site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
-        if (w && site->extender_.TabStop && site->control_->CanGetFocus() &&
-            windows.IsWindowVisible(w) && windows.IsWindowEnabled(w)) {
-            stops.push_back(site.get());
-        }
-    }
+    const std::vector<Site*> stops = TabStops();
     if (stops.empty()) return true;
-    std::stable_sort(stops.begin(), stops.end(), [](const Site* a, const Site* b) {
-        return a->extender_.TabIndex < b->extender_.TabIndex;
-    });
     const bool backwards = (event.shift & platform::kShiftMask) != 0;
     auto current = std::find(stops.begin(), stops.end(), FocusedSite(focus));
     std::size_t next = 0;
@@ -151,6 +147,82 @@ bool Container::FilterKey(const platform::KeyEvent& event, platform::HWND focus)
     }
     windows.SetFocus(stops[next]->control_->SurfaceWindow());
     return true;
+}
+
+// Alt and a letter or digit: the control whose access key it is, the first one in tab order
+// after the focused control when several share it, as a dialog manager looks for mnemonics.
+// A button-like control takes the focus and hears AccessKeyPress; a label (ForwardFocus) hands
+// the focus to the next tab stop after it. The key's release is swallowed with it, so the
+// control that has the focus then sees neither.
+bool Container::AccessKey(const platform::KeyEvent& event, platform::HWND focus) {
+    using Kind = platform::KeyEvent::Kind;
+    platform::Windows& windows = context_.Platform()->windows();
+    const bool alt =
+        (event.shift & platform::kAltMask) != 0 ||
+        (static_cast<std::uint16_t>(windows.GetAsyncKeyState(platform::VK_MENU)) & 0x8000u) != 0;
+    const int key = event.keyCode;
+    const bool letter = (key >= 'A' && key <= 'Z') || (key >= '0' && key <= '9');
+    if (event.kind != Kind::Down || !alt || !letter) return false;
+
+    std::vector<Site*> order;
+    for (const auto& site : sites_) {
+        const platform::HWND w =
+            site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
+        if (w && windows.IsWindowVisible(w) && windows.IsWindowEnabled(w))
+            order.push_back(site.get());
+    }
+    std::stable_sort(order.begin(), order.end(), [](const Site* a, const Site* b) {
+        return a->extender_.TabIndex < b->extender_.TabIndex;
+    });
+    const auto current = std::find(order.begin(), order.end(), FocusedSite(focus));
+    const std::size_t start =
+        current == order.end() ? 0 : static_cast<std::size_t>(current - order.begin()) + 1;
+    Site* target = nullptr;
+    std::size_t at = 0;
+    for (std::size_t i = 0; i < order.size() && !target; ++i) {
+        at = (start + i) % order.size();
+        if (order[at]->control_->AccessKeys().find(static_cast<char32_t>(key)) !=
+            std::u32string::npos)
+            target = order[at];
+    }
+    if (!target) return false;
+    accessKeyDown_ = key;
+
+    if (target->control_->ForwardFocus()) {
+        const std::vector<Site*> stops = TabStops();
+        for (std::size_t i = 1; i < order.size(); ++i) {
+            Site* next = order[(at + i) % order.size()];
+            if (std::find(stops.begin(), stops.end(), next) != stops.end()) {
+                windows.SetFocus(next->control_->SurfaceWindow());
+                break;
+            }
+        }
+        return true;
+    }
+    // The control may go while its handlers run; keep it until the key press is delivered.
+    const std::shared_ptr<Control> control = target->control_;
+    if (control->CanGetFocus()) windows.SetFocus(control->SurfaceWindow());
+    control->UserControl_AccessKeyPress(static_cast<std::int16_t>(key));
+    return true;
+}
+
+// The controls Tab stops at, in TabIndex order (ties in the order they were sited): shown,
+// enabled, TabStop set, and of a kind that takes the focus at all.
+std::vector<Site*> Container::TabStops() const {
+    platform::Windows& windows = context_.Platform()->windows();
+    std::vector<Site*> stops;
+    for (const auto& site : sites_) {
+        const platform::HWND w =
+            site->control_ ? site->control_->SurfaceWindow() : platform::HWND{};
+        if (w && site->extender_.TabStop && site->control_->CanGetFocus() &&
+            windows.IsWindowVisible(w) && windows.IsWindowEnabled(w)) {
+            stops.push_back(site.get());
+        }
+    }
+    std::stable_sort(stops.begin(), stops.end(), [](const Site* a, const Site* b) {
+        return a->extender_.TabIndex < b->extender_.TabIndex;
+    });
+    return stops;
 }
 
 std::int32_t Container::TwipsToPixelsX(std::int32_t twips) const {
@@ -193,6 +265,15 @@ void Container::Show() {
     windows.SetWindowText(formWindow_, Caption);
     windows.MoveWindow(formWindow_, {x, y, x + TwipsToPixelsX(Width), y + TwipsToPixelsY(Height)});
     windows.ShowWindow(formWindow_, true);
+    // A form that appears puts the focus on its first tab stop, unless one of its controls has
+    // it already; the control's own focus events follow from the platform's focus change. A
+    // form without a stop takes the focus itself, so its keys (Tab, access keys) still reach it.
+    bool focused = false;
+    for (platform::HWND w = windows.GetFocus(); w && !focused; w = windows.GetParent(w))
+        focused = (w == formWindow_);
+    if (focused) return;
+    const std::vector<Site*> stops = TabStops();
+    windows.SetFocus(stops.empty() ? formWindow_ : stops.front()->control_->SurfaceWindow());
 }
 
 void Container::Hide() {

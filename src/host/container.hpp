@@ -104,7 +104,8 @@ class Container : private platform::WindowHandler {
     [[nodiscard]] platform::HWND FormWindow() const { return formWindow_; }
     std::int32_t Left = 0;  // twips, screen
     std::int32_t Top = 0;
-    // Applies Left, Top, Width and Height to the form's window and shows it.
+    // Applies Left, Top, Width and Height to the form's window and shows it; the focus goes to
+    // the first control in TabIndex order that takes it, unless a control of the form has it.
     void Show();
     void Hide();
     [[nodiscard]] std::int32_t TwipsToPixelsX(std::int32_t twips) const;
@@ -154,7 +155,9 @@ class Container : private platform::WindowHandler {
     // Tab and Shift+Tab move the focus through the controls in TabIndex order, before the
     // focused control sees the key, as the platform's dialog manager does.
     bool FilterKey(const platform::KeyEvent& event, platform::HWND focus);
+    bool AccessKey(const platform::KeyEvent& event, platform::HWND focus);
     Site* FocusedSite(platform::HWND focus) const;
+    [[nodiscard]] std::vector<Site*> TabStops() const;
     void OnPaint(platform::HDC dc, const platform::RECT& client) override;
 
     HostContext& context_;
@@ -163,6 +166,7 @@ class Container : private platform::WindowHandler {
     bool userMode_ = false;
     platform::HWND formWindow_;
     std::uint32_t keyFilter_ = 0;
+    int accessKeyDown_ = 0;  // the access key whose release is swallowed too
     std::vector<std::unique_ptr<Site>> sites_;
     // Every site by its name in ASCII lower case, so loading a form of n controls checks its
     // names in linear time.

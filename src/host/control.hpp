@@ -124,6 +124,15 @@ class Control : public Object {
     [[nodiscard]] virtual platform::HWND SurfaceWindow() const { return {}; }
     // Whether the control takes the focus (Tab stops on it); a separator line, say, does not.
     [[nodiscard]] virtual bool CanGetFocus() const { return true; }
+    // The access keys Alt reaches the control by (upper-case letters and digits, the "&" letter
+    // of its caption), as a control declares its AccessKeys; none by default.
+    [[nodiscard]] virtual std::u32string AccessKeys() const { return {}; }
+    // True for a control that hands the focus on, as a label does: its access key focuses the
+    // next control in tab order instead of the control itself.
+    [[nodiscard]] virtual bool ForwardFocus() const { return false; }
+    // Alt and one of the control's access keys were pressed; the host has given the control the
+    // focus already. A button-like control clicks itself here.
+    virtual void UserControl_AccessKeyPress(std::int16_t KeyAscii) { (void)KeyAscii; }
     // The host placed the extender: bounds in twips within the container, shown or hidden,
     // enabled or not. A control with a window moves it there.
     virtual void Place(const platform::RECT& bounds, bool visible, bool enabled) {

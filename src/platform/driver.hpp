@@ -10,6 +10,7 @@
 //   pixels   the screen, or one window, composed as the user would see it
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "platform/window.hpp"
@@ -50,8 +51,17 @@ class Driver {
 
     // Composes the desktop and every visible window (z-order, regions, parents' clipping) into
     // a bitmap of the screen size; or one window alone with its children, window-sized.
+    // The screen holds the tooltip shown now; one window alone does not, as a window's own
+    // capture leaves out the tooltip floating over it.
     virtual std::vector<std::uint32_t> ComposeScreen() = 0;  // 0x00RRGGBB, top-down
     virtual std::vector<std::uint32_t> ComposeWindow(HWND window) = 0;
+
+    // The tooltip on the screen now: its text and screen rectangle; empty text when none shows.
+    struct ShownToolTip {
+        std::string text;
+        RECT screen;
+    };
+    [[nodiscard]] virtual ShownToolTip ToolTip() = 0;
 };
 
 }  // namespace korvex::platform

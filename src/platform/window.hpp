@@ -206,6 +206,15 @@ class Windows {
     // (and region) contains it; the desktop when none.
     virtual HWND WindowFromPoint(POINT screen) = 0;
 
+    // Tooltips, as a tooltip control that watches the window's mouse input shows them: once
+    // the pointer has rested on the window for the hover delay, the platform shows the text in
+    // its tooltip look below the pointer, and hides it after a while, when the pointer leaves
+    // the window or a mouse button goes down. Setting the text while it shows changes it in
+    // place; "" takes the tooltip away. A window that shows several objects sets the text of
+    // the one under the pointer as the pointer moves.
+    virtual void SetToolTip(HWND window, std::string_view text) = 0;
+    [[nodiscard]] virtual std::string GetToolTip(HWND window) = 0;
+
     // Screen. Its resolution is a device capability of the drawing seam (LOGPIXELSX/Y); see
     // TwipsPerPixelX below.
     virtual SIZE ScreenSize() = 0;

@@ -111,6 +111,9 @@ TEST_F(ScriptRunnerTest, MalformedLineStopsBeforeAnythingRuns) {
         {"wait 10\nwait 3600001\n", 2},
         {"wait 9223372036854775808\n", 1},
         {"wait 100000000000000000000000\n", 1},
+        {"key down a\nkey alt\n", 2},  // a letter names its key; Alt needs one
+        {"key alt e\nkey alt ab\n", 2},
+        {"key alt e shift=1\n", 1},
     };
     for (const auto& c : cases) {
         int line = 0;
@@ -155,11 +158,12 @@ TEST(ScriptValues, ParseAsTheHostWritesThem) {
 TEST_F(ScriptRunnerTest, FocusKeysAndTabInTabIndexOrder) {
     form.Add("Korvex_Tools.Pad", {"C", 300, 1500, 600, 300, true, true, 2});  // between A and B
     form.LetProperty(form.Get("B"), "TabIndex", 3);
-    // Tab is the form's: the focused control sees none of its key strokes.
+    // A, the first tab stop, took the focus when the form showed, so focusing it again raises
+    // nothing. Tab is the form's: the focused control sees none of its key strokes.
     EXPECT_EQ(
         Run("focus A\ntype a\nkey down tab\nkey press 9\nkey up tab\nkey down tab\nkey down tab\n"
             "key down tab shift=1\nset C.TabStop False\nkey down tab\n"),
-        "event A.GotFocus()\nevent A.KeyPress(97)\nevent A.LostFocus()\nevent C.GotFocus()\n"
+        "event A.KeyPress(97)\nevent A.LostFocus()\nevent C.GotFocus()\n"
         "event C.LostFocus()\nevent B.GotFocus()\nevent B.LostFocus()\nevent A.GotFocus()\n"
         "event A.LostFocus()\nevent B.GotFocus()\nevent B.LostFocus()\nevent A.GotFocus()\n");
 }

@@ -71,6 +71,35 @@ TEST_F(InputTest, DisabledOrHiddenObjectsAndShapesPassThePressBeneath) {
     EXPECT_TRUE(TakeLog().empty());
 }
 
+// The window's tooltip is the text of the object under the pointer, the surface's own where the
+// object has none or input passes through it (a shape, a disabled object); a text changed under
+// a resting pointer reaches the platform at once.
+TEST_F(InputTest, TheTooltipIsTheTextOfTheObjectUnderThePointer) {
+    surface.ToolTipText("Fläche");
+    label.ToolTipText("Beschriftung");
+    const auto over = [&](POINT client) {
+        MoveTo(client);
+        return windows.GetToolTip(surface.hWnd());
+    };
+    EXPECT_EQ(over({15, 12}), "Beschriftung");
+    EXPECT_EQ(over({65, 35}), "Fläche") << "the image has no text";
+    EXPECT_EQ(over({5, 35}), "Fläche") << "shapes take no input";
+    image.ToolTipText("Bild");
+    EXPECT_EQ(over({65, 35}), "Bild");
+    label.Enabled(false);
+    EXPECT_EQ(over({15, 12}), "Fläche");
+    label.Enabled(true);
+    EXPECT_EQ(over({16, 12}), "Beschriftung");
+    label.ToolTipText("Neu");
+    EXPECT_EQ(windows.GetToolTip(surface.hWnd()), "Neu");
+    surface.ToolTipText("");
+    EXPECT_EQ(over({100, 5}), "");
+    // The platform shows it after the pointer rests there.
+    MoveTo({15, 12});
+    Advance(platform::sim::SimWindows::kToolTipInitial);
+    EXPECT_EQ(platform.driver().ToolTip().text, "Neu");
+}
+
 TEST_F(InputTest, DoubleClickAddsDblClickAndASecondMouseUp) {
     Click({15, 12});
     Advance(100);

@@ -439,9 +439,13 @@ void Button::FontShadowColor(OLE_COLOR New_FontShadowColor) {
     PropertyChanged("FontShadowColor");
 }
 
+// The face, the image and the caption carry one text, so the tip is the same wherever on the
+// button the pointer rests.
 void Button::SetToolTips() {
-    // Only the caption shows a tip here; the face and the image keep theirs with it.
-    lbl2.ToolTipText(ToolTip_ ? ToolTipText_ : std::string());
+    const std::string text = ToolTip_ ? ToolTipText_ : std::string();
+    PicBild1.ToolTipText(text);
+    imgBild.ToolTipText(text);
+    lbl2.ToolTipText(text);
 }
 
 void Button::ToolTip(bool New_ToolTip) {

@@ -51,6 +51,9 @@ class Button final : public forms::SurfaceControl {
     void UserControl_ReadProperties(host::PropertyBag& PropBag) override;
     void UserControl_WriteProperties(host::PropertyBag& PropBag) override;
     void UserControl_Resize() override { Layout(); }
+    // The caption's "&" letter; Alt with it clicks the button.
+    [[nodiscard]] std::u32string AccessKeys() const override { return lbl2.ShownAccessKeys(); }
+    void UserControl_AccessKeyPress(std::int16_t KeyAscii) override;
 
     // ---- properties, in the order they persist
     [[nodiscard]] std::shared_ptr<host::StdPicture> PictureUp() const { return look_.pictures[0]; }

@@ -113,6 +113,16 @@ void Button::WireInput() {
     };
 }
 
+// The host has focused the face; the access key clicks as Enter does with FocusRect: a press
+// and release of the left button at 0, 0, whatever FocusRect says.
+void Button::UserControl_AccessKeyPress(std::int16_t KeyAscii) {
+    (void)KeyAscii;
+    if (!look_.enabled) return;
+    Press(kLeftButton, 0, 0, 0);
+    Release(kLeftButton, 0, 0, 0);
+    state_.recheck = true;
+}
+
 void Button::ForwardInput(forms::MouseEvents& events) {
     events.MouseDown = [this](std::int16_t MouseButton, std::int16_t Shift, float x, float y) {
         Press(MouseButton, Shift, x, y);

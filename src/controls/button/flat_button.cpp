@@ -374,10 +374,8 @@ void FlatButton::OnPoll() {
         Paint();
     }
 
-    // A hidden or disabled button is no answer to the keys, as a disabled dialog button is not.
-    if (!windows.IsWindowVisible(UserControl.hWnd()) ||
-        !windows.IsWindowEnabled(UserControl.hWnd()))
-        return;
+    // The keys count whether the button is shown and enabled or not: the poll asks the
+    // keyboard, not the window.
     const bool alt = KeyIsDown(windows, platform::VK_MENU);
     const bool access = nAccessKey != 0 && KeyIsDown(windows, nAccessKey);
     const bool enter = KeyIsDown(windows, platform::VK_RETURN);

@@ -2,6 +2,7 @@
 
 #include "base/error.hpp"
 #include "foundation/border.hpp"
+#include "foundation/font_keys.hpp"
 #include "host/numeric.hpp"
 
 namespace korvex::controls {
@@ -195,15 +196,13 @@ void Frames::UserControl_ReadProperties(PropertyBag& PropBag) {
     UserControl.Enabled(Props::EnabledF.Read(*this, PropBag));
     Props::MouseIcon.Load(*this, PropBag);
     UserControl.MousePointer(static_cast<std::int16_t>(Props::MousePointer.Read(*this, PropBag)));
-    StdFont& font = *T.Font();
-    font.Bold(Props::FontBold.Read(*this, PropBag));
-    font.Italic(Props::FontItalic.Read(*this, PropBag));
-    // A saved frame never stores size 0 or name "" (a font has neither), so a missing key leaves
-    // what "Font" restored rather than asking the font for an impossible value.
-    if (const float size = Props::FontSize.Read(*this, PropBag); size > 0) font.Size(size);
-    font.Strikethrough(Props::FontStrikethru.Read(*this, PropBag));
-    if (std::string name = Props::FontName.Read(*this, PropBag); !name.empty())
-        font.Name(std::move(name));
+    foundation::FontKeys keys;
+    keys.bold = Props::FontBold.Read(*this, PropBag);
+    keys.italic = Props::FontItalic.Read(*this, PropBag);
+    keys.size = Props::FontSize.Read(*this, PropBag);
+    keys.strikethru = Props::FontStrikethru.Read(*this, PropBag);
+    keys.name = Props::FontName.Read(*this, PropBag);
+    foundation::RestoreFontKeys(*T.Font(), keys);
     Props::Alignment.Load(*this, PropBag);
     Props::AlignmentTop.Load(*this, PropBag);
 }

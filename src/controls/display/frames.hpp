@@ -50,6 +50,9 @@ class Frames final : public forms::SurfaceControl {
     void UserControl_ReadProperties(host::PropertyBag& PropBag) override;
     void UserControl_WriteProperties(host::PropertyBag& PropBag) override;
     void UserControl_Resize() override;
+    // The caption's "&" letter moves the focus on to the next control, the frame's first one.
+    [[nodiscard]] std::u32string AccessKeys() const override { return T.ShownAccessKeys(); }
+    [[nodiscard]] bool ForwardFocus() const override { return true; }
 
     // ---- properties, in the interface's order
     // A copy of the assigned font: the caption's own attribute properties change it, and they

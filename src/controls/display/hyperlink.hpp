@@ -57,6 +57,12 @@ class Hyperlink final : public forms::SurfaceControl {
     void UserControl_ReadProperties(host::PropertyBag& PropBag) override;
     void UserControl_WriteProperties(host::PropertyBag& PropBag) override;
     void UserControl_Resize() override;
+    // The caption's "&" letter follows the link as a click on it does.
+    [[nodiscard]] std::u32string AccessKeys() const override { return Label1.ShownAccessKeys(); }
+    void UserControl_AccessKeyPress(std::int16_t KeyAscii) override {
+        (void)KeyAscii;
+        OnCaptionClick();
+    }
 
     // ---- members, in the interface's order
     void ShowAboutBox() { OpenAboutBox(); }

@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "foundation/font_keys.hpp"
 #include "host/numeric.hpp"
 
 namespace korvex::controls {
@@ -233,19 +234,19 @@ void Label3D::UserControl_ReadProperties(host::PropertyBag& PropBag) {
     Props::FocusRect.Load(*this, PropBag);
     TextMode_ = Props::TextMode.Read(*this, PropBag);
 
+    foundation::FontKeys keys;
+    keys.bold = Props::FontBold.Read(*this, PropBag);
+    keys.italic = Props::FontItalic.Read(*this, PropBag);
+    keys.name = Props::FontName.Read(*this, PropBag);
+    keys.size = Props::FontSize.Read(*this, PropBag);
+    keys.strikethru = Props::FontStrikethru.Read(*this, PropBag);
     host::StdFont& front = *lbFont.Font();
     host::StdFont& back = *lbShadow.Font();
-    front.Bold(Props::FontBold.Read(*this, PropBag));
+    foundation::RestoreFontKeys(front, keys);
     back.Bold(front.Bold());
-    front.Italic(Props::FontItalic.Read(*this, PropBag));
     back.Italic(front.Italic());
-    front.Name(Props::FontName.Read(*this, PropBag));
     back.Name(front.Name());
-    // Every font has a size, so a control never writes 0; a bag without the key leaves the size
-    // the "Font" key gave.
-    if (const float size = Props::FontSize.Read(*this, PropBag); size != 0) front.Size(size);
     back.Size(front.Size());
-    front.Strikethrough(Props::FontStrikethru.Read(*this, PropBag));
     back.Strikethrough(front.Strikethrough());
 
     lbFont.Caption(Props::Caption.Read(*this, PropBag));
@@ -277,6 +278,11 @@ void Label3D::UserControl_WriteProperties(host::PropertyBag& PropBag) {
     Props::ToolTipText.Save(*this, PropBag);
     Props::xDist.Save(*this, PropBag);
     Props::BackStyle.Save(*this, PropBag);
+}
+
+void Label3D::UserControl_AccessKeyPress(std::int16_t KeyAscii) {
+    (void)KeyAscii;
+    RaiseEvent(Label3DEvents::Click);
 }
 
 void Label3D::UserControl_Resize() {

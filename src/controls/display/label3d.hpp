@@ -42,6 +42,13 @@ class Label3D final : public forms::SurfaceControl {
     void UserControl_ReadProperties(host::PropertyBag& PropBag) override;
     void UserControl_WriteProperties(host::PropertyBag& PropBag) override;
     void UserControl_Resize() override;
+    // A label takes the focus only while FocusRect makes it a small push button. Its caption's
+    // "&" letter then clicks it, as Enter does; otherwise the letter moves the focus on to the
+    // next control, as a label's does.
+    [[nodiscard]] bool CanGetFocus() const override { return FocusRect_; }
+    [[nodiscard]] std::u32string AccessKeys() const override { return lbFont.ShownAccessKeys(); }
+    [[nodiscard]] bool ForwardFocus() const override { return !FocusRect_; }
+    void UserControl_AccessKeyPress(std::int16_t KeyAscii) override;
 
     // ---- properties
     [[nodiscard]] bool FocusRect() const { return FocusRect_; }

@@ -5,6 +5,6 @@
 namespace korvex::platform::sim {
 
 SimPlatform::SimPlatform(SIZE screen, int pixelsPerInch)
-    : gdi_(screen, pixelsPerInch), windows_(gdi_, screen), loop_(windows_, clock_) {}
+    : gdi_(screen, pixelsPerInch), windows_(gdi_, screen, &clock_), loop_(windows_, clock_) {}
 
 }  // namespace korvex::platform::sim

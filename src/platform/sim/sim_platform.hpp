@@ -35,6 +35,7 @@ class SimDriver final : public Driver {
     std::vector<std::uint32_t> ComposeWindow(HWND window) override {
         return windows_.ComposeWindow(window);
     }
+    ShownToolTip ToolTip() override { return windows_.ToolTipOnScreen(); }
 
   private:
     SimWindows& windows_;

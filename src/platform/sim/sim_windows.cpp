@@ -40,7 +40,8 @@ std::size_t IndexOf(const std::deque<std::uint32_t>& list, std::uint32_t value) 
 // ---------------------------------------------------------------------------------------------
 // Construction
 
-SimWindows::SimWindows(Gdi& gdi, SIZE screen) : gdi_(gdi), screen_(screen) {
+SimWindows::SimWindows(Gdi& gdi, SIZE screen, Clock* clock)
+    : gdi_(gdi), screen_(screen), clock_(clock) {
     Window desktop;
     desktop.visible = true;
     desktop.rect = {0, 0, screen.cx, screen.cy};
@@ -49,6 +50,7 @@ SimWindows::SimWindows(Gdi& gdi, SIZE screen) : gdi_(gdi), screen_(screen) {
 }
 
 SimWindows::~SimWindows() {
+    if (clock_ && tip_.timer) clock_->KillTimer(tip_.timer);
     for (auto& [handle, window] : windows_)
         if (window.region) gdi_.DeleteObject(window.region);
 }
@@ -110,6 +112,7 @@ bool SimWindows::DestroyWindow(HWND window) {
             if (Find(handle)->owner == doomed[i]) doomed.push_back(handle);
     }
     for (std::uint32_t handle : doomed) {
+        DropToolTip(handle);
         if (handle == focus_) DropFocus(false);
         if (handle == capture_) DropCapture(false);
         if (handle == lastClick_.window) lastClick_ = {};
@@ -365,6 +368,7 @@ bool SimWindows::ShowWindow(HWND window, bool visible) {
     w->visible = visible;
     if (!visible) {
         w->closePressed = false;
+        if (tip_.tool && IsSelfOrDescendant(window.value, tip_.tool)) DropToolTip(tip_.tool);
         if (focus_ && IsSelfOrDescendant(window.value, focus_)) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -383,6 +387,7 @@ bool SimWindows::EnableWindow(HWND window, bool enabled) {
     const bool wasDisabled = !w->enabled;
     w->enabled = enabled;
     if (!enabled) {
+        if (tip_.tool && IsSelfOrDescendant(window.value, tip_.tool)) DropToolTip(tip_.tool);
         if (focus_ == window.value) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -581,17 +586,21 @@ void SimWindows::Deliver(std::uint32_t window, MouseEvent event) {
     w->handler->OnMouse(event);
 }
 
+// The tooltip follows the move once the window has seen it, so a window that sets the text of
+// the object under the pointer has set it by then.
 void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
-    if (!target) return;
-    MouseEvent event;
-    event.kind = MouseEvent::Kind::Move;
-    event.button = buttons_;
-    event.shift = ShiftState();
-    event.screen = cursor_;
-    event.time = time;
-    Deliver(target, event);
+    if (target) {
+        MouseEvent event;
+        event.kind = MouseEvent::Kind::Move;
+        event.button = buttons_;
+        event.shift = ShiftState();
+        event.screen = cursor_;
+        event.time = time;
+        Deliver(target, event);
+    }
+    TrackToolTip(Find(target) ? target : 0);
 }
 
 // Step table for the buttons (one press and release; the capture is the implicit one):
@@ -603,6 +612,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
 //            implicit capture ends (without OnCaptureLost: the release reached the window)
 // Input for a disabled window is dropped; the button state still changes.
 void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
+    if (down) ToolTipPress();
     buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
@@ -681,6 +691,7 @@ std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, P
             for (auto it = order.rbegin(); it != order.rend(); ++it)
                 if (const Window* w = Find(*it); w && w->visible)
                     ComposeInto(dc, *it, Origin(*it), {});
+            PaintToolTip(dc);
         } else {
             ComposeInto(dc, window, origin, {});
         }

@@ -83,5 +83,41 @@ TEST_F(FramesTest, AttributeLetsDoNotReachTheAssignedFont) {
     }
 }
 
+// The single font keys after "Font": Frames restores them as Label3D does. A missing or empty
+// "FontName" is the empty name; a missing or zero "FontSize" keeps the size "Font" gave; a
+// negative size is no font's and fails the restore.
+TEST_F(FramesTest, FontKeysRestoreAsLabel3DDoes) {
+    struct Row {
+        const char* what;
+        std::vector<std::pair<const char*, Variant>> keys;
+        const char* name;
+        double size;
+    };
+    const std::vector<Row> rows{
+        {"no single keys", {}, "", 12},
+        {"an empty name, size 0", {{"FontName", ""}, {"FontSize", std::int16_t{0}}}, "", 12},
+        {"a name and a size", {{"FontName", "Courier New"}, {"FontSize", std::int16_t{9}}},
+         "Courier New", 9},
+    };
+    for (const char* cls : {"Frames", "Label3D"}) {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(std::string(cls) + ": " + row.what);
+            JsonPropertyBag bag;
+            bag.WriteProperty("Font", Variant(std::make_shared<StdFont>("Arial", 12)));
+            for (const auto& [key, value] : row.keys) bag.WriteProperty(key, value);
+            Restore(cls, {"C", 150, 150, 1800, 900}, bag);
+            EXPECT_EQ(Get("C", "FontName").ToString(), row.name);
+            EXPECT_EQ(Get("C", "FontSize").ToDouble(), row.size);
+            form.Remove("C");
+        }
+        JsonPropertyBag negative;
+        negative.WriteProperty("FontSize", std::int16_t{-3});
+        EXPECT_EQ(ErrorOf([&] { Restore(cls, {"C", 150, 150, 1800, 900}, negative); }),
+                  kErrInvalidPropertyValue)
+            << cls;
+        EXPECT_EQ(form.Find("C"), nullptr) << cls;
+    }
+}
+
 }  // namespace
 }  // namespace korvex::test

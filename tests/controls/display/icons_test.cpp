@@ -35,7 +35,14 @@ TEST_F(IconsTest, IconChoosesSetAndSizeFromItsArguments) {
         EXPECT_EQ(picture->PixelWidth(), row.pixels);
         EXPECT_TRUE(picture->SameContent(*foundation::LoadResImage(row.id, row.pixels, 2)));
     }
-    EXPECT_EQ(Icons().Icon("0", "32", 51), nullptr);  // no such group: Nothing, no error
+    // The last group of the normal set is pOff's, at both sizes; past it there is none.
+    for (const char* size : {"16", "32"}) {
+        const auto off = Icons().Icon("0", size, 51);
+        ASSERT_NE(off, nullptr) << size;
+        EXPECT_EQ(off->PixelWidth(), std::stoi(size));
+    }
+    EXPECT_EQ(Icons().Icon("0", "32", 52), nullptr);  // no such group: Nothing, no error
+    EXPECT_EQ(Icons().Icon("1", "16", 51), nullptr);
     EXPECT_EQ(ErrorOf([&] { (void)Icons().Icon("eins", "32", 5); }), kErrTypeMismatch);
     EXPECT_EQ(ErrorOf([&] { (void)Icons().Icon("1", "groß", 5); }), kErrTypeMismatch);
     EXPECT_EQ(ErrorOf([&] { (void)Icons().Icon("2", "16", 2147483600); }), kErrOverflow);
