@@ -129,7 +129,7 @@ class Runner {
 
     void Define(const GdiScriptCall& call, HGDIOBJ object) {
         const std::string& name = call.words.at(0);
-        if (objects_.contains(name)) {
+        if (objects_.contains(name) || bitmaps_.contains(name)) {
             throw GdiScriptError(call.line, "object '" + name + "' already exists");
         }
         objects_.emplace(name, object);
