@@ -56,7 +56,8 @@ std::int64_t PickSource(std::int64_t k, std::int64_t d, std::int64_t s, bool las
     return (2 * k * s - d + 2 * d) / (2 * d);  // floor((2ks - d) / 2d) + 1, never negative
 }
 
-// One channel (or the alpha byte) of premultiplied source over destination.
+// One channel (or the alpha byte) of premultiplied source over destination. A source that is not
+// premultiplied (a channel above its alpha) is undefined for the real call; here it saturates.
 std::uint32_t Over(std::uint32_t s, std::uint32_t d, std::uint32_t a) {
     return std::min<std::uint32_t>(255, s + (d * (255 - a) + 127) / 255);
 }
