@@ -326,7 +326,8 @@ class Gdi {
     virtual HBRUSH CreateSolidBrush(COLORREF color) = 0;
     // An 8x8 hatch (HS_HORIZONTAL .. HS_DIAGCROSS) in `color`, aligned to the brush origin; the
     // pixels between the lines take the DC's background colour when its mode is OPAQUE and are
-    // left alone when it is TRANSPARENT. Any other style fails (zero handle).
+    // left alone when it is TRANSPARENT, both as the DC stands when it draws (raster codes that
+    // ignore the pattern touch every pixel). Any other style fails (zero handle).
     virtual HBRUSH CreateHatchBrush(int style, COLORREF color) = 0;
     virtual HGDIOBJ GetStockObject(int index) = 0;
     virtual HFONT CreateFontIndirect(const LOGFONT& font) = 0;

@@ -78,7 +78,10 @@ bool SimGdi::PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t
                          DWORD rop, const BrushObj& brush) {
     if (Rop3UsesSource(rop)) return false;  // PatBlt has no source
     if (Rop3UsesPattern(rop) && brush.null) return true;
-    FillClipped(dc, BlitRect(x, y, w, h), PaintFor(dc, brush, Rop3ToRop2(rop)));
+    // A code that ignores the pattern touches every pixel, whatever brush is selected.
+    const int rop2 = Rop3ToRop2(rop);
+    FillClipped(dc, BlitRect(x, y, w, h),
+                Rop3UsesPattern(rop) ? PaintFor(dc, brush, rop2) : FillPaint(Rop2Pair(rop2, 0)));
     return true;
 }
 
