@@ -53,6 +53,9 @@ constexpr std::array kConstants = {
     KORVEX_CONSTANT(NOTSRCERASE), KORVEX_CONSTANT(MERGECOPY), KORVEX_CONSTANT(MERGEPAINT),
     KORVEX_CONSTANT(PATCOPY), KORVEX_CONSTANT(PATPAINT), KORVEX_CONSTANT(PATINVERT),
     KORVEX_CONSTANT(DSTINVERT), KORVEX_CONSTANT(BLACKNESS), KORVEX_CONSTANT(WHITENESS),
+    KORVEX_CONSTANT(HS_HORIZONTAL), KORVEX_CONSTANT(HS_VERTICAL), KORVEX_CONSTANT(HS_FDIAGONAL),
+    KORVEX_CONSTANT(HS_BDIAGONAL), KORVEX_CONSTANT(HS_CROSS), KORVEX_CONSTANT(HS_DIAGCROSS),
+    KORVEX_CONSTANT(AC_SRC_OVER), KORVEX_CONSTANT(AC_SRC_ALPHA),
     KORVEX_CONSTANT(TRANSPARENT), KORVEX_CONSTANT(OPAQUE), KORVEX_CONSTANT(BLACKONWHITE),
     KORVEX_CONSTANT(WHITEONBLACK), KORVEX_CONSTANT(COLORONCOLOR), KORVEX_CONSTANT(HALFTONE),
     KORVEX_CONSTANT(TA_LEFT), KORVEX_CONSTANT(TA_TOP), KORVEX_CONSTANT(TA_RIGHT),
@@ -126,7 +129,7 @@ class Runner {
 
     void Define(const GdiScriptCall& call, HGDIOBJ object) {
         const std::string& name = call.words.at(0);
-        if (objects_.contains(name)) {
+        if (objects_.contains(name) || bitmaps_.contains(name)) {
             throw GdiScriptError(call.line, "object '" + name + "' already exists");
         }
         objects_.emplace(name, object);
@@ -135,6 +138,22 @@ class Runner {
     void Forget(const GdiScriptCall& call, std::size_t word) {
         objects_.erase(call.words.at(word));
     }
+
+    // A 32-bit bitmap of the script's own, selected into a memory DC: the source of AlphaBlend.
+    struct Bitmap {
+        HDC dc;
+        HBITMAP bitmap;
+    };
+    void DefineBitmap(const GdiScriptCall& call, std::int32_t width, std::int32_t height);
+    const Bitmap& FindBitmap(const GdiScriptCall& call, std::size_t word) const {
+        const std::string& name = call.words.at(word);
+        auto it = bitmaps_.find(name);
+        if (it == bitmaps_.end()) throw GdiScriptError(call.line, "no bitmap named '" + name + "'");
+        return it->second;
+    }
+    ~Runner();
+    Runner(const Runner&) = delete;
+    Runner& operator=(const Runner&) = delete;
 
     static bool IsNumberWord(std::string_view word) {
         return !word.empty() &&
@@ -145,7 +164,36 @@ class Runner {
     Gdi& gdi_;
     HDC dc_{};
     std::map<std::string, HGDIOBJ, std::less<>> objects_;
+    std::map<std::string, Bitmap, std::less<>> bitmaps_;
+    std::int64_t bitmapPixels_ = 0;
 };
+
+// All of a script's own bitmaps together stay small, whatever the script asks for.
+constexpr std::int64_t kMaxBitmapPixels = std::int64_t{1} << 24;
+
+void Runner::DefineBitmap(const GdiScriptCall& call, std::int32_t width, std::int32_t height) {
+    const std::string& name = call.words.at(0);
+    if (objects_.contains(name) || bitmaps_.contains(name))
+        throw GdiScriptError(call.line, "object '" + name + "' already exists");
+    if (width < 1 || height < 1 || width > 16384 || height > 16384)
+        throw GdiScriptError(call.line, "bitmap size must be 1 to 16384 pixels each way");
+    if (bitmapPixels_ + std::int64_t{width} * height > kMaxBitmapPixels)
+        throw GdiScriptError(call.line, "the script's bitmaps exceed 16777216 pixels together");
+    const HDC dc = gdi_.CreateCompatibleDC(HDC{});
+    const HBITMAP bitmap = gdi_.CreateDIBSection32(width, height);
+    if (!dc || !bitmap) throw GdiScriptError(call.line, "cannot create bitmap '" + name + "'");
+    gdi_.SelectObject(dc, bitmap);
+    bitmapPixels_ += std::int64_t{width} * height;
+    bitmaps_.emplace(name, Bitmap{dc, bitmap});
+}
+
+// The script's bitmaps go with their DCs; the canvas stays, the caller reads it.
+Runner::~Runner() {
+    for (const auto& [name, b] : bitmaps_) {
+        gdi_.DeleteDC(b.dc);
+        gdi_.DeleteObject(b.bitmap);
+    }
+}
 
 std::int32_t I(const GdiScriptCall& c, std::size_t i) {
     return static_cast<std::int32_t>(c.numbers.at(i));
@@ -172,6 +220,10 @@ constexpr std::array kCalls = {
     CallDef{"CreateSolidBrush", "ni", "NAME COLOR",
              [](Runner& r, const GdiScriptCall& c) {
                  r.Define(c, r.gdi().CreateSolidBrush(C(c, 0)));
+             }},
+    CallDef{"CreateHatchBrush", "nii", "NAME STYLE COLOR",
+             [](Runner& r, const GdiScriptCall& c) {
+                 r.Define(c, r.gdi().CreateHatchBrush(I(c, 0), C(c, 1)));
              }},
     CallDef{"GetStockObject", "ni", "NAME INDEX",
              [](Runner& r, const GdiScriptCall& c) {
@@ -223,6 +275,10 @@ constexpr std::array kCalls = {
     CallDef{"MoveToEx", "ii", "X Y",
              [](Runner& r, const GdiScriptCall& c) {
                  r.gdi().MoveToEx(r.dc(), I(c, 0), I(c, 1), nullptr);
+             }},
+    CallDef{"SetBrushOrgEx", "ii", "X Y",
+             [](Runner& r, const GdiScriptCall& c) {
+                 r.gdi().SetBrushOrgEx(r.dc(), I(c, 0), I(c, 1), nullptr);
              }},
     CallDef{"LineTo", "ii", "X Y",
              [](Runner& r, const GdiScriptCall& c) { r.gdi().LineTo(r.dc(), I(c, 0), I(c, 1)); }},
@@ -304,6 +360,30 @@ constexpr std::array kCalls = {
                  const HDC dc = r.dc();
                  r.gdi().StretchBlt(dc, I(c, 0), I(c, 1), I(c, 2), I(c, 3), dc, I(c, 4), I(c, 5),
                                     I(c, 6), I(c, 7), C(c, 8));
+             }},
+    // Bitmaps of 32-bit words 0xAARRGGBB, as a DIB section holds them, for AlphaBlend.
+    CallDef{"CreateBitmap32", "nii", "NAME W H",
+             [](Runner& r, const GdiScriptCall& c) { r.DefineBitmap(c, I(c, 0), I(c, 1)); }},
+    CallDef{"FillPixels", "oiiiii", "BITMAP L T R B 0xAARRGGBB",
+             [](Runner& r, const GdiScriptCall& c) {
+                 const PixelView view = r.gdi().BitmapPixels(r.FindBitmap(c, 0).bitmap);
+                 const std::int32_t l = std::max(I(c, 0), 0), t = std::max(I(c, 1), 0);
+                 const std::int32_t right = std::min(I(c, 2), view.width);
+                 const std::int32_t bottom = std::min(I(c, 3), view.height);
+                 const auto word = static_cast<std::uint32_t>(c.numbers.at(4));
+                 for (std::int32_t y = t; y < bottom; ++y)
+                     for (std::int32_t x = l; x < right; ++x)
+                         view.bits[static_cast<std::size_t>(y) * static_cast<std::size_t>(view.width) +
+                                   static_cast<std::size_t>(x)] = word;
+             }},
+    CallDef{"AlphaBlend", "iiiioiiiiii", "DX DY DW DH BITMAP SX SY SW SH CONSTALPHA FORMAT",
+             [](Runner& r, const GdiScriptCall& c) {
+                 BLENDFUNCTION blend;
+                 blend.SourceConstantAlpha = static_cast<std::uint8_t>(I(c, 8));
+                 blend.AlphaFormat = static_cast<std::uint8_t>(I(c, 9));
+                 r.gdi().AlphaBlend(r.dc(), I(c, 0), I(c, 1), I(c, 2), I(c, 3),
+                                    r.FindBitmap(c, 0).dc, I(c, 4), I(c, 5), I(c, 6), I(c, 7),
+                                    blend);
              }},
     CallDef{"SetSysColor", "ii", "INDEX COLOR",
              [](Runner& r, const GdiScriptCall& c) {

@@ -8,6 +8,8 @@
 // The first call is `canvas W H [COLOR]`. Objects get names from the script (`CreatePen p 0 1
 // 0xFF`) and are referred to by name; an object argument may also be a number, passed as a raw
 // handle value (0, or COLOR_x + 1 for a system colour brush), or `none` for the zero handle.
+// `CreateBitmap32 NAME W H` makes a 32-bit bitmap in a DC of its own, `FillPixels` writes raw
+// 0xAARRGGBB words into it, and `AlphaBlend` takes it as its source.
 
 #include <cstdint>
 #include <iosfwd>

@@ -298,10 +298,10 @@ void DrawingSurface::Line(float X1, float Y1, float X2, float Y2,
         }
         case LineBox::B: {
             const GdiObject pen = MakePen(gdi_, style, drawWidth_, colour);
-            const GdiObject fill = MakeBrush(gdi_, OleColorToRGB(gdi_, fillColor_));
+            const GdiObject fill = MakeFillBrush(gdi_, fillStyle_, OleColorToRGB(gdi_, fillColor_));
             const ScopedSelect selectPen(gdi_, dc_, pen.get());
-            const ScopedSelect selectBrush(
-                gdi_, dc_, fillStyle_ == 0 ? fill.get() : gdi_.GetStockObject(NULL_BRUSH));
+            const ScopedSelect selectBrush(gdi_, dc_,
+                                           fill ? fill.get() : gdi_.GetStockObject(NULL_BRUSH));
             gdi_.Rectangle(dc_, box.left, box.top, box.right, box.bottom);
             break;
         }

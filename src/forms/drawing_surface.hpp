@@ -72,7 +72,9 @@ class DrawingSurface : private platform::WindowHandler {
     void ForeColor(host::OLE_COLOR value);
     [[nodiscard]] host::OLE_COLOR FillColor() const { return fillColor_; }
     void FillColor(host::OLE_COLOR value) { fillColor_ = value; }
-    // 0 solid, 1 transparent (the default); the hatches 2 to 7 are kept but drawn transparent.
+    // 0 solid, 1 transparent (the default), 2 to 7 hatches in FillColor (see MakeFillBrush); the
+    // gaps of a hatch show the back colour unless FontTransparent leaves them clear, as the
+    // device context's background mode decides both.
     [[nodiscard]] std::int16_t FillStyle() const { return fillStyle_; }
     void FillStyle(std::int16_t value);
     // The ROP2 codes 1 to 16; 13 (copy pen) by default.

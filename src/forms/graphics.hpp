@@ -43,6 +43,10 @@ class GdiObject {
 GdiObject MakeFont(platform::Gdi& gdi, const host::StdFont& font);
 GdiObject MakeBrush(platform::Gdi& gdi, platform::COLORREF color);
 GdiObject MakePen(platform::Gdi& gdi, int style, int width, platform::COLORREF color);
+// The brush of the host's FillStyle in `color`: 0 solid, 1 transparent (no brush: an empty
+// object), 2 horizontal, 3 vertical, 4 upward diagonal, 5 downward diagonal, 6 cross and
+// 7 diagonal cross lines, drawn as hatch brushes whose gaps follow the DC's background mode.
+GdiObject MakeFillBrush(platform::Gdi& gdi, std::int16_t fillStyle, platform::COLORREF color);
 
 // A memory DC with a 32-bit bitmap of its own, deleted together.
 class MemoryBitmap {
@@ -64,17 +68,19 @@ class MemoryBitmap {
     platform::HGDIOBJ previous_;
 };
 
-// A picture realised on the device. Pixels with alpha 0 are transparent: such a picture is drawn
-// as icons are, the mask ANDed in and the colours XORed over it, so it keeps working with any
-// destination and any backend; a picture without them is a plain copy.
+// A picture realised on the device. A picture whose alpha is only 0 or 255 is drawn as icons
+// without an alpha channel are, the mask ANDed in and the colours XORed over it, so it works with
+// any destination; one without alpha 0 is a plain copy. A picture with partial alpha (soft icon
+// edges) is premultiplied and alpha blended, as the platform draws a 32-bit icon: alpha 0 stays
+// transparent, 255 opaque, and the values between mix with what lies beneath.
 class PictureBitmap {
   public:
     PictureBitmap(platform::Gdi& gdi, const host::StdPicture& picture);
 
     [[nodiscard]] platform::SIZE size() const { return colour_.size(); }
-    [[nodiscard]] bool HasTransparency() const { return mask_ != nullptr; }
+    [[nodiscard]] bool HasTransparency() const { return mask_ != nullptr || blended_; }
     // Draws source rectangle (sx, sy, sw, sh) of the picture stretched to (x, y, w, h) of dst.
-    // rop applies to opaque pictures; transparent ones always draw through their mask.
+    // rop applies to opaque pictures; transparent ones always draw through their mask or blend.
     void Draw(platform::HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
               std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
               platform::DWORD rop = platform::SRCCOPY) const;
@@ -83,9 +89,13 @@ class PictureBitmap {
     }
 
   private:
+    void Blend(platform::HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+               std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh) const;
+
     platform::Gdi& gdi_;
-    MemoryBitmap colour_;                 // black where transparent
+    MemoryBitmap colour_;                 // black where transparent; premultiplied when blended
     std::unique_ptr<MemoryBitmap> mask_;  // white where transparent, black elsewhere
+    bool blended_ = false;
 };
 
 // Whether a picture has anything to draw.

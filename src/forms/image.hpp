@@ -1,6 +1,7 @@
 #pragma once
 // Image: a windowless picture. Without Stretch it takes the picture's size; with it the picture
-// is stretched to the image's rectangle. Pixels with alpha 0 let the container show through.
+// is stretched to the image's rectangle. Pixels with alpha 0 let the container show through;
+// partial alpha (soft icon edges) blends with it.
 
 #include <memory>
 

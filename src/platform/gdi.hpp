@@ -142,6 +142,18 @@ inline constexpr DWORD DSTINVERT = 0x00550009;
 inline constexpr DWORD BLACKNESS = 0x00000042;
 inline constexpr DWORD WHITENESS = 0x00FF0062;
 
+// Hatch brush styles (CreateHatchBrush).
+inline constexpr int HS_HORIZONTAL = 0;  // -----
+inline constexpr int HS_VERTICAL = 1;    // |||||
+inline constexpr int HS_FDIAGONAL = 2;   // \\\\\ (down from left to right)
+inline constexpr int HS_BDIAGONAL = 3;   // ///// (up from left to right)
+inline constexpr int HS_CROSS = 4;       // +++++
+inline constexpr int HS_DIAGCROSS = 5;   // xxxxx
+
+// Alpha blending (AlphaBlend's BLENDFUNCTION).
+inline constexpr std::uint8_t AC_SRC_OVER = 0x00;
+inline constexpr std::uint8_t AC_SRC_ALPHA = 0x01;
+
 // Background modes.
 inline constexpr int TRANSPARENT = 1;
 inline constexpr int OPAQUE = 2;
@@ -276,6 +288,16 @@ struct TEXTMETRIC {
     std::uint8_t tmCharSet = 0;
 };
 
+// How AlphaBlend mixes: BlendOp is AC_SRC_OVER, BlendFlags 0; SourceConstantAlpha scales the
+// whole source; AlphaFormat AC_SRC_ALPHA says the source pixels carry premultiplied alpha in
+// their top byte.
+struct BLENDFUNCTION {
+    std::uint8_t BlendOp = AC_SRC_OVER;
+    std::uint8_t BlendFlags = 0;
+    std::uint8_t SourceConstantAlpha = 255;
+    std::uint8_t AlphaFormat = AC_SRC_ALPHA;
+};
+
 // Pixels of a 32-bit top-down bitmap; each pixel is the word 0x00RRGGBB (bytes B, G, R, 0 in
 // memory, as a Windows 32-bit DIB section). Row y starts at bits + y * width.
 struct PixelView {
@@ -302,6 +324,11 @@ class Gdi {
     // Objects.
     virtual HPEN CreatePen(int style, int width, COLORREF color) = 0;
     virtual HBRUSH CreateSolidBrush(COLORREF color) = 0;
+    // An 8x8 hatch (HS_HORIZONTAL .. HS_DIAGCROSS) in `color`, aligned to the brush origin; the
+    // pixels between the lines take the DC's background colour when its mode is OPAQUE and are
+    // left alone when it is TRANSPARENT, both as the DC stands when it draws (raster codes that
+    // ignore the pattern touch every pixel). Any other style fails (zero handle).
+    virtual HBRUSH CreateHatchBrush(int style, COLORREF color) = 0;
     virtual HGDIOBJ GetStockObject(int index) = 0;
     virtual HFONT CreateFontIndirect(const LOGFONT& font) = 0;
     virtual HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) = 0;  // regions: selects a clip copy
@@ -321,6 +348,9 @@ class Gdi {
     virtual int SetStretchBltMode(HDC dc, int mode) = 0;
     virtual bool MoveToEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) = 0;
     virtual bool GetCurrentPositionEx(HDC dc, POINT* position) = 0;
+    // Where pattern brushes start: device pixel (x, y) shows pattern pixel
+    // ((x - org.x) mod 8, (y - org.y) mod 8). (0, 0) in a new DC.
+    virtual bool SetBrushOrgEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) = 0;
 
     // Drawing.
     virtual bool LineTo(HDC dc, std::int32_t x, std::int32_t y) = 0;
@@ -345,6 +375,14 @@ class Gdi {
                             HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw,
                             std::int32_t sh, DWORD rop) = 0;
     virtual bool DrawEdge(HDC dc, RECT* rect, unsigned edge, unsigned flags) = 0;
+    // Source rectangle (sx, sy, sw, sh) of src blended over (x, y, w, h) of dst, stretched by
+    // picking pixels when the sizes differ. With AC_SRC_ALPHA every source pixel is
+    // premultiplied 0xAARRGGBB: each channel becomes s + d * (255 - a) / 255, rounded to nearest;
+    // SourceConstantAlpha scales the source first. Fails (false) on a negative size, a source
+    // rectangle outside the source bitmap or a source and destination that overlap in one DC.
+    virtual bool AlphaBlend(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                            HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw,
+                            std::int32_t sh, BLENDFUNCTION blend) = 0;
 
     // Regions.
     virtual HRGN CreateRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) = 0;

@@ -30,6 +30,13 @@ TEST(GdiScript, ErrorsNameTheLine) {
         {"# nothing yet\nLineTo 1 1\n", 2, "the first call must be"},
         {"canvas 4 4\ncanvas 4 4\n", 2, "only once"},
         {"canvas 4 4\nCreatePen p PS_SOLID 1 0\nSelectObject q\n", 3, "'q'"},
+        {"canvas 4 4\nCreateBitmap32 b 4 0\n", 2, "bitmap size must be 1 to 16384"},
+        {"canvas 4 4\nCreateBitmap32 a 4096 4096\nCreateBitmap32 b 1 1\n", 3,
+         "exceed 16777216 pixels"},
+        {"canvas 4 4\nCreatePen b 0 1 0\nCreateBitmap32 b 1 1\n", 3, "'b' already exists"},
+        {"canvas 4 4\nCreateBitmap32 b 1 1\nCreatePen b 0 1 0\n", 3, "'b' already exists"},
+        {"canvas 4 4\nAlphaBlend 0 0 1 1 src 0 0 1 1 255 AC_SRC_ALPHA\n", 2,
+         "no bitmap named 'src'"},
     };
     for (const auto& c : cases) {
         std::string what;
@@ -65,6 +72,20 @@ TEST(GdiScript, ConstantsJoinWithBarHexIsReadAndWrittenRowByRow) {
     std::ostringstream hex;
     WritePixelsHex(hex, pixels);
     EXPECT_EQ(hex.str(), "3 2\n0000FF 0000FF FF8001\n0000FF 00FF00 0000FF\n");
+}
+
+// The script's own bitmaps hold raw words, clipped to the bitmap, and feed AlphaBlend.
+TEST(GdiScript, FillPixelsWritesRawWordsThatAlphaBlendTakes) {
+    sim::SimGdi gdi;
+    const PixelView pixels = RunGdiScript(gdi, ParseGdiScript("canvas 3 1 0x000000\n"
+                                                              "CreateBitmap32 s 2 1\n"
+                                                              "FillPixels s -5 -5 1 9 0xFF0000FF\n"
+                                                              "FillPixels s 1 0 99 1 0x80400000\n"
+                                                              "AlphaBlend 1 0 2 1 s 0 0 2 1 255 "
+                                                              "AC_SRC_ALPHA\n"));
+    EXPECT_EQ(pixels.bits[0] & 0xFFFFFFu, 0u);
+    EXPECT_EQ(pixels.bits[1] & 0xFFFFFFu, 0x0000FFu);
+    EXPECT_EQ(pixels.bits[2] & 0xFFFFFFu, 0x400000u);
 }
 
 }  // namespace

@@ -65,6 +65,22 @@ TEST_F(PictureTest, PaintPictureCopiesStretchesAndKeepsTransparentPixels) {
     EXPECT_THROW(box.PaintPicture(nullptr, 0, 0), host::HostError);
 }
 
+TEST_F(PictureTest, PartialAlphaBlendsOverTheDrawingAndMirrorsLikeAnyPicture) {
+    box.BorderStyle(0);
+    box.ScaleMode(ScaleModeConstants::vbPixels);
+    // Alpha 0, half-transparent red, opaque blue.
+    const auto soft = std::make_shared<host::StdPicture>(
+        host::PictureType::Icon, 3, 1,
+        std::vector<std::uint32_t>{0x00FF0000u, 0x80FF0000u, 0xFF0000FFu});
+    box.PaintPicture(soft, 0, 0);
+    box.PaintPicture(soft, 5, 0, -3, 1);  // mirrored: pixels 3..5 show the picture right to left
+    // Red premultiplied by alpha 128 is 128; over green the channels are 128 + 0 * 127 / 255 and
+    // 0 + 255 * 127 / 255 = 127.
+    const test::Legend legend{{kGreen, 'g'}, {kBlue, 'b'}, {RGB(128, 127, 0), 'm'}};
+    EXPECT_TRUE(
+        SameRows(FormTest::Map({0, 2, 14, 4}, legend), {"..gmbbmggggg..", "..gggggggggg.."}));
+}
+
 TEST_F(PictureTest, ImageDrawsItsPictureWithTransparencyAndSizesToIt) {
     Image image{surface};
     image.Move(20, 20);

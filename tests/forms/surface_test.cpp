@@ -118,6 +118,25 @@ TEST_F(SurfaceTest, FilledBoxesFillStylesAndDrawModes) {
     EXPECT_EQ(surface.DrawMode(), R2_XORPEN);
 }
 
+TEST_F(SurfaceTest, HatchFillStylesDrawLinesInTheFillColourOverOrBetweenTheBackColour) {
+    Shrink();
+    surface.ScaleMode(ScaleModeConstants::vbPixels);
+    surface.BackColor(kYellow);
+    surface.Line(0, 0, 11, 7, RGB(0, 0, 0), LineBox::BF);
+    surface.FillColor(kRed);
+    // 4, upward diagonal "/": pixels with x + y = 7 (mod 8); FontTransparent (the default)
+    // leaves the gaps as they were.
+    surface.FillStyle(4);
+    surface.Line(0, 0, 5, 7, kBlue, LineBox::B);
+    // 5, downward diagonal "\": x = y (mod 8); an opaque background fills the gaps with the
+    // back colour.
+    surface.FillStyle(5);
+    surface.FontTransparent(false);
+    surface.Line(6, 0, 11, 7, kBlue, LineBox::B);
+    EXPECT_TRUE(SameRows(Map(), {"bbbbbbbbbbbb", "bkkkkbbyyryb", "bkkkkbbyyyrb", "bkkkrbbyyyyb",
+                                 "bkkrkbbyyyyb", "bkrkkbbyyyyb", "brkkkbbyyyyb", "bbbbbbbbbbbb"}));
+}
+
 TEST_F(SurfaceTest, PrintWritesLinesAndAdvancesByTheTextHeight) {
     surface.ForeColor(kRed);
     surface.CurrentX(Tx(4));

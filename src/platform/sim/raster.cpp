@@ -63,6 +63,24 @@ void FillRect(const Surface& s, const RECT& r, RopPair rop) {
     for (std::int32_t y = r.top; y < r.bottom; ++y) FillSpan(s, y, r.left, r.right, rop);
 }
 
+void FillRect(const Surface& s, const RECT& r, const FillPaint& paint) {
+    if (!paint.hatch) {
+        FillRect(s, r, paint.fg);
+        return;
+    }
+    assert(!r.IsEmpty() && r.left >= 0 && r.top >= 0 && r.right <= s.width &&
+           r.bottom <= s.height && "rect outside surface");
+    for (std::int32_t y = r.top; y < r.bottom; ++y) {
+        std::uint32_t* row = s.Row(y);
+        for (std::int32_t x = r.left; x < r.right; ++x) {
+            if (paint.On(x, y))
+                row[x] = paint.fg.Apply(row[x]);
+            else if (paint.drawBg)
+                row[x] = paint.bg.Apply(row[x]);
+        }
+    }
+}
+
 LineGeom::LineGeom(std::int32_t ax, std::int32_t ay, std::int32_t bx, std::int32_t by)
     : x1(ax), y1(ay), dx(std::int64_t{bx} - ax), dy(std::int64_t{by} - ay) {
     const std::int64_t adx = std::abs(dx), ady = std::abs(dy);

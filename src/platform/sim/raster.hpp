@@ -148,6 +148,41 @@ void FillSpan(const Surface& s, std::int32_t y, std::int32_t x0, std::int32_t x1
 // Fills a non-empty rect inside the surface through the pair.
 void FillRect(const Surface& s, const RECT& r, RopPair rop);
 
+// The 8x8 hatch patterns of GDI, HS_HORIZONTAL .. HS_DIAGCROSS: one byte per row, bit 7 the
+// leftmost pixel, a set bit a line pixel.
+inline constexpr std::uint8_t kHatchPatterns[6][8] = {
+    {0x00, 0x00, 0x00, 0xFF, 0x00, 0x00, 0x00, 0x00},  // HS_HORIZONTAL
+    {0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08, 0x08},  // HS_VERTICAL
+    {0x80, 0x40, 0x20, 0x10, 0x08, 0x04, 0x02, 0x01},  // HS_FDIAGONAL
+    {0x01, 0x02, 0x04, 0x08, 0x10, 0x20, 0x40, 0x80},  // HS_BDIAGONAL
+    {0x08, 0x08, 0x08, 0xFF, 0x08, 0x08, 0x08, 0x08},  // HS_CROSS
+    {0x81, 0x42, 0x24, 0x18, 0x18, 0x24, 0x42, 0x81},  // HS_DIAGCROSS
+};
+
+// What a brush writes. A solid brush is one pair for every pixel; a hatch writes its line pixels
+// through `fg` and the others through `bg`, or leaves them alone when the background is
+// transparent. Pattern pixel (0, 0) lies at device (orgX, orgY).
+struct FillPaint {
+    RopPair fg;
+    RopPair bg;
+    const std::uint8_t* hatch = nullptr;  // 8 rows as in kHatchPatterns; null for a solid brush
+    bool drawBg = true;
+    std::int32_t orgX = 0, orgY = 0;
+
+    FillPaint() = default;
+    FillPaint(RopPair solid) : fg(solid) {}  // NOLINT(google-explicit-constructor): a solid fill
+    [[nodiscard]] bool IsNop() const { return fg.IsNop() && (!hatch || !drawBg || bg.IsNop()); }
+    // The pattern bit at device (x, y): true on a hatch line.
+    [[nodiscard]] bool On(std::int32_t x, std::int32_t y) const {
+        const auto px = static_cast<unsigned>((std::int64_t{x} - orgX) & 7);
+        const auto py = static_cast<unsigned>((std::int64_t{y} - orgY) & 7);
+        return ((hatch[py] >> (7 - px)) & 1u) != 0;
+    }
+};
+
+// Fills a non-empty rect inside the surface with the brush.
+void FillRect(const Surface& s, const RECT& r, const FillPaint& paint);
+
 // ---------------------------------------------------------------------------------------------
 // Cosmetic lines
 

@@ -1,4 +1,4 @@
-// SimGdi: BitBlt and StretchBlt.
+// SimGdi: BitBlt, StretchBlt and AlphaBlend.
 //
 // Both walk the destination from its anchor (x, y) in the direction of its extent's sign and the
 // source from its anchor likewise, so a negative extent covers [x+w+1, x+1) and mirrors. Per axis
@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <vector>
 
 #include "platform/sim/sim_gdi.hpp"
@@ -43,6 +44,50 @@ std::vector<Run> AxisMap(std::int64_t d, std::int64_t s) {
         if (run.count++ == 0) run.first = i;
     }
     return runs;
+}
+
+// The source offset COLORONCOLOR keeps for destination offset k of d, with s source pixels: the
+// closed form of AxisMap's runs, taking the last pixel of a run (columns) or the first (rows).
+std::int64_t PickSource(std::int64_t k, std::int64_t d, std::int64_t s, bool last) {
+    if (d == 1 && s > 1) --s;
+    if (d >= s) return ((2 * k + 1) * s + 2 * d - 1) / (2 * d) - 1;
+    // Source i lands on k when 2ks < (2i + 1) d <= 2(k + 1) s.
+    if (last) return std::min(s - 1, (2 * (k + 1) * s - d) / (2 * d));
+    return (2 * k * s - d + 2 * d) / (2 * d);  // floor((2ks - d) / 2d) + 1, never negative
+}
+
+// One channel (or the alpha byte) of premultiplied source over destination. A source that is not
+// premultiplied (a channel above its alpha) is undefined for the real call; here it saturates.
+std::uint32_t Over(std::uint32_t s, std::uint32_t d, std::uint32_t a) {
+    return std::min<std::uint32_t>(255, s + (d * (255 - a) + 127) / 255);
+}
+
+std::uint32_t Scale(std::uint32_t c, std::uint32_t alpha) {
+    return (c * alpha + 127) / 255;
+}
+
+std::uint32_t BlendPixel(std::uint32_t src, std::uint32_t dst, const BLENDFUNCTION& blend) {
+    const std::uint32_t constant = blend.SourceConstantAlpha;
+    std::uint32_t out = 0;
+    if (blend.AlphaFormat & AC_SRC_ALPHA) {
+        std::uint32_t alpha = src >> 24;
+        if (constant != 255) {
+            std::uint32_t scaled = 0;
+            for (unsigned shift = 0; shift < 32; shift += 8)
+                scaled |= Scale((src >> shift) & 0xFF, constant) << shift;
+            src = scaled;
+            alpha = src >> 24;
+        }
+        for (unsigned shift = 0; shift < 32; shift += 8)
+            out |= Over((src >> shift) & 0xFF, (dst >> shift) & 0xFF, alpha) << shift;
+        return out;
+    }
+    // No per-pixel alpha: every channel mixes by the constant alone.
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        const std::uint32_t sc = (src >> shift) & 0xFF, dc = (dst >> shift) & 0xFF;
+        out |= ((sc * constant + dc * (255 - constant) + 127) / 255) << shift;
+    }
+    return out;
 }
 
 }  // namespace
@@ -104,7 +149,10 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
     const std::vector<Run> mapX = AxisMap(dW, sW), mapY = AxisMap(dH, sH);
     const int mode = dc->stretchMode;
     const std::uint8_t index = Rop3Index(rop);
-    const std::uint32_t pattern = ToPixel(dc->brushData.color);
+    // A hatch shows its colour on its lines and the background colour between them.
+    const FillPaint hatch = PaintFor(*dc, dc->brushData, R2_COPYPEN);
+    const std::uint32_t lineColour = ToPixel(dc->brushData.color);
+    const std::uint32_t gapColour = ToPixel(dc->bkColor);
 
     dc->visible.ForEachRect([&](const RECT& clip) {
         const RECT r = Intersect(clip, target);
@@ -135,7 +183,47 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
                     if (keepOne && any) break;
                 }
                 if (!any) continue;  // nothing to read: the destination stays as it was
+                const std::uint32_t pattern =
+                    !hatch.hatch || hatch.On(px, py) ? lineColour : gapColour;
                 out[px] = rop == SRCCOPY ? value : Rop3Apply(index, pattern, value, out[px]);
+            }
+        }
+    });
+    return true;
+}
+
+// AlphaBlend: the source rectangle must lie inside the source bitmap (no clipping there, as the
+// real call refuses it), the destination is clipped as any drawing is.
+bool SimGdi::AlphaBlend(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                        HDC hsrc, std::int32_t sx, std::int32_t sy, std::int32_t sw,
+                        std::int32_t sh, BLENDFUNCTION blend) {
+    DcObj* dc = Dc(hdst);
+    DcObj* source = Dc(hsrc);
+    if (!dc || !source || blend.BlendOp != AC_SRC_OVER) return false;
+    if (w < 0 || h < 0 || sw < 0 || sh < 0 || sx < 0 || sy < 0) return false;
+    const Surface from = source->surface;
+    if (std::int64_t{sx} + sw > from.width || std::int64_t{sy} + sh > from.height) return false;
+    auto end = [](std::int32_t at, std::int32_t extent) {
+        return static_cast<std::int32_t>(std::min<std::int64_t>(
+            std::int64_t{at} + extent, std::numeric_limits<std::int32_t>::max()));
+    };
+    const RECT target{x, y, end(x, w), end(y, h)};
+    if (hsrc == hdst) {
+        const RECT sourceRect{sx, sy, sx + sw, sy + sh};
+        if (!Intersect(target, sourceRect).IsEmpty()) return false;
+    }
+    if (target.IsEmpty() || sw == 0 || sh == 0) return true;
+
+    dc->visible.ForEachRect([&](const RECT& clip) {
+        const RECT r = Intersect(clip, target);
+        if (r.IsEmpty()) return;
+        for (std::int32_t py = r.top; py < r.bottom; ++py) {
+            const std::int64_t srcY = sy + PickSource(py - std::int64_t{y}, h, sh, false);
+            const std::uint32_t* in = from.Row(static_cast<std::int32_t>(srcY));
+            std::uint32_t* out = dc->surface.Row(py);
+            for (std::int32_t px = r.left; px < r.right; ++px) {
+                const std::int64_t srcX = sx + PickSource(px - std::int64_t{x}, w, sw, true);
+                out[px] = BlendPixel(in[srcX], out[px], blend);
             }
         }
     });

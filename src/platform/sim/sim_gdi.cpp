@@ -187,6 +187,11 @@ HBRUSH SimGdi::CreateSolidBrush(COLORREF color) {
     return HBRUSH{Allocate(BrushObj{false, color & 0x00FFFFFF})};
 }
 
+HBRUSH SimGdi::CreateHatchBrush(int style, COLORREF color) {
+    if (style < HS_HORIZONTAL || style > HS_DIAGCROSS) return {};
+    return HBRUSH{Allocate(BrushObj{false, color & 0x00FFFFFF, style})};
+}
+
 HGDIOBJ SimGdi::GetStockObject(int index) {
     if (index < 0 || index >= static_cast<int>(stock_.size())) return {};
     return HGDIOBJ{stock_[static_cast<std::size_t>(index)]};
@@ -272,7 +277,7 @@ bool SimGdi::DeleteObject(HGDIOBJ object) {
 void SimGdi::RefreshRops(DcObj& dc) {
     dc.penRop = Rop2Pair(dc.rop2, ToPixel(dc.penData.color));
     dc.gapRop = Rop2Pair(dc.rop2, ToPixel(dc.bkColor));
-    dc.brushRop = Rop2Pair(dc.rop2, ToPixel(dc.brushData.color));
+    dc.brushRop = PaintFor(dc, dc.brushData, dc.rop2);
     dc.dash = PatternFor(dc.penData.style, dc.penData.width);
 }
 
@@ -286,6 +291,18 @@ SimGdi::BrushObj SimGdi::ResolveBrush(const DcObj& dc, HBRUSH brush) {
         return BrushObj{false, sysColors_[brush.value - 1]};
     if (const BrushObj* b = Find<BrushObj>(brush.value)) return *b;
     return dc.brushData;
+}
+
+FillPaint SimGdi::PaintFor(const DcObj& dc, const BrushObj& brush, int rop2) {
+    FillPaint paint(Rop2Pair(rop2, ToPixel(brush.color)));
+    if (brush.hatch >= HS_HORIZONTAL && brush.hatch <= HS_DIAGCROSS) {
+        paint.hatch = kHatchPatterns[brush.hatch];
+        paint.bg = Rop2Pair(rop2, ToPixel(dc.bkColor));
+        paint.drawBg = dc.bkMode == OPAQUE;
+        paint.orgX = dc.brushOrg.x;
+        paint.orgY = dc.brushOrg.y;
+    }
+    return paint;
 }
 
 int SimGdi::SetROP2(HDC hdc, int mode) {
@@ -307,6 +324,7 @@ int SimGdi::SetBkMode(HDC hdc, int mode) {
     if (!dc || (mode != TRANSPARENT && mode != OPAQUE)) return 0;
     const int previous = dc->bkMode;
     dc->bkMode = mode;
+    RefreshRops(*dc);
     return previous;
 }
 
@@ -370,6 +388,15 @@ bool SimGdi::GetCurrentPositionEx(HDC hdc, POINT* position) {
     const DcObj* dc = Dc(hdc);
     if (!dc) return false;
     if (position) *position = dc->cp;
+    return true;
+}
+
+bool SimGdi::SetBrushOrgEx(HDC hdc, std::int32_t x, std::int32_t y, POINT* previous) {
+    DcObj* dc = Dc(hdc);
+    if (!dc) return false;
+    if (previous) *previous = dc->brushOrg;
+    dc->brushOrg = {x, y};
+    RefreshRops(*dc);
     return true;
 }
 

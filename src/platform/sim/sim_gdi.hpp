@@ -11,7 +11,7 @@
 //   sim_lines.cpp   pens: LineTo, Polyline, figure outlines, wide strokes
 //   sim_shapes.cpp  Rectangle, RoundRect, Ellipse, Polygon, rect fills, PatBlt, pixels
 //   sim_regions.cpp region objects, clipping, FillRgn/FrameRgn/PaintRgn
-//   sim_blit.cpp    BitBlt, StretchBlt
+//   sim_blit.cpp    BitBlt, StretchBlt, AlphaBlend
 //   sim_edge.cpp    DrawEdge
 //   sim_text.cpp    fonts and TextOut through the FontEngine
 
@@ -46,6 +46,7 @@ class SimGdi final : public Gdi {
 
     HPEN CreatePen(int style, int width, COLORREF color) override;
     HBRUSH CreateSolidBrush(COLORREF color) override;
+    HBRUSH CreateHatchBrush(int style, COLORREF color) override;
     HGDIOBJ GetStockObject(int index) override;
     HFONT CreateFontIndirect(const LOGFONT& font) override;
     HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) override;
@@ -64,6 +65,7 @@ class SimGdi final : public Gdi {
     int SetStretchBltMode(HDC dc, int mode) override;
     bool MoveToEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) override;
     bool GetCurrentPositionEx(HDC dc, POINT* position) override;
+    bool SetBrushOrgEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) override;
 
     bool LineTo(HDC dc, std::int32_t x, std::int32_t y) override;
     bool Polyline(HDC dc, std::span<const POINT> points) override;
@@ -85,6 +87,9 @@ class SimGdi final : public Gdi {
                     HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
                     DWORD rop) override;
     bool DrawEdge(HDC dc, RECT* rect, unsigned edge, unsigned flags) override;
+    bool AlphaBlend(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                    HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
+                    BLENDFUNCTION blend) override;
 
     HRGN CreateRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) override;
     HRGN CreateRoundRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
@@ -122,6 +127,7 @@ class SimGdi final : public Gdi {
     struct BrushObj {
         bool null = false;
         COLORREF color = 0;
+        int hatch = -1;  // HS_x, or -1 for a solid brush
     };
     struct FontObj {
         LOGFONT font;
@@ -147,12 +153,14 @@ class SimGdi final : public Gdi {
         unsigned textAlign = 0;
         int stretchMode = BLACKONWHITE;
         POINT cp{};
+        POINT brushOrg{};
         // Cached from the selected pen and brush; the ROP2 pairs are recomputed whenever the
         // pen, brush, ROP2 or background colour changes, never per pixel.
         PenObj penData;
         BrushObj brushData;
         DashPattern dash;
-        RopPair penRop, gapRop, brushRop;
+        RopPair penRop, gapRop;
+        FillPaint brushRop;
     };
     using Object =
         std::variant<std::monostate, PenObj, BrushObj, FontObj, BitmapObj, RegionObj, DcObj>;
@@ -180,6 +188,9 @@ class SimGdi final : public Gdi {
     // A brush handle as FillRect reads it: 1..31 name system colour brushes (COLOR_x + 1), zero or
     // an unusable handle falls back to the brush selected in the DC.
     BrushObj ResolveBrush(const DcObj& dc, HBRUSH brush);
+    // How `brush` fills through `rop2` in this DC: a hatch takes the DC's background colour and
+    // mode and its brush origin.
+    static FillPaint PaintFor(const DcObj& dc, const BrushObj& brush, int rop2);
 
     // sim_lines.cpp: pen strokes.
     // Strokes a polyline (closed adds the segment back to the first point) with the selected pen.
@@ -195,8 +206,8 @@ class SimGdi final : public Gdi {
     void PaintFigure(DcObj& dc, std::span<const POINT> outline, const Region* interior);
 
     // sim_shapes.cpp / sim_regions.cpp: fills.
-    void FillClipped(DcObj& dc, const RECT& rect, RopPair rop);
-    void PaintRegion(DcObj& dc, const Region& region, RopPair rop);
+    void FillClipped(DcObj& dc, const RECT& rect, const FillPaint& paint);
+    void PaintRegion(DcObj& dc, const Region& region, const FillPaint& paint);
     bool PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
                      DWORD rop, const BrushObj& brush);
     bool DrawDiagonalEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags);

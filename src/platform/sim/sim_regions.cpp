@@ -89,7 +89,7 @@ bool SimGdi::FillRgn(HDC hdc, HRGN region, HBRUSH brush) {
     const RegionObj* r = Find<RegionObj>(region.value);
     const BrushObj* b = Find<BrushObj>(brush.value);
     if (!dc || !r || !b) return false;
-    if (!b->null) PaintRegion(*dc, r->region, Rop2Pair(dc->rop2, ToPixel(b->color)));
+    if (!b->null) PaintRegion(*dc, r->region, PaintFor(*dc, *b, dc->rop2));
     return true;
 }
 
@@ -109,8 +109,7 @@ bool SimGdi::FrameRgn(HDC hdc, HRGN region, HBRUSH brush, std::int32_t w, std::i
         inner = Region::Combine(inner, moved, RGN_AND);
     }
     if (!b->null)
-        PaintRegion(*dc, Region::Combine(source, inner, RGN_DIFF),
-                    Rop2Pair(dc->rop2, ToPixel(b->color)));
+        PaintRegion(*dc, Region::Combine(source, inner, RGN_DIFF), PaintFor(*dc, *b, dc->rop2));
     return true;
 }
 

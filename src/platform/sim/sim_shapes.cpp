@@ -52,25 +52,25 @@ std::vector<POINT> RoundRectOutline(std::int32_t l, std::int32_t t, std::int32_t
 // ---------------------------------------------------------------------------------------------
 // Fill helpers (device coordinates, clipped here)
 
-void SimGdi::FillClipped(DcObj& dc, const RECT& rect, RopPair rop) {
-    if (rect.IsEmpty() || rop.IsNop()) return;
+void SimGdi::FillClipped(DcObj& dc, const RECT& rect, const FillPaint& paint) {
+    if (rect.IsEmpty() || paint.IsNop()) return;
     for (const Region::Band& band : dc.visible.Bands()) {
         if (band.bottom <= rect.top) continue;
         if (band.top >= rect.bottom) break;
         for (std::size_t k = 0; k < band.xs.size(); k += 2) {
             const RECT r = Intersect({band.xs[k], band.top, band.xs[k + 1], band.bottom}, rect);
-            if (!r.IsEmpty()) sim::FillRect(dc.surface, r, rop);
+            if (!r.IsEmpty()) sim::FillRect(dc.surface, r, paint);
         }
     }
 }
 
-void SimGdi::PaintRegion(DcObj& dc, const Region& region, RopPair rop) {
+void SimGdi::PaintRegion(DcObj& dc, const Region& region, const FillPaint& paint) {
     if (region.Type() == SIMPLEREGION) {
-        FillClipped(dc, region.Box(), rop);
+        FillClipped(dc, region.Box(), paint);
         return;
     }
     Region::Combine(region, dc.visible, RGN_AND).ForEachRect([&](const RECT& r) {
-        sim::FillRect(dc.surface, r, rop);
+        sim::FillRect(dc.surface, r, paint);
     });
 }
 
@@ -78,7 +78,10 @@ bool SimGdi::PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t
                          DWORD rop, const BrushObj& brush) {
     if (Rop3UsesSource(rop)) return false;  // PatBlt has no source
     if (Rop3UsesPattern(rop) && brush.null) return true;
-    FillClipped(dc, BlitRect(x, y, w, h), Rop2Pair(Rop3ToRop2(rop), ToPixel(brush.color)));
+    // A code that ignores the pattern touches every pixel, whatever brush is selected.
+    const int rop2 = Rop3ToRop2(rop);
+    FillClipped(dc, BlitRect(x, y, w, h),
+                Rop3UsesPattern(rop) ? PaintFor(dc, brush, rop2) : FillPaint(Rop2Pair(rop2, 0)));
     return true;
 }
 

@@ -157,6 +157,10 @@ HBRUSH Win32Gdi::CreateSolidBrush(COLORREF color) {
     return handles_->Wrap(::CreateSolidBrush(color));
 }
 
+HBRUSH Win32Gdi::CreateHatchBrush(int style, COLORREF color) {
+    return handles_->Wrap(::CreateHatchBrush(style, color));
+}
+
 HGDIOBJ Win32Gdi::GetStockObject(int index) {
     return handles_->Wrap(::GetStockObject(index));
 }
@@ -238,6 +242,14 @@ bool Win32Gdi::GetCurrentPositionEx(HDC dc, POINT* position) {
     return ok;
 }
 
+bool Win32Gdi::SetBrushOrgEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) {
+    ::POINT p{};
+    const bool ok = ::SetBrushOrgEx(handles_->Dc(dc), x, y, &p) != FALSE;
+    if (ok && previous != nullptr)
+        *previous = POINT{static_cast<std::int32_t>(p.x), static_cast<std::int32_t>(p.y)};
+    return ok;
+}
+
 // Drawing --------------------------------------------------------------------------------------
 
 bool Win32Gdi::LineTo(HDC dc, std::int32_t x, std::int32_t y) {
@@ -312,6 +324,15 @@ bool Win32Gdi::DrawEdge(HDC dc, RECT* rect, unsigned edge, unsigned flags) {
     const bool ok = ::DrawEdge(handles_->Dc(dc), &r, edge, flags) != FALSE;
     *rect = FromWin(r);
     return ok;
+}
+
+bool Win32Gdi::AlphaBlend(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                          HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw,
+                          std::int32_t sh, platform::BLENDFUNCTION blend) {
+    const ::BLENDFUNCTION function{blend.BlendOp, blend.BlendFlags, blend.SourceConstantAlpha,
+                                   blend.AlphaFormat};
+    return ::GdiAlphaBlend(handles_->Dc(dst), x, y, w, h, handles_->Dc(src), sx, sy, sw, sh,
+                           function) != FALSE;
 }
 
 // Regions --------------------------------------------------------------------------------------

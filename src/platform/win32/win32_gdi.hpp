@@ -23,6 +23,7 @@ class Win32Gdi final : public Gdi {
 
     HPEN CreatePen(int style, int width, COLORREF color) override;
     HBRUSH CreateSolidBrush(COLORREF color) override;
+    HBRUSH CreateHatchBrush(int style, COLORREF color) override;
     HGDIOBJ GetStockObject(int index) override;
     HFONT CreateFontIndirect(const LOGFONT& font) override;
     HGDIOBJ SelectObject(HDC dc, HGDIOBJ object) override;
@@ -41,6 +42,7 @@ class Win32Gdi final : public Gdi {
     int SetStretchBltMode(HDC dc, int mode) override;
     bool MoveToEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) override;
     bool GetCurrentPositionEx(HDC dc, POINT* position) override;
+    bool SetBrushOrgEx(HDC dc, std::int32_t x, std::int32_t y, POINT* previous) override;
 
     bool LineTo(HDC dc, std::int32_t x, std::int32_t y) override;
     bool Polyline(HDC dc, std::span<const POINT> points) override;
@@ -62,6 +64,9 @@ class Win32Gdi final : public Gdi {
                     HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
                     DWORD rop) override;
     bool DrawEdge(HDC dc, RECT* rect, unsigned edge, unsigned flags) override;
+    bool AlphaBlend(HDC dst, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+                    HDC src, std::int32_t sx, std::int32_t sy, std::int32_t sw, std::int32_t sh,
+                    platform::BLENDFUNCTION blend) override;
 
     HRGN CreateRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) override;
     HRGN CreateRoundRectRgn(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
