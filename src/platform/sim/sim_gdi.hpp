@@ -197,7 +197,8 @@ class SimGdi final : public Gdi {
     // sim_shapes.cpp / sim_regions.cpp: fills.
     void FillClipped(DcObj& dc, const RECT& rect, RopPair rop);
     void PaintRegion(DcObj& dc, const Region& region, RopPair rop);
-    bool PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+    // 64-bit, so callers pass differences and sums of 32-bit edges without wrapping them.
+    bool PatBltBrush(DcObj& dc, std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h,
                      DWORD rop, const BrushObj& brush);
     bool DrawDiagonalEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags);
 

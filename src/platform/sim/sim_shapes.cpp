@@ -10,6 +10,13 @@ namespace korvex::platform::sim {
 
 namespace {
 
+std::int64_t Width64(const RECT& r) {
+    return std::int64_t{r.right} - r.left;
+}
+std::int64_t Height64(const RECT& r) {
+    return std::int64_t{r.bottom} - r.top;
+}
+
 void Normalise(std::int32_t& l, std::int32_t& t, std::int32_t& r, std::int32_t& b) {
     if (l > r) std::swap(l, r);
     if (t > b) std::swap(t, b);
@@ -74,7 +81,7 @@ void SimGdi::PaintRegion(DcObj& dc, const Region& region, RopPair rop) {
     });
 }
 
-bool SimGdi::PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+bool SimGdi::PatBltBrush(DcObj& dc, std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h,
                          DWORD rop, const BrushObj& brush) {
     if (Rop3UsesSource(rop)) return false;  // PatBlt has no source
     if (Rop3UsesPattern(rop) && brush.null) return true;
@@ -94,7 +101,7 @@ bool SimGdi::PatBlt(HDC hdc, std::int32_t x, std::int32_t y, std::int32_t w, std
 int SimGdi::FillRect(HDC hdc, const RECT& rect, HBRUSH brush) {
     DcObj* dc = Dc(hdc);
     if (!dc) return 0;
-    return PatBltBrush(*dc, rect.left, rect.top, rect.Width(), rect.Height(), PATCOPY,
+    return PatBltBrush(*dc, rect.left, rect.top, Width64(rect), Height64(rect), PATCOPY,
                        ResolveBrush(*dc, brush))
                ? 1
                : 0;
@@ -108,17 +115,17 @@ int SimGdi::FrameRect(HDC hdc, const RECT& rect, HBRUSH brush) {
     const BrushObj* found = Find<BrushObj>(brush.value);
     if (!found) return 0;
     const BrushObj b = *found;
-    const std::int32_t w = rect.Width(), h = rect.Height();
+    const std::int64_t w = Width64(rect), h = Height64(rect);
     PatBltBrush(*dc, rect.left, rect.top, 1, h, PATCOPY, b);
-    PatBltBrush(*dc, rect.right - 1, rect.top, 1, h, PATCOPY, b);
+    PatBltBrush(*dc, std::int64_t{rect.right} - 1, rect.top, 1, h, PATCOPY, b);
     PatBltBrush(*dc, rect.left, rect.top, w, 1, PATCOPY, b);
-    PatBltBrush(*dc, rect.left, rect.bottom - 1, w, 1, PATCOPY, b);
+    PatBltBrush(*dc, rect.left, std::int64_t{rect.bottom} - 1, w, 1, PATCOPY, b);
     return 1;
 }
 
 bool SimGdi::InvertRect(HDC hdc, const RECT& rect) {
     DcObj* dc = Dc(hdc);
-    return dc && PatBltBrush(*dc, rect.left, rect.top, rect.Width(), rect.Height(), DSTINVERT,
+    return dc && PatBltBrush(*dc, rect.left, rect.top, Width64(rect), Height64(rect), DSTINVERT,
                              dc->brushData);
 }
 
