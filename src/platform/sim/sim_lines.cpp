@@ -232,18 +232,15 @@ void AddWideSegment(RowBuilder& rows, std::int32_t w, POINT p1, POINT p2, const 
 
 Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const POINT> all, bool closed,
                                 const RECT& dib) {
+    const std::span<const POINT> figures[] = {all};
+    return WideStrokeRegion(pen, figures, closed, dib);
+}
+
+Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const std::span<const POINT>> figures,
+                                bool closed, const RECT& dib) {
     const std::int32_t w = pen.width;
     RowBuilder rows(dib);
-    if (all.size() < 2) return rows.Build();
-    // Leading and trailing empty segments are dropped first.
-    std::size_t first = 0, num = all.size();
     auto same = [](POINT a, POINT b) { return a.x == b.x && a.y == b.y; };
-    while (num > 2 && same(all[first], all[first + 1])) {
-        ++first;
-        --num;
-    }
-    while (num > 2 && same(all[first + num - 1], all[first + num - 2])) --num;
-    const std::span<const POINT> pts = all.subspan(first, num);
 
     // The round cap: CreateEllipticRgn(-(w/2), -(w/2), (w+1)/2 + 1, (w+1)/2 + 1).
     const std::int32_t c0 = -(w / 2), c1 = (w + 1) / 2 + 1;
@@ -279,20 +276,32 @@ Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const POINT> all, b
         }
     };
 
-    const std::size_t count = closed ? num : num - 1;  // segments
-    if (!closed) {
-        addCap(pts.front());
-        addCap(pts.back());
+    for (const std::span<const POINT> all : figures) {
+        if (all.size() < 2) continue;
+        // Leading and trailing empty segments are dropped first.
+        std::size_t first = 0, num = all.size();
+        while (num > 2 && same(all[first], all[first + 1])) {
+            ++first;
+            --num;
+        }
+        while (num > 2 && same(all[first + num - 1], all[first + num - 2])) --num;
+        const std::span<const POINT> pts = all.subspan(first, num);
+
+        const std::size_t count = closed ? num : num - 1;  // segments
+        if (!closed) {
+            addCap(pts.front());
+            addCap(pts.back());
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const POINT a = pts[i], b = pts[(i + 1) % num];
+            if (!rows.Full()) AddWideSegment(rows, w, a, b, dib);
+            // A round join at every inner vertex where a segment starts; an empty inner segment
+            // adds none, the last one always does (wide_line_segments).
+            const bool inner = i > 0;
+            if (inner && (i == count - 1 || !same(a, b))) addCap(a);
+        }
+        if (closed) addCap(pts.front());
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        const POINT a = pts[i], b = pts[(i + 1) % num];
-        AddWideSegment(rows, w, a, b, dib);
-        // A round join at every inner vertex where a segment starts; an empty inner segment
-        // adds none, the last one always does (wide_line_segments).
-        const bool inner = i > 0;
-        if (inner && (i == count - 1 || !same(a, b))) addCap(a);
-    }
-    if (closed) addCap(pts.front());
     return rows.Build();
 }
 
