@@ -180,6 +180,11 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode) {
 }
 
 Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RECT& within) {
+    return *FromPolygon(points, fillMode, within, INT64_MAX);
+}
+
+std::optional<Region> Region::FromPolygon(std::span<const POINT> points, int fillMode,
+                                          const RECT& within, std::int64_t maxRects) {
     Region region;
     if (points.size() < 2) return region;
     struct Edge {
@@ -205,16 +210,33 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
     auto addSpan = [&](std::int32_t x0, std::int32_t x1) {
         spans.emplace_back(std::max(x0, within.left), std::min(x1, within.right));
     };
-    for (std::int32_t y = ymin; y < ymax; ++y) {
+    std::int64_t rects = 0;
+    // Scanlines between two rows where some crossing moves or an edge starts or ends are alike,
+    // so they are worked out once, as one band.
+    for (std::int64_t y = ymin; y < ymax;) {
+        std::int64_t next = ymax;
         crossings.clear();
         for (const Edge& e : edges) {
-            if (y < e.yTop || y >= e.yBottom) continue;
+            if (y < e.yTop) {
+                next = std::min<std::int64_t>(next, e.yTop);
+                continue;
+            }
+            if (y >= e.yBottom) continue;
+            next = std::min<std::int64_t>(next, e.yBottom);
             // Each edge covers scanlines top <= y < bottom and crosses at the ceiling of its
             // exact x, so a pixel is in when its top-left corner point is inside.
             // Differences of 32-bit coordinates need the wide type before they are taken.
-            const Wide num = (Wide{y} - e.yTop) * (Wide{e.xBottom} - e.xTop);
-            const Wide x = e.xTop + CeilDiv(num, Wide{e.yBottom} - e.yTop);
-            crossings.emplace_back(static_cast<std::int32_t>(x), e.dir);
+            const Wide dx = Wide{e.xBottom} - e.xTop, dy = Wide{e.yBottom} - e.yTop;
+            const Wide off = CeilDiv((Wide{y} - e.yTop) * dx, dy);
+            crossings.emplace_back(static_cast<std::int32_t>(e.xTop + off), e.dir);
+            // The first row below where the crossing moves on.
+            Wide moves = e.yBottom;
+            if (dx > 0)
+                moves = e.yTop + off * dy / dx + 1;
+            else if (dx < 0)
+                moves = e.yTop + CeilDiv((1 - off) * dy, -dx);
+            next = std::min<std::int64_t>(next, static_cast<std::int64_t>(
+                                                    std::min<Wide>(moves, Wide{e.yBottom})));
         }
         std::sort(crossings.begin(), crossings.end());
         spans.clear();
@@ -233,12 +255,24 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
             for (std::size_t i = 0; i + 1 < crossings.size(); i += 2)
                 addSpan(crossings[i].first, crossings[i + 1].first);
         }
-        region.AppendBand(y, y + 1, NormaliseSpans(spans));
+        std::vector<std::int32_t> xs = NormaliseSpans(spans);
+        const bool merges = !region.bands_.empty() && region.bands_.back().bottom == y &&
+                            region.bands_.back().xs == xs;
+        if (!merges) rects += static_cast<std::int64_t>(xs.size() / 2);
+        if (rects > maxRects) return std::nullopt;
+        region.AppendBand(static_cast<std::int32_t>(y), static_cast<std::int32_t>(next),
+                          std::move(xs));
+        y = next;
     }
     return region;
 }
 
 Region Region::Combine(const Region& a, const Region& b, int mode) {
+    return *Combine(a, b, mode, INT64_MAX);
+}
+
+std::optional<Region> Region::Combine(const Region& a, const Region& b, int mode,
+                                      std::int64_t maxRects) {
     if (mode == RGN_COPY) return a;
     std::vector<std::int32_t> ys;
     ys.reserve(2 * (a.bands_.size() + b.bands_.size()));
@@ -255,6 +289,7 @@ Region Region::Combine(const Region& a, const Region& b, int mode) {
 
     static const std::vector<std::int32_t> kNone;
     Region out;
+    std::int64_t rects = 0;
     std::size_t ia = 0, ib = 0;
     for (std::size_t k = 0; k + 1 < ys.size(); ++k) {
         const std::int32_t y0 = ys[k], y1 = ys[k + 1];
@@ -263,10 +298,19 @@ Region Region::Combine(const Region& a, const Region& b, int mode) {
         const auto& sa = (ia < a.bands_.size() && a.bands_[ia].top <= y0) ? a.bands_[ia].xs : kNone;
         const auto& sb = (ib < b.bands_.size() && b.bands_[ib].top <= y0) ? b.bands_[ib].xs : kNone;
         if (sa.empty() && sb.empty()) continue;
-        out.AppendBand(y0, y1, CombineSpans(sa, sb, mode));
+        std::vector<std::int32_t> xs = CombineSpans(sa, sb, mode);
+        rects += static_cast<std::int64_t>(xs.size() / 2);
+        if (rects > maxRects) return std::nullopt;
+        out.AppendBand(y0, y1, std::move(xs));
     }
     assert(out.IsValid());
     return out;
+}
+
+std::int64_t Region::RectCount() const {
+    std::int64_t n = 0;
+    for (const Band& band : bands_) n += static_cast<std::int64_t>(band.xs.size() / 2);
+    return n;
 }
 
 void Region::AppendBand(std::int32_t top, std::int32_t bottom, std::vector<std::int32_t> xs) {

@@ -4,6 +4,7 @@
 // are merged, so equal pixel sets have equal representations.
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -71,8 +72,16 @@ class Region {
     static Region FromPolygon(std::span<const POINT> points, int fillMode);
     // The same intersected with within; only the scanlines inside it are scanned.
     static Region FromPolygon(std::span<const POINT> points, int fillMode, const RECT& within);
+    // The same, or nothing when the region would hold more than maxRects rects; the work follows
+    // the bands it builds, not the height of the polygon.
+    static std::optional<Region> FromPolygon(std::span<const POINT> points, int fillMode,
+                                             const RECT& within, std::int64_t maxRects);
     // RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF (a minus b); RGN_COPY gives a.
     static Region Combine(const Region& a, const Region& b, int mode);
+    // The same, or nothing when the result would hold more than maxRects rects.
+    static std::optional<Region> Combine(const Region& a, const Region& b, int mode,
+                                         std::int64_t maxRects);
+    [[nodiscard]] std::int64_t RectCount() const;
 
     void Offset(std::int32_t dx, std::int32_t dy);
     [[nodiscard]] bool Contains(std::int32_t x, std::int32_t y) const;

@@ -188,11 +188,15 @@ COLORREF SimGdi::GetPixel(HDC hdc, std::int32_t x, std::int32_t y) {
 // ---------------------------------------------------------------------------------------------
 // Shapes: pen outline plus brush interior, both through the DC's ROP2
 
-bool SimGdi::Rectangle(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) {
+bool SimGdi::Rectangle(HDC hdc, std::int32_t l32, std::int32_t t32, std::int32_t r32,
+                       std::int32_t b32) {
     DcObj* dc = Dc(hdc);
     if (!dc) return false;
-    Normalise(l, t, r, b);
-    if (l == r || t == b) return true;
+    Normalise(l32, t32, r32, b32);
+    if (l32 == r32 || t32 == b32) return true;
+    // 64-bit edges: a rect at the 32-bit limits moved by half a pen width does not fit 32 bits.
+    // What is handed on saturates, which changes nothing inside a bitmap.
+    std::int64_t l = l32, t = t32, r = r32, b = b32;
     const PenObj& pen = dc->penData;
     const std::int32_t w = pen.IsNull() ? 0 : std::max(pen.width, 1);
     if (pen.style == PS_INSIDEFRAME && w > 1) {
@@ -203,25 +207,26 @@ bool SimGdi::Rectangle(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, 
         r -= (w - 1) / 2;
         b -= (w - 1) / 2;
     }
+    auto pt = [](std::int64_t x, std::int64_t y) { return POINT{Saturate(x), Saturate(y)}; };
+    // Start at the top-right corner and go counter-clockwise: the dash phase of a styled pen
+    // depends on it (dibdrv_Rectangle). Each corner is hit once as the start of the next side.
+    const POINT corners[4] = {pt(r - 1, t), pt(l, t), pt(l, b - 1), pt(r - 1, b - 1)};
     if (pen.IsWide()) {
-        // Start at the top-right corner and go counter-clockwise (dibdrv_Rectangle); the
-        // interior is the rect one short on the right and bottom, minus the outline.
-        const POINT corners[4] = {{r - 1, t}, {l, t}, {l, b - 1}, {r - 1, b - 1}};
+        // The interior is the rect one short on the right and bottom, minus the outline.
         const Region interior = Region::FromRect(
-            {std::min(l, r - 1), std::min(t, b - 1), std::max(l, r - 1), std::max(t, b - 1)});
+            {Saturate(std::min(l, r - 1)), Saturate(std::min(t, b - 1)),
+             Saturate(std::max(l, r - 1)), Saturate(std::max(t, b - 1))});
         PaintFigure(*dc, corners, dc->brushData.null ? nullptr : &interior);
         return true;
     }
-    if (!pen.IsNull()) {
-        // Start at the top-right corner and go counter-clockwise: the dash phase of a styled
-        // pen depends on it. Each corner is hit once as the start of the next side.
-        const POINT corners[4] = {{r - 1, t}, {l, t}, {l, b - 1}, {r - 1, b - 1}};
-        StrokeFigure(*dc, corners, true);
-    }
+    if (!pen.IsNull()) StrokeFigure(*dc, corners, true);
     if (!dc->brushData.null) {
         // Inside the outline; with no pen that is one pixel short on the right and bottom.
-        const std::int32_t in = (w + 1) / 2, out = w / 2;
-        FillClipped(*dc, {l + in, t + in, r - 1 - out, b - 1 - out}, dc->brushRop);
+        const std::int64_t in = (w + 1) / 2, out = w / 2;
+        FillClipped(*dc,
+                    {Saturate(l + in), Saturate(t + in), Saturate(r - 1 - out),
+                     Saturate(b - 1 - out)},
+                    dc->brushRop);
     }
     return true;
 }
