@@ -203,6 +203,13 @@ std::optional<Region> Region::FromPolygon(std::span<const POINT> points, int fil
         ymin = std::min({ymin, p.y, q.y});
         ymax = std::max({ymax, p.y, q.y});
     }
+    // An edge whose crossing moves on more often than the limit allows needs as many scanlines;
+    // refuse it before scanning.
+    for (const Edge& e : edges) {
+        const std::int64_t moves = std::min<std::int64_t>(std::llabs(std::int64_t{e.xBottom} - e.xTop),
+                                            std::int64_t{e.yBottom} - e.yTop);
+        if (moves > maxRects) return std::nullopt;
+    }
     std::vector<std::pair<std::int32_t, int>> crossings;
     std::vector<std::pair<std::int32_t, std::int32_t>> spans;
     ymin = std::max(ymin, within.top);
@@ -256,9 +263,8 @@ std::optional<Region> Region::FromPolygon(std::span<const POINT> points, int fil
                 addSpan(crossings[i].first, crossings[i + 1].first);
         }
         std::vector<std::int32_t> xs = NormaliseSpans(spans);
-        const bool merges = !region.bands_.empty() && region.bands_.back().bottom == y &&
-                            region.bands_.back().xs == xs;
-        if (!merges) rects += static_cast<std::int64_t>(xs.size() / 2);
+        // Scanlines worked out count too, even when they merge into the band above.
+        rects += static_cast<std::int64_t>(std::max<std::size_t>(xs.size() / 2, 1));
         if (rects > maxRects) return std::nullopt;
         region.AppendBand(static_cast<std::int32_t>(y), static_cast<std::int32_t>(next),
                           std::move(xs));

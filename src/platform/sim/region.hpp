@@ -72,8 +72,8 @@ class Region {
     static Region FromPolygon(std::span<const POINT> points, int fillMode);
     // The same intersected with within; only the scanlines inside it are scanned.
     static Region FromPolygon(std::span<const POINT> points, int fillMode, const RECT& within);
-    // The same, or nothing when the region would hold more than maxRects rects; the work follows
-    // the bands it builds, not the height of the polygon.
+    // The same, or nothing when it would take more than maxRects rects and scanlines worked out
+    // (each scanline that differs from the one above is worked out once, whatever its height).
     static std::optional<Region> FromPolygon(std::span<const POINT> points, int fillMode,
                                              const RECT& within, std::int64_t maxRects);
     // RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF (a minus b); RGN_COPY gives a.

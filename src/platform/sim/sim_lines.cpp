@@ -244,7 +244,16 @@ Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const std::span<con
 
     // The round cap: CreateEllipticRgn(-(w/2), -(w/2), (w+1)/2 + 1, (w+1)/2 + 1).
     const std::int32_t c0 = -(w / 2), c1 = (w + 1) / 2 + 1;
-    const Region cap = Region::FromRoundRect(c0, c0, c1, c1, c1 - c0, c1 - c0);
+    // Only the cap rows some vertex can bring onto the bitmap are built.
+    std::int64_t needTop = INT64_MAX, needBottom = INT64_MIN;
+    for (const std::span<const POINT> figure : figures)
+        for (const POINT p : figure) {
+            needTop = std::min(needTop, std::int64_t{dib.top} - p.y);
+            needBottom = std::max(needBottom, std::int64_t{dib.bottom} - p.y);
+        }
+    const Region cap = Region::FromRoundRect(c0, c0, c1, c1, c1 - c0, c1 - c0,
+                                             Sat(std::max<std::int64_t>(needTop, c0)),
+                                             Sat(std::min<std::int64_t>(needBottom, c1)));
     const std::vector<Region::Band>& capBands = cap.Bands();
     // The band of cap row y, or null.
     auto bandAt = [&](std::int64_t y) -> const Region::Band* {
