@@ -490,8 +490,7 @@ GdiScript ParseGdiScript(std::string_view text) {
             if (w * h > kMaxCanvasPixels) {
                 throw GdiScriptError(lineNumber, "canvas of " + std::to_string(w) + " x " +
                                                      std::to_string(h) + " is more than " +
-                                                     std::to_string(kMaxCanvasPixels) +
-                                                     " pixels");
+                                                     std::to_string(kMaxCanvasPixels) + " pixels");
             }
             script.width = static_cast<std::int32_t>(w);
             script.height = static_cast<std::int32_t>(h);

@@ -43,8 +43,8 @@ struct RoundCase {
 
 void DrawRound(SimCanvas& c, const RoundCase& rc, std::int32_t dx, std::int32_t dy) {
     c.gdi.SelectObject(c.dc, c.gdi.CreatePen(rc.style, rc.width, kPen));
-    c.gdi.SelectObject(c.dc, rc.brush ? c.gdi.CreateSolidBrush(kBrush)
-                                      : c.gdi.GetStockObject(NULL_BRUSH));
+    c.gdi.SelectObject(
+        c.dc, rc.brush ? c.gdi.CreateSolidBrush(kBrush) : c.gdi.GetStockObject(NULL_BRUSH));
     c.gdi.SetROP2(c.dc, rc.rop2);
     c.gdi.SetBkColor(c.dc, RGB(0x10, 0xF0, 0x10));
     const RECT b{rc.box.left + dx, rc.box.top + dy, rc.box.right + dx, rc.box.bottom + dy};
@@ -57,17 +57,32 @@ void DrawRound(SimCanvas& c, const RoundCase& rc, std::int32_t dx, std::int32_t 
 TEST(HostileDrawing, RoundShapesShowTheSamePixelsThroughEveryWindow) {
     const RoundCase cases[] = {
         {"thin ellipse", true, {20, 15, 300, 190}, 0, 0, PS_SOLID, 1, R2_COPYPEN, true},
-        {"dashed ellipse, opaque gaps", true, {20, 15, 300, 190}, 0, 0, PS_DASHDOT, 1,
-         R2_COPYPEN, false},
+        {"dashed ellipse, opaque gaps",
+         true,
+         {20, 15, 300, 190},
+         0,
+         0,
+         PS_DASHDOT,
+         1,
+         R2_COPYPEN,
+         false},
         {"xor dotted round rect", false, {10, 10, 310, 200}, 90, 60, PS_DOT, 1, R2_XORPEN, true},
         {"wide pen ellipse", true, {30, 25, 290, 180}, 0, 0, PS_SOLID, 9, R2_COPYPEN, true},
         {"wide xor round rect", false, {25, 20, 300, 190}, 120, 40, PS_SOLID, 6, R2_XORPEN, true},
-        {"inside frame ellipse", true, {12, 12, 200, 150}, 0, 0, PS_INSIDEFRAME, 11, R2_COPYPEN,
+        {"inside frame ellipse",
+         true,
+         {12, 12, 200, 150},
+         0,
+         0,
+         PS_INSIDEFRAME,
+         11,
+         R2_COPYPEN,
          true},
         {"flat ellipse", true, {5, 90, 315, 97}, 0, 0, PS_SOLID, 1, R2_NOTXORPEN, true},
     };
     constexpr std::int32_t kW = 44, kH = 36;
-    const POINT windows[] = {{0, 0}, {10, 60}, {140, 5}, {270, 160}, {20, 150}, {150, 80}, {276, 88}};
+    const POINT windows[] = {{0, 0},    {10, 60},  {140, 5}, {270, 160},
+                             {20, 150}, {150, 80}, {276, 88}};
     for (const RoundCase& rc : cases) {
         SimCanvas whole(320, 210);
         DrawRound(whole, rc, 0, 0);
@@ -77,8 +92,8 @@ TEST(HostileDrawing, RoundShapesShowTheSamePixelsThroughEveryWindow) {
             for (std::int32_t y = 0; y < kH; ++y)
                 for (std::int32_t x = 0; x < kW; ++x)
                     ASSERT_EQ(part.Raw(x, y), whole.Raw(x + w.x, y + w.y))
-                        << rc.name << ", window at " << w.x << "," << w.y << ", pixel " << x
-                        << "," << y;
+                        << rc.name << ", window at " << w.x << "," << w.y << ", pixel " << x << ","
+                        << y;
         }
     }
 }
@@ -97,7 +112,8 @@ void Prepare(SimCanvas& c, int penWidth) {
     // A pattern to blit from, different in every pixel.
     for (std::int32_t y = 0; y < c.view.height; ++y)
         for (std::int32_t x = 0; x < c.view.width; ++x)
-            c.view.bits[y * c.view.width + x] = static_cast<std::uint32_t>(0x10101 * x + 0x1F00 * y);
+            c.view.bits[y * c.view.width + x] =
+                static_cast<std::uint32_t>(0x10101 * x + 0x1F00 * y);
 }
 
 TEST(HostileDrawing, HugeCallsDrawWhatAModerateOneDraws) {
@@ -156,8 +172,8 @@ TEST(HostileDrawing, HugeCallsDrawWhatAModerateOneDraws) {
              Prepare(c, 1);
              c.gdi.SetStretchBltMode(c.dc, WHITEONBLACK);
              EXPECT_TRUE(c.gdi.StretchBlt(c.dc, 3, 3, 1, 1, c.dc, 0, 0, kMax, kMax, SRCCOPY));
-             EXPECT_TRUE(c.gdi.StretchBlt(c.dc, 60, 60, -2, -2, c.dc, 99, 99, kMin, kMin,
-                                          SRCINVERT));
+             EXPECT_TRUE(
+                 c.gdi.StretchBlt(c.dc, 60, 60, -2, -2, c.dc, 99, 99, kMin, kMin, SRCINVERT));
          },
          [](SimCanvas& c) {
              Prepare(c, 1);
@@ -268,9 +284,9 @@ TEST(HostileDrawing, LimitCoordinatesInEveryCallStayInsideTheClip) {
                 c.gdi.FrameRect(c.dc, r, brush);
                 c.gdi.InvertRect(c.dc, r);
                 c.gdi.PatBlt(c.dc, a, b, b, a, PATINVERT);
-                for (const unsigned flags : {BF_RECT | BF_MIDDLE | BF_ADJUST,
-                                             BF_DIAGONAL | BF_TOP | BF_RIGHT | BF_MIDDLE,
-                                             BF_DIAGONAL | BF_BOTTOM | BF_MIDDLE | BF_ADJUST}) {
+                for (const unsigned flags :
+                     {BF_RECT | BF_MIDDLE | BF_ADJUST, BF_DIAGONAL | BF_TOP | BF_RIGHT | BF_MIDDLE,
+                      BF_DIAGONAL | BF_BOTTOM | BF_MIDDLE | BF_ADJUST}) {
                     RECT e = r;
                     c.gdi.DrawEdge(c.dc, &e, EDGE_SUNKEN, flags);
                 }

@@ -18,8 +18,8 @@ namespace korvex::platform::sim {
 // ---------------------------------------------------------------------------------------------
 // Limits. The device takes any 32-bit coordinate, but what it builds must follow the bitmap, not
 // the input. Like GDI on NT, whose device coordinates are 28-bit, curved shapes and regions work
-// within +-2^27 (kCoordLimit) and fail beyond; lines, rects, polygons and blits take the whole range.
-// A pen is at most kMaxPenWidth pixels wide (a wider one draws as that), so a round cap is a
+// within +-2^27 (kCoordLimit) and fail beyond; lines, rects, polygons and blits take the whole
+// range. A pen is at most kMaxPenWidth pixels wide (a wider one draws as that), so a round cap is a
 // bounded table; regions hold at most kMaxRegionRects rects, and a call that would need more
 // fails as GDI's does when it runs out of memory.
 inline constexpr std::int32_t kCoordLimit = 1 << 27;

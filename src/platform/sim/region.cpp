@@ -94,8 +94,8 @@ Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std
     return FromRoundRect(l, t, r, b, ew, eh, INT32_MIN, INT32_MAX);
 }
 
-Region Region::FromRoundRect(std::int32_t l32, std::int32_t t32, std::int32_t r32,
-                             std::int32_t b32, std::int32_t ew, std::int32_t eh, std::int32_t top,
+Region Region::FromRoundRect(std::int32_t l32, std::int32_t t32, std::int32_t r32, std::int32_t b32,
+                             std::int32_t ew, std::int32_t eh, std::int32_t top,
                              std::int32_t bottom) {
     std::int64_t l = l32, t = t32, r = r32, b = b32;
     if (l > r) std::swap(l, r);
@@ -112,8 +112,8 @@ Region Region::FromRoundRect(std::int32_t l32, std::int32_t t32, std::int32_t r3
     // The fallback is CreateRectRgn, which normalises again: a box with l == r (t == b) has
     // become r = l - 1 and gives the column left of it (the row above).
     if (w < 2 || h < 2) {
-        const Region rect = FromRect({sat(std::min(l, r)), sat(std::min(t, b)),
-                                      sat(std::max(l, r)), sat(std::max(t, b))});
+        const Region rect = FromRect(
+            {sat(std::min(l, r)), sat(std::min(t, b)), sat(std::max(l, r)), sat(std::max(t, b))});
         return top == INT32_MIN && bottom == INT32_MAX
                    ? rect
                    : rect.Intersect({INT32_MIN, top, INT32_MAX, bottom});
@@ -206,8 +206,8 @@ std::optional<Region> Region::FromPolygon(std::span<const POINT> points, int fil
     // An edge whose crossing moves on more often than the limit allows needs as many scanlines;
     // refuse it before scanning.
     for (const Edge& e : edges) {
-        const std::int64_t moves = std::min<std::int64_t>(std::llabs(std::int64_t{e.xBottom} - e.xTop),
-                                            std::int64_t{e.yBottom} - e.yTop);
+        const std::int64_t moves = std::min<std::int64_t>(
+            std::llabs(std::int64_t{e.xBottom} - e.xTop), std::int64_t{e.yBottom} - e.yTop);
         if (moves > maxRects) return std::nullopt;
     }
     std::vector<std::pair<std::int32_t, int>> crossings;
@@ -242,8 +242,8 @@ std::optional<Region> Region::FromPolygon(std::span<const POINT> points, int fil
                 moves = e.yTop + off * dy / dx + 1;
             else if (dx < 0)
                 moves = e.yTop + CeilDiv((1 - off) * dy, -dx);
-            next = std::min<std::int64_t>(next, static_cast<std::int64_t>(
-                                                    std::min<Wide>(moves, Wide{e.yBottom})));
+            next = std::min<std::int64_t>(
+                next, static_cast<std::int64_t>(std::min<Wide>(moves, Wide{e.yBottom})));
         }
         std::sort(crossings.begin(), crossings.end());
         spans.clear();

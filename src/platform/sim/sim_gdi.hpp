@@ -195,8 +195,8 @@ class SimGdi final : public Gdi {
                             bool closed, const RECT& dib);
     // RoundRect and Ellipse after their checks: the outline and interior of the rows that reach
     // the clip only.
-    void PaintRoundFigure(DcObj& dc, std::int32_t l, std::int32_t t, std::int32_t r,
-                          std::int32_t b, std::int32_t ew, std::int32_t eh);
+    void PaintRoundFigure(DcObj& dc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
+                          std::int32_t ew, std::int32_t eh);
     // A closed figure with its interior: a one-pixel pen draws over the painted interior; a
     // wide pen's outline is worked out first and the interior minus it painted before it.
     void PaintFigure(DcObj& dc, std::span<const POINT> outline, const Region* interior);

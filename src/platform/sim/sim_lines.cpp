@@ -257,8 +257,9 @@ Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const std::span<con
     const std::vector<Region::Band>& capBands = cap.Bands();
     // The band of cap row y, or null.
     auto bandAt = [&](std::int64_t y) -> const Region::Band* {
-        auto it = std::upper_bound(capBands.begin(), capBands.end(), y,
-                                   [](std::int64_t v, const Region::Band& b) { return v < b.bottom; });
+        auto it =
+            std::upper_bound(capBands.begin(), capBands.end(), y,
+                             [](std::int64_t v, const Region::Band& b) { return v < b.bottom; });
         return it == capBands.end() || y < it->top ? nullptr : &*it;
     };
     auto addCap = [&](POINT p) {
@@ -275,8 +276,9 @@ Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const std::span<con
             rows.Add(dib);
             return;
         }
-        auto it = std::upper_bound(capBands.begin(), capBands.end(), y0,
-                                   [](std::int64_t v, const Region::Band& b) { return v < b.bottom; });
+        auto it =
+            std::upper_bound(capBands.begin(), capBands.end(), y0,
+                             [](std::int64_t v, const Region::Band& b) { return v < b.bottom; });
         for (; it != capBands.end() && it->top < y1; ++it) {
             for (std::size_t k = 0; k < it->xs.size(); k += 2)
                 rows.Add({Sat(std::int64_t{it->xs[k]} + p.x), Sat(std::int64_t{it->top} + p.y),

@@ -64,9 +64,8 @@ HRGN SimGdi::CreatePolygonRgn(std::span<const POINT> points, int fillMode) {
     if (points.size() < 2 || (fillMode != ALTERNATE && fillMode != WINDING)) return {};
     std::vector<POINT> clamped(points.begin(), points.end());
     for (POINT& p : clamped) p = {ClampCoord(p.x), ClampCoord(p.y)};
-    std::optional<Region> region =
-        Region::FromPolygon(clamped, fillMode, RECT{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX},
-                            kMaxRegionRects);
+    std::optional<Region> region = Region::FromPolygon(
+        clamped, fillMode, RECT{INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX}, kMaxRegionRects);
     if (!region) return {};
     return HRGN{Allocate(RegionObj{std::move(*region)})};
 }

@@ -213,9 +213,9 @@ bool SimGdi::Rectangle(HDC hdc, std::int32_t l32, std::int32_t t32, std::int32_t
     const POINT corners[4] = {pt(r - 1, t), pt(l, t), pt(l, b - 1), pt(r - 1, b - 1)};
     if (pen.IsWide()) {
         // The interior is the rect one short on the right and bottom, minus the outline.
-        const Region interior = Region::FromRect(
-            {Saturate(std::min(l, r - 1)), Saturate(std::min(t, b - 1)),
-             Saturate(std::max(l, r - 1)), Saturate(std::max(t, b - 1))});
+        const Region interior =
+            Region::FromRect({Saturate(std::min(l, r - 1)), Saturate(std::min(t, b - 1)),
+                              Saturate(std::max(l, r - 1)), Saturate(std::max(t, b - 1))});
         PaintFigure(*dc, corners, dc->brushData.null ? nullptr : &interior);
         return true;
     }
@@ -223,10 +223,9 @@ bool SimGdi::Rectangle(HDC hdc, std::int32_t l32, std::int32_t t32, std::int32_t
     if (!dc->brushData.null) {
         // Inside the outline; with no pen that is one pixel short on the right and bottom.
         const std::int64_t in = (w + 1) / 2, out = w / 2;
-        FillClipped(*dc,
-                    {Saturate(l + in), Saturate(t + in), Saturate(r - 1 - out),
-                     Saturate(b - 1 - out)},
-                    dc->brushRop);
+        FillClipped(
+            *dc, {Saturate(l + in), Saturate(t + in), Saturate(r - 1 - out), Saturate(b - 1 - out)},
+            dc->brushRop);
     }
     return true;
 }
