@@ -398,6 +398,7 @@ constexpr std::array kCalls = {
 };
 
 constexpr std::string_view kCanvasUsage = "canvas W H [COLOR]";
+constexpr std::int64_t kMaxCanvasPixels = std::int64_t{1} << 26;  // 256 MiB
 
 // ---------------------------------------------------------------------------------------------
 // Parser
@@ -566,6 +567,12 @@ GdiScript ParseGdiScript(std::string_view text) {
             const std::int64_t h = ParseNumber(tokens[2].text, lineNumber);
             if (w < 1 || h < 1 || w > 16384 || h > 16384) {
                 throw GdiScriptError(lineNumber, "canvas size must be 1 to 16384 pixels each way");
+            }
+            // A canvas is 4 bytes a pixel and a blit within it may copy it once more.
+            if (w * h > kMaxCanvasPixels) {
+                throw GdiScriptError(lineNumber, "canvas of " + std::to_string(w) + " x " +
+                                                     std::to_string(h) + " is more than " +
+                                                     std::to_string(kMaxCanvasPixels) + " pixels");
             }
             script.width = static_cast<std::int32_t>(w);
             script.height = static_cast<std::int32_t>(h);

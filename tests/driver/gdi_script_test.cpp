@@ -29,6 +29,7 @@ TEST(GdiScript, ErrorsNameTheLine) {
         {"canvas 4\n", 1, "canvas takes W H [COLOR]"},
         {"# nothing yet\nLineTo 1 1\n", 2, "the first call must be"},
         {"canvas 4 4\ncanvas 4 4\n", 2, "only once"},
+        {"# too big to hold twice\ncanvas 16384 16384\n", 2, "16384 x 16384 is more than"},
         {"canvas 4 4\nCreatePen p PS_SOLID 1 0\nSelectObject q\n", 3, "'q'"},
         {"canvas 4 4\nCreateBitmap32 b 4 0\n", 2, "bitmap size must be 1 to 16384"},
         {"canvas 4 4\nCreateBitmap32 a 4096 4096\nCreateBitmap32 b 1 1\n", 3,

@@ -7,12 +7,24 @@
 
 #include <algorithm>
 #include <cassert>
+#include <climits>
 #include <cstdint>
 #include <utility>
 
 #include "platform/gdi.hpp"
 
 namespace korvex::platform::sim {
+
+// ---------------------------------------------------------------------------------------------
+// Limits. The device takes any 32-bit coordinate, but what it builds must follow the bitmap, not
+// the input. Like GDI on NT, whose device coordinates are 28-bit, curved shapes and regions work
+// within +-2^27 (kCoordLimit) and fail beyond; lines, rects, polygons and blits take the whole
+// range. A pen is at most kMaxPenWidth pixels wide (a wider one draws as that), so a round cap is a
+// bounded table; regions hold at most kMaxRegionRects rects, and a call that would need more
+// fails as GDI's does when it runs out of memory.
+inline constexpr std::int32_t kCoordLimit = 1 << 27;
+inline constexpr std::int32_t kMaxPenWidth = 1 << 16;
+inline constexpr std::int64_t kMaxRegionRects = 1 << 20;
 
 // ---------------------------------------------------------------------------------------------
 // Pixels and colours
@@ -220,12 +232,18 @@ inline RECT Intersect(const RECT& a, const RECT& b) {
             std::min(a.bottom, b.bottom)};
 }
 
+// A 64-bit coordinate saturated into the 32-bit range. Every bitmap lies well inside that range,
+// so an edge that saturates is beyond any pixel and clips the same.
+constexpr std::int32_t Saturate(std::int64_t v) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, INT32_MIN, INT32_MAX));
+}
+
 // Blit-family extents: a negative width at x covers [x+w+1, x+1), the anchor pixel included.
-inline RECT BlitRect(std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
-    RECT r{x, y, x + w, y + h};
-    if (w < 0) r = {x + w + 1, r.top, x + 1, r.bottom};
-    if (h < 0) r = {r.left, y + h + 1, r.right, y + 1};
-    return r;
+// Extents are 64-bit so that differences of 32-bit edges can be passed as they are.
+inline RECT BlitRect(std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h) {
+    const std::int64_t x0 = w < 0 ? x + w + 1 : x, x1 = w < 0 ? x + 1 : x + w;
+    const std::int64_t y0 = h < 0 ? y + h + 1 : y, y1 = h < 0 ? y + 1 : y + h;
+    return {Saturate(x0), Saturate(y0), Saturate(x1), Saturate(y1)};
 }
 
 // Draws pixels [i0, i1) of the line, all of which lie inside the surface. Pixel i uses pattern

@@ -91,57 +91,87 @@ Region Region::FromRect(const RECT& r) {
 
 Region Region::FromRoundRect(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
                              std::int32_t ew, std::int32_t eh) {
+    return FromRoundRect(l, t, r, b, ew, eh, INT32_MIN, INT32_MAX);
+}
+
+Region Region::FromRoundRect(std::int32_t l32, std::int32_t t32, std::int32_t r32, std::int32_t b32,
+                             std::int32_t ew, std::int32_t eh, std::int32_t top,
+                             std::int32_t bottom) {
+    std::int64_t l = l32, t = t32, r = r32, b = b32;
     if (l > r) std::swap(l, r);
     if (t > b) std::swap(t, b);
     // GDI's round and elliptic regions lose a pixel on the right and bottom; RoundRect and
     // Ellipse pass right+1, bottom+1 to get the full box back.
     r -= 1;
     b -= 1;
-    const std::int64_t w = std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew));
-    const std::int64_t h = std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh));
+    const std::int64_t w = std::min<std::int64_t>(r - l, std::llabs(ew));
+    const std::int64_t h = std::min<std::int64_t>(b - t, std::llabs(eh));
+    auto sat = [](std::int64_t v) {
+        return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, INT32_MIN, INT32_MAX));
+    };
     // The fallback is CreateRectRgn, which normalises again: a box with l == r (t == b) has
     // become r = l - 1 and gives the column left of it (the row above).
-    if (w < 2 || h < 2)
-        return FromRect({std::min(l, r), std::min(t, b), std::max(l, r), std::max(t, b)});
-
-    // Zingl's integer ellipse for the lower-right quadrant of a w x h box, run from the middle
-    // row outwards: inset[row] is how far that row's span starts inside the box
-    // (NtGdiCreateRoundRectRgn).
-    const std::int64_t a = w - 1, bb = h - 1, p = bb % 2;
-    std::int64_t sx = 4 * bb * bb * (1 - a), sy = 4 * a * a * (1 + p), e = sx + sy + a * a * p;
-    std::vector<std::int32_t> inset(static_cast<std::size_t>(h), 0);
-    std::int64_t x = 0, row = h / 2;
-    while (x <= w / 2) {
-        const std::int64_t d = 2 * e;
-        if (d >= sx) {
-            ++x;
-            sx += 8 * bb * bb;
-            e += sx;
-        }
-        if (d <= sy) {
-            ++row;
-            sy += 8 * a * a;
-            e += sy;
-            if (row < h) inset[static_cast<std::size_t>(row)] = static_cast<std::int32_t>(x);
-        }
+    if (w < 2 || h < 2) {
+        const Region rect = FromRect(
+            {sat(std::min(l, r)), sat(std::min(t, b)), sat(std::max(l, r)), sat(std::max(t, b))});
+        return top == INT32_MIN && bottom == INT32_MAX
+                   ? rect
+                   : rect.Intersect({INT32_MIN, top, INT32_MAX, bottom});
     }
+
+    // Rows of the region: the top half's row t + i shows quadrant row h - 1 - i; the middle row
+    // h / 2 stretches up to join the top half (the full-width band of the straight sides); the
+    // bottom half's row b - h + k shows quadrant row k.
+    const std::int64_t half = h / 2;
+    const std::int64_t midTop = t + half, midBottom = b - h + half + 1;
+    const std::int64_t y0 = std::max<std::int64_t>(t, top), y1 = std::min<std::int64_t>(b, bottom);
+    if (y0 >= y1) return {};
+    // The quadrant rows those rows need, as one range.
+    std::int64_t kLo = h, kHi = half;
+    auto need = [&](std::int64_t k0, std::int64_t k1) {  // [k0, k1)
+        if (k0 >= k1) return;
+        kLo = std::min(kLo, k0);
+        kHi = std::max(kHi, k1);
+    };
+    {
+        const std::int64_t i0 = y0 - t, i1 = std::min(y1 - t, half);  // top half, i in [i0, i1)
+        if (i0 < i1) need(h - i1, h - i0);
+        if (y0 < midBottom && y1 > midTop) need(half, half + 1);
+        const std::int64_t k0 = std::max(y0 - (b - h), half + 1), k1 = std::min(y1 - (b - h), h);
+        need(k0, k1);
+    }
+    if (kLo >= kHi) return {};
+
+    // inset[k - kLo] is how far quadrant row k's span starts inside the box
+    // (NtGdiCreateRoundRectRgn): the x-steps taken when the stepper entered the row.
+    std::vector<std::int32_t> inset(static_cast<std::size_t>(kHi - kLo), 0);
+    std::int64_t row = half, lastInset = 0, lastJ = 0;
+    WalkEllipseQuadrant(w, h, [&](std::int64_t i, std::int64_t j) {
+        if (j != lastJ) {
+            lastJ = j;
+            row = half + j;
+            lastInset = i;
+            if (row >= kLo && row < kHi)
+                inset[static_cast<std::size_t>(row - kLo)] = static_cast<std::int32_t>(i);
+        }
+        return i <= w / 2 && row + 1 < kHi;
+    });
     // For thin, tall ellipses the stepper stops before the end rows, which Wine leaves
     // unwritten; they keep the narrowest span it reached, the tip, instead of the full width.
-    for (std::int64_t k = row + 1; k < h; ++k)
-        inset[static_cast<std::size_t>(k)] = inset[static_cast<std::size_t>(row)];
+    for (std::int64_t k = std::max(row + 1, kLo); k < kHi; ++k)
+        inset[static_cast<std::size_t>(k - kLo)] = static_cast<std::int32_t>(lastInset);
 
     Region region;
-    const auto half = static_cast<std::int32_t>(h / 2), hh = static_cast<std::int32_t>(h);
-    auto spanFor = [&](std::int32_t k) {
-        const std::int32_t in = inset[static_cast<std::size_t>(k)];
-        return std::vector<std::int32_t>{l + in, r - in};
+    auto spanFor = [&](std::int64_t k) {
+        const std::int64_t in = inset[static_cast<std::size_t>(k - kLo)];
+        return std::vector<std::int32_t>{sat(l + in), sat(r - in)};
     };
-    for (std::int32_t i = 0; i < half; ++i)
-        region.AppendBand(t + i, t + i + 1, spanFor(hh - 1 - i));
-    // The middle row stretches up to join the top half: the full-width band of the straight sides.
-    region.AppendBand(t + half, b - hh + half + 1, spanFor(half));
-    for (std::int32_t i = half + 1; i < hh; ++i)
-        region.AppendBand(b - hh + i, b - hh + i + 1, spanFor(i));
+    for (std::int64_t y = y0; y < std::min(y1, midTop); ++y)
+        region.AppendBand(sat(y), sat(y + 1), spanFor(h - 1 - (y - t)));
+    if (y0 < midBottom && y1 > midTop)
+        region.AppendBand(sat(std::max(y0, midTop)), sat(std::min(y1, midBottom)), spanFor(half));
+    for (std::int64_t y = std::max(y0, midBottom); y < y1; ++y)
+        region.AppendBand(sat(y), sat(y + 1), spanFor(y - (b - h)));
     return region;
 }
 
@@ -150,6 +180,11 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode) {
 }
 
 Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RECT& within) {
+    return *FromPolygon(points, fillMode, within, INT64_MAX);
+}
+
+std::optional<Region> Region::FromPolygon(std::span<const POINT> points, int fillMode,
+                                          const RECT& within, std::int64_t maxRects) {
     Region region;
     if (points.size() < 2) return region;
     struct Edge {
@@ -168,6 +203,13 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
         ymin = std::min({ymin, p.y, q.y});
         ymax = std::max({ymax, p.y, q.y});
     }
+    // An edge whose crossing moves on more often than the limit allows needs as many scanlines;
+    // refuse it before scanning.
+    for (const Edge& e : edges) {
+        const std::int64_t moves = std::min<std::int64_t>(
+            std::llabs(std::int64_t{e.xBottom} - e.xTop), std::int64_t{e.yBottom} - e.yTop);
+        if (moves > maxRects) return std::nullopt;
+    }
     std::vector<std::pair<std::int32_t, int>> crossings;
     std::vector<std::pair<std::int32_t, std::int32_t>> spans;
     ymin = std::max(ymin, within.top);
@@ -175,16 +217,33 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
     auto addSpan = [&](std::int32_t x0, std::int32_t x1) {
         spans.emplace_back(std::max(x0, within.left), std::min(x1, within.right));
     };
-    for (std::int32_t y = ymin; y < ymax; ++y) {
+    std::int64_t rects = 0;
+    // Scanlines between two rows where some crossing moves or an edge starts or ends are alike,
+    // so they are worked out once, as one band.
+    for (std::int64_t y = ymin; y < ymax;) {
+        std::int64_t next = ymax;
         crossings.clear();
         for (const Edge& e : edges) {
-            if (y < e.yTop || y >= e.yBottom) continue;
+            if (y < e.yTop) {
+                next = std::min<std::int64_t>(next, e.yTop);
+                continue;
+            }
+            if (y >= e.yBottom) continue;
+            next = std::min<std::int64_t>(next, e.yBottom);
             // Each edge covers scanlines top <= y < bottom and crosses at the ceiling of its
             // exact x, so a pixel is in when its top-left corner point is inside.
             // Differences of 32-bit coordinates need the wide type before they are taken.
-            const Wide num = (Wide{y} - e.yTop) * (Wide{e.xBottom} - e.xTop);
-            const Wide x = e.xTop + CeilDiv(num, Wide{e.yBottom} - e.yTop);
-            crossings.emplace_back(static_cast<std::int32_t>(x), e.dir);
+            const Wide dx = Wide{e.xBottom} - e.xTop, dy = Wide{e.yBottom} - e.yTop;
+            const Wide off = CeilDiv((Wide{y} - e.yTop) * dx, dy);
+            crossings.emplace_back(static_cast<std::int32_t>(e.xTop + off), e.dir);
+            // The first row below where the crossing moves on.
+            Wide moves = e.yBottom;
+            if (dx > 0)
+                moves = e.yTop + off * dy / dx + 1;
+            else if (dx < 0)
+                moves = e.yTop + CeilDiv((1 - off) * dy, -dx);
+            next = std::min<std::int64_t>(
+                next, static_cast<std::int64_t>(std::min<Wide>(moves, Wide{e.yBottom})));
         }
         std::sort(crossings.begin(), crossings.end());
         spans.clear();
@@ -203,12 +262,23 @@ Region Region::FromPolygon(std::span<const POINT> points, int fillMode, const RE
             for (std::size_t i = 0; i + 1 < crossings.size(); i += 2)
                 addSpan(crossings[i].first, crossings[i + 1].first);
         }
-        region.AppendBand(y, y + 1, NormaliseSpans(spans));
+        std::vector<std::int32_t> xs = NormaliseSpans(spans);
+        // Scanlines worked out count too, even when they merge into the band above.
+        rects += static_cast<std::int64_t>(std::max<std::size_t>(xs.size() / 2, 1));
+        if (rects > maxRects) return std::nullopt;
+        region.AppendBand(static_cast<std::int32_t>(y), static_cast<std::int32_t>(next),
+                          std::move(xs));
+        y = next;
     }
     return region;
 }
 
 Region Region::Combine(const Region& a, const Region& b, int mode) {
+    return *Combine(a, b, mode, INT64_MAX);
+}
+
+std::optional<Region> Region::Combine(const Region& a, const Region& b, int mode,
+                                      std::int64_t maxRects) {
     if (mode == RGN_COPY) return a;
     std::vector<std::int32_t> ys;
     ys.reserve(2 * (a.bands_.size() + b.bands_.size()));
@@ -225,6 +295,7 @@ Region Region::Combine(const Region& a, const Region& b, int mode) {
 
     static const std::vector<std::int32_t> kNone;
     Region out;
+    std::int64_t rects = 0;
     std::size_t ia = 0, ib = 0;
     for (std::size_t k = 0; k + 1 < ys.size(); ++k) {
         const std::int32_t y0 = ys[k], y1 = ys[k + 1];
@@ -233,10 +304,19 @@ Region Region::Combine(const Region& a, const Region& b, int mode) {
         const auto& sa = (ia < a.bands_.size() && a.bands_[ia].top <= y0) ? a.bands_[ia].xs : kNone;
         const auto& sb = (ib < b.bands_.size() && b.bands_[ib].top <= y0) ? b.bands_[ib].xs : kNone;
         if (sa.empty() && sb.empty()) continue;
-        out.AppendBand(y0, y1, CombineSpans(sa, sb, mode));
+        std::vector<std::int32_t> xs = CombineSpans(sa, sb, mode);
+        rects += static_cast<std::int64_t>(xs.size() / 2);
+        if (rects > maxRects) return std::nullopt;
+        out.AppendBand(y0, y1, std::move(xs));
     }
     assert(out.IsValid());
     return out;
+}
+
+std::int64_t Region::RectCount() const {
+    std::int64_t n = 0;
+    for (const Band& band : bands_) n += static_cast<std::int64_t>(band.xs.size() / 2);
+    return n;
 }
 
 void Region::AppendBand(std::int32_t top, std::int32_t bottom, std::vector<std::int32_t> xs) {

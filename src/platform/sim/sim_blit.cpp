@@ -11,8 +11,10 @@
 // outside the bitmap never take part; a destination pixel with none inside is left alone.
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <limits>
+#include <utility>
 #include <vector>
 
 #include "platform/sim/sim_gdi.hpp"
@@ -26,24 +28,37 @@ struct Run {
     std::int64_t count = 1;
 };
 
-// The source run of every destination offset along one axis.
-std::vector<Run> AxisMap(std::int64_t d, std::int64_t s) {
-    if (d == 1 && s > 1) --s;
-    std::vector<Run> runs(static_cast<std::size_t>(d));
-    if (d >= s) {
-        for (std::int64_t k = 0; k < d; ++k) {
-            const std::int64_t num = (2 * k + 1) * s;  // ceil(num / 2d) - 1
-            runs[static_cast<std::size_t>(k)] = {(num + 2 * d - 1) / (2 * d) - 1, 1};
-        }
-        return runs;
+// The source run of destination offset k along one axis of d destination and s source pixels,
+// worked out for k alone: the extents reach 2^31, so nothing may be proportional to them.
+class AxisMap {
+  public:
+    AxisMap(std::int64_t d, std::int64_t s) : d_(d), s_(d == 1 && s > 1 ? s - 1 : s) {}
+    [[nodiscard]] Run At(std::int64_t k) const {
+        // ceil(num / 2d) - 1 with num >= 1 is floor((num - 1) / 2d), which stays below 2^63.
+        if (d_ >= s_) return {((2 * k + 1) * s_ - 1) / (2 * d_), 1};
+        // Source i lands on ceil((2i + 1) d / 2s) - 1, so the first i landing on k or later is
+        // ceil(floor(2sk / d) / 2).
+        return {First(k), First(k + 1) - First(k)};
     }
-    for (auto& run : runs) run.count = 0;
-    for (std::int64_t i = 0; i < s; ++i) {
-        const std::int64_t k = ((2 * i + 1) * d + 2 * s - 1) / (2 * s) - 1;
-        Run& run = runs[static_cast<std::size_t>(k)];
-        if (run.count++ == 0) run.first = i;
+
+  private:
+    [[nodiscard]] std::int64_t First(std::int64_t k) const { return (2 * s_ * k / d_ + 1) / 2; }
+    std::int64_t d_, s_;
+};
+
+// The part [j0, j1) of a run whose source pixels anchor + dir * (first + j) lie in [0, size).
+std::pair<std::int64_t, std::int64_t> InBitmap(const Run& run, std::int64_t anchor,
+                                               std::int64_t dir, std::int64_t size) {
+    // anchor + dir * (first + j) in [0, size)  <=>  j in [lo, hi)
+    std::int64_t lo, hi;
+    if (dir > 0) {
+        lo = -anchor - run.first;
+        hi = size - anchor - run.first;
+    } else {
+        lo = anchor - size + 1 - run.first;
+        hi = anchor + 1 - run.first;
     }
-    return runs;
+    return {std::max<std::int64_t>(lo, 0), std::min(hi, run.count)};
 }
 
 // The source offset COLORONCOLOR keeps for destination offset k of d, with s source pixels: the
@@ -111,15 +126,22 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
 
     const RECT target = BlitRect(x, y, w, h);
     const Surface from = source->surface;
-    // Overlapping blits within one bitmap read the pixels as they were before the call.
+    // Overlapping blits within one bitmap read the pixels as they were before the call: the rows
+    // the source rect covers are copied first.
     std::vector<std::uint32_t> snapshot;
     const std::uint32_t* srcBits = from.bits;
+    std::int64_t firstRow = 0;  // the row srcBits starts with
     if (from.bits == dc->surface.bits) {
-        snapshot.assign(from.bits,
-                        from.bits + static_cast<std::ptrdiff_t>(from.width) * from.height);
-        srcBits = snapshot.data();
+        const RECT rows = Intersect(BlitRect(sx, sy, sw, sh), from.Bounds());
+        if (!rows.IsEmpty()) {
+            snapshot.assign(from.Row(rows.top), from.Row(rows.bottom));
+            srcBits = snapshot.data();
+            firstRow = rows.top;
+        }
     }
-    auto srcAt = [&](std::int64_t px, std::int64_t py) { return srcBits[py * from.width + px]; };
+    auto srcPtr = [&](std::int64_t px, std::int64_t py) {
+        return srcBits + (py - firstRow) * from.width + px;
+    };
 
     const std::int64_t dW = std::abs(std::int64_t{w}), dH = std::abs(std::int64_t{h});
     const std::int64_t sW = std::abs(std::int64_t{sw}), sH = std::abs(std::int64_t{sh});
@@ -128,61 +150,58 @@ bool SimGdi::StretchBlt(HDC hdst, std::int32_t x, std::int32_t y, std::int32_t w
 
     // Plain copies of equal size and direction are row copies.
     if (rop == SRCCOPY && dW == sW && dH == sH && dirX == sDirX && dirY == sDirY) {
-        const RECT srcBounds = from.Bounds();
         const RECT shiftedSource = BlitRect(sx, sy, sw, sh);
-        const std::int32_t ox = shiftedSource.left - target.left,
-                           oy = shiftedSource.top - target.top;
+        const std::int64_t ox = std::int64_t{shiftedSource.left} - target.left,
+                           oy = std::int64_t{shiftedSource.top} - target.top;
+        // The source bitmap seen from the destination.
+        const RECT fromHere{Saturate(-ox), Saturate(-oy), Saturate(from.width - ox),
+                            Saturate(from.height - oy)};
         dc->visible.ForEachRect([&](const RECT& clip) {
-            RECT r = Intersect(clip, target);
-            r = Intersect(r, {srcBounds.left - ox, srcBounds.top - oy, srcBounds.right - ox,
-                              srcBounds.bottom - oy});
+            const RECT r = Intersect(Intersect(clip, target), fromHere);
             if (r.IsEmpty()) return;
             for (std::int32_t row = r.top; row < r.bottom; ++row)
-                std::memmove(
-                    dc->surface.Row(row) + r.left,
-                    srcBits + static_cast<std::ptrdiff_t>(row + oy) * from.width + r.left + ox,
-                    static_cast<std::size_t>(r.Width()) * sizeof(std::uint32_t));
+                std::memmove(dc->surface.Row(row) + r.left, srcPtr(r.left + ox, row + oy),
+                             static_cast<std::size_t>(r.Width()) * sizeof(std::uint32_t));
         });
         return true;
     }
 
-    const std::vector<Run> mapX = AxisMap(dW, sW), mapY = AxisMap(dH, sH);
+    const AxisMap mapX(dW, sW), mapY(dH, sH);
     const int mode = dc->stretchMode;
     const std::uint8_t index = Rop3Index(rop);
     // A hatch shows its colour on its lines and the background colour between them.
     const FillPaint hatch = PaintFor(*dc, dc->brushData, R2_COPYPEN);
     const std::uint32_t lineColour = ToPixel(dc->brushData.color);
     const std::uint32_t gapColour = ToPixel(dc->bkColor);
+    // Only source pixels inside the bitmap take part: Wine clips the stepping line to the source
+    // (calc_1d_stretch_params), so a run partly off the bitmap is made of the pixels left in it.
+    // COLORONCOLOR keeps the first of those rows and the last of those columns; the other modes
+    // fold them all. Only destination pixels inside the clip are visited, so the work is bounded
+    // by the clip and the source bitmap, never by the extents.
+    const bool keepOne = mode == COLORONCOLOR || mode == HALFTONE;
 
     dc->visible.ForEachRect([&](const RECT& clip) {
         const RECT r = Intersect(clip, target);
         if (r.IsEmpty()) return;
         for (std::int32_t py = r.top; py < r.bottom; ++py) {
-            const Run& ry = mapY[static_cast<std::size_t>((py - y) * dirY)];
+            const Run ry = mapY.At((std::int64_t{py} - y) * dirY);
+            const auto [j0, j1] = InBitmap(ry, sy, sDirY, from.height);
+            if (j0 >= j1) continue;
             std::uint32_t* out = dc->surface.Row(py);
             for (std::int32_t px = r.left; px < r.right; ++px) {
-                const Run& rx = mapX[static_cast<std::size_t>((px - x) * dirX)];
-                // Only source pixels inside the bitmap take part: Wine clips the stepping line
-                // to the source (calc_1d_stretch_params), so a run partly off the bitmap is made
-                // of the pixels left in it. COLORONCOLOR keeps the first of those rows and the
-                // last of those columns; the other modes fold them all.
-                const bool keepOne = mode == COLORONCOLOR || mode == HALFTONE;
-                bool any = false;
+                const Run rx = mapX.At((std::int64_t{px} - x) * dirX);
+                const auto [i0, i1] = InBitmap(rx, sx, sDirX, from.width);
+                if (i0 >= i1) continue;  // nothing to read: the destination stays as it was
                 std::uint32_t value = mode == WHITEONBLACK ? 0u : ~0u;
-                for (std::int64_t j = 0; j < ry.count; ++j) {
+                for (std::int64_t j = j0; j < j1; ++j) {
                     const std::int64_t srcY = sy + sDirY * (ry.first + j);
-                    if (srcY < 0 || srcY >= from.height) continue;
-                    for (std::int64_t i = rx.count; i-- > 0;) {
-                        const std::int64_t srcX = sx + sDirX * (rx.first + i);
-                        if (srcX < 0 || srcX >= from.width) continue;
-                        const std::uint32_t s = srcAt(srcX, srcY);
+                    for (std::int64_t i = i1; i-- > i0;) {
+                        const std::uint32_t s = *srcPtr(sx + sDirX * (rx.first + i), srcY);
                         value = keepOne ? s : mode == WHITEONBLACK ? (value | s) : (value & s);
-                        any = true;
                         if (keepOne) break;
                     }
-                    if (keepOne && any) break;
+                    if (keepOne) break;
                 }
-                if (!any) continue;  // nothing to read: the destination stays as it was
                 const std::uint32_t pattern =
                     !hatch.hatch || hatch.On(px, py) ? lineColour : gapColour;
                 out[px] = rop == SRCCOPY ? value : Rop3Apply(index, pattern, value, out[px]);

@@ -71,7 +71,9 @@ bool SimGdi::DrawEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags) {
                          !(flags & (BF_FLAT | BF_MONO)));
     const EdgeColours c = ColoursFor(edge, flags);
     const RECT r = *rect;
-    auto fill = [&](int colour, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h) {
+    // Edges one or two pixels in from a rect at the 32-bit limits are worked out in 64 bits; the
+    // adjusted rect saturates.
+    auto fill = [&](int colour, std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h) {
         // Strokes are PATCOPY fills: DrawEdge ignores the DC's pen, brush and ROP2.
         if (colour >= 0)
             PatBltBrush(*dc, x, y, w, h, PATCOPY,
@@ -80,27 +82,25 @@ bool SimGdi::DrawEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags) {
     const bool left = flags & BF_LEFT, top = flags & BF_TOP, right = flags & BF_RIGHT,
                bottom = flags & BF_BOTTOM;
     // Inner strokes stop one pixel short of a corner only where both of its sides are drawn.
-    const std::int32_t kTL = top && left, kTR = top && right, kBL = bottom && left,
+    const std::int64_t kTL = top && left, kTR = top && right, kBL = bottom && left,
                        kBR = bottom && right;
-    const std::int32_t w = r.right - r.left, h = r.bottom - r.top;
-    if (top) fill(c.lto, r.left, r.top, w, 1);
-    if (left) fill(c.lto, r.left, r.top, 1, h);
-    if (bottom) fill(c.rbo, r.left, r.bottom - 1, w, 1);
-    if (right) fill(c.rbo, r.right - 1, r.top, 1, h);
-    if (top) fill(c.lti, r.left + kTL, r.top + 1, w - kTL - kTR, 1);
-    if (left) fill(c.lti, r.left + 1, r.top + kTL, 1, h - kTL - kBL);
-    if (bottom) fill(c.rbi, r.left + kBL, r.bottom - 2, w - kBL - kBR, 1);
-    if (right) fill(c.rbi, r.right - 2, r.top + kTR, 1, h - kTR - kBR);
+    const std::int64_t l = r.left, t = r.top, rr = r.right, b = r.bottom;
+    const std::int64_t w = rr - l, h = b - t;
+    if (top) fill(c.lto, l, t, w, 1);
+    if (left) fill(c.lto, l, t, 1, h);
+    if (bottom) fill(c.rbo, l, b - 1, w, 1);
+    if (right) fill(c.rbo, rr - 1, t, 1, h);
+    if (top) fill(c.lti, l + kTL, t + 1, w - kTL - kTR, 1);
+    if (left) fill(c.lti, l + 1, t + kTL, 1, h - kTL - kBL);
+    if (bottom) fill(c.rbi, l + kBL, b - 2, w - kBL - kBR, 1);
+    if (right) fill(c.rbi, rr - 2, t + kTR, 1, h - kTR - kBR);
 
-    const std::int32_t add = (HasOuterRing(edge) ? 1 : 0) + (HasInnerRing(edge) ? 1 : 0);
-    RECT inner = r;
-    if (left) inner.left += add;
-    if (right) inner.right -= add;
-    if (top) inner.top += add;
-    if (bottom) inner.bottom -= add;
+    const std::int64_t add = (HasOuterRing(edge) ? 1 : 0) + (HasInnerRing(edge) ? 1 : 0);
+    const std::int64_t il = left ? l + add : l, ir = right ? rr - add : rr;
+    const std::int64_t it = top ? t + add : t, ib = bottom ? b - add : b;
     if ((flags & BF_MIDDLE) && valid)
-        fill((flags & BF_MONO) ? COLOR_WINDOW : COLOR_BTNFACE, inner.left, inner.top,
-             inner.right - inner.left, inner.bottom - inner.top);
+        fill((flags & BF_MONO) ? COLOR_WINDOW : COLOR_BTNFACE, il, it, ir - il, ib - it);
+    const RECT inner{Saturate(il), Saturate(it), Saturate(ir), Saturate(ib)};
     if (flags & BF_ADJUST) *rect = inner;
     return valid;
 }
@@ -108,11 +108,14 @@ bool SimGdi::DrawEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags) {
 // The diagonal variant strokes one or two lines across the square of the rect's smaller side and
 // fills the triangle or quadrilateral beside them; which corner it runs to follows the side flags.
 bool SimGdi::DrawDiagonalEdge(HDC hdc, RECT* rc, unsigned edge, unsigned flags) {
-    const std::int32_t width = rc->right - rc->left, height = rc->bottom - rc->top;
-    const std::int32_t diam = width > height ? height : width;
+    // 64-bit throughout: the corners of a rect at the 32-bit limits plus the diameter do not fit
+    // 32 bits; the points handed on saturate.
+    const std::int64_t rl = rc->left, rt = rc->top, rr = rc->right, rb = rc->bottom;
+    const std::int64_t width = rr - rl, height = rb - rt;
+    const std::int64_t diam = width > height ? height : width;
     const bool valid = !(((edge & kInner) == kInner || (edge & kOuter) == kOuter) &&
                          !(flags & (BF_FLAT | BF_MONO)));
-    const std::int32_t add = (HasOuterRing(edge) ? 1 : 0) + (HasInnerRing(edge) ? 1 : 0);
+    const std::int64_t add = (HasOuterRing(edge) ? 1 : 0) + (HasInnerRing(edge) ? 1 : 0);
 
     // One colour per ring: the right/bottom column when BF_BOTTOM is set, else the left/top one.
     int innerColour, outerColour;
@@ -137,33 +140,34 @@ bool SimGdi::DrawDiagonalEdge(HDC hdc, RECT* rc, unsigned edge, unsigned flags) 
                                 : PenObj{PS_SOLID, 1, sysColors_[static_cast<std::size_t>(colour)]};
         RefreshRops(*d);
     };
-    auto line = [&](std::int32_t x0, std::int32_t y0, std::int32_t x1, std::int32_t y1) {
-        MoveToEx(hdc, x0, y0, nullptr);
-        LineTo(hdc, x1, y1);
+    auto line = [&](std::int64_t x0, std::int64_t y0, std::int64_t x1, std::int64_t y1) {
+        MoveToEx(hdc, Saturate(x0), Saturate(y0), nullptr);
+        LineTo(hdc, Saturate(x1), Saturate(y1));
     };
+    auto pt = [](std::int64_t x, std::int64_t y) { return POINT{Saturate(x), Saturate(y)}; };
 
-    std::int32_t spx = 0, spy = 0, epx = 0, epy = 0;
+    std::int64_t spx = 0, spy = 0, epx = 0, epy = 0;
     switch (flags & BF_RECT) {
         case 0:
         case BF_LEFT:
         case BF_BOTTOM:
         case BF_BOTTOM | BF_LEFT:  // towards the bottom-left
-            epx = rc->left - 1;
+            epx = rl - 1;
             spx = epx + diam;
-            epy = rc->bottom;
+            epy = rb;
             spy = epy - diam;
             break;
         case BF_TOPLEFT:
         case BF_BOTTOMRIGHT:  // towards the top-left
-            epx = rc->left - 1;
+            epx = rl - 1;
             spx = epx + diam;
-            epy = rc->top - 1;
+            epy = rt - 1;
             spy = epy + diam;
             break;
         default:  // towards the top-right
-            spx = rc->left;
+            spx = rl;
             epx = spx + diam;
-            spy = rc->bottom - 1;
+            spy = rb - 1;
             epy = spy - diam;
             break;
     }
@@ -178,16 +182,16 @@ bool SimGdi::DrawDiagonalEdge(HDC hdc, RECT* rc, unsigned edge, unsigned flags) 
         case BF_DIAGONAL:
         case BF_DIAGONAL | BF_LEFT:
             line(spx - 1, spy, epx, epy - 1);
-            pts[0] = {spx - add, spy};
-            pts[1] = {rc->left, rc->top};
-            pts[2] = {epx + 1, epy - 1 - add};
+            pts[0] = pt(spx - add, spy);
+            pts[1] = pt(rl, rt);
+            pts[2] = pt(epx + 1, epy - 1 - add);
             pts[3] = pts[2];
             break;
         case BF_DIAGONAL | BF_BOTTOM | BF_RIGHT:
             line(spx - 1, spy, epx, epy + 1);
-            pts[0] = {spx - add, spy};
-            pts[1] = {rc->left, rc->bottom - 1};
-            pts[2] = {epx + 1, epy + 1 + add};
+            pts[0] = pt(spx - add, spy);
+            pts[1] = pt(rl, rb - 1);
+            pts[2] = pt(epx + 1, epy + 1 + add);
             pts[3] = pts[2];
             break;
         case BF_DIAGONAL | BF_BOTTOM | BF_RIGHT | BF_TOP:
@@ -195,34 +199,34 @@ bool SimGdi::DrawDiagonalEdge(HDC hdc, RECT* rc, unsigned edge, unsigned flags) 
         case BF_DIAGONAL | BF_TOP | BF_RIGHT:
         case BF_DIAGONAL | BF_RIGHT | BF_TOP | BF_LEFT:
             line(spx + 1, spy, epx, epy + 1);
-            pts[0] = {epx - 1, epy + 1 + add};
-            pts[1] = {rc->right - 1, rc->top + add};
-            pts[2] = {rc->right - 1, rc->bottom - 1};
-            pts[3] = {spx + add, spy};
+            pts[0] = pt(epx - 1, epy + 1 + add);
+            pts[1] = pt(rr - 1, rt + add);
+            pts[2] = pt(rr - 1, rb - 1);
+            pts[3] = pt(spx + add, spy);
             break;
         case BF_DIAGONAL | BF_TOP | BF_LEFT:
             line(spx, spy - 1, epx + 1, epy);
-            pts[0] = {epx + 1 + add, epy + 1};
-            pts[1] = {rc->right - 1, rc->top};
-            pts[2] = {rc->right - 1, rc->bottom - 1 - add};
-            pts[3] = {spx, spy - add};
+            pts[0] = pt(epx + 1 + add, epy + 1);
+            pts[1] = pt(rr - 1, rt);
+            pts[2] = pt(rr - 1, rb - 1 - add);
+            pts[3] = pt(spx, spy - add);
             break;
         case BF_DIAGONAL | BF_TOP:
         case BF_DIAGONAL | BF_BOTTOM | BF_TOP:
         case BF_DIAGONAL | BF_BOTTOM | BF_TOP | BF_LEFT:
             line(spx + 1, spy - 1, epx, epy);
-            pts[0] = {epx - 1, epy + 1};
-            pts[1] = {rc->right - 1, rc->top};
-            pts[2] = {rc->right - 1, rc->bottom - 1 - add};
-            pts[3] = {spx + add, spy - add};
+            pts[0] = pt(epx - 1, epy + 1);
+            pts[1] = pt(rr - 1, rt);
+            pts[2] = pt(rr - 1, rb - 1 - add);
+            pts[3] = pt(spx + add, spy - add);
             break;
         case BF_DIAGONAL | BF_RIGHT:
         case BF_DIAGONAL | BF_RIGHT | BF_LEFT:
         case BF_DIAGONAL | BF_RIGHT | BF_LEFT | BF_BOTTOM:
             line(spx, spy, epx - 1, epy + 1);
-            pts[0] = {spx, spy};
-            pts[1] = {rc->left, rc->top + add};
-            pts[2] = {epx - 1 - add, epy + 1 + add};
+            pts[0] = pt(spx, spy);
+            pts[1] = pt(rl, rt + add);
+            pts[2] = pt(epx - 1 - add, epy + 1 + add);
             pts[3] = pts[2];
             break;
         default:
@@ -240,10 +244,10 @@ bool SimGdi::DrawDiagonalEdge(HDC hdc, RECT* rc, unsigned edge, unsigned flags) 
         d->brushData = savedBrush;
     }
     if (flags & BF_ADJUST) {
-        if (flags & BF_LEFT) rc->left += add;
-        if (flags & BF_RIGHT) rc->right -= add;
-        if (flags & BF_TOP) rc->top += add;
-        if (flags & BF_BOTTOM) rc->bottom -= add;
+        if (flags & BF_LEFT) rc->left = Saturate(rl + add);
+        if (flags & BF_RIGHT) rc->right = Saturate(rr - add);
+        if (flags & BF_TOP) rc->top = Saturate(rt + add);
+        if (flags & BF_BOTTOM) rc->bottom = Saturate(rb - add);
     }
     DcObj* d = Dc(hdc);
     d->penData = savedPen;

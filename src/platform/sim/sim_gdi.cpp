@@ -2,6 +2,7 @@
 
 #include "platform/sim/sim_gdi.hpp"
 
+#include <algorithm>
 #include <cstdlib>
 #include <type_traits>
 
@@ -180,7 +181,8 @@ PixelView SimGdi::BitmapPixels(HBITMAP handle) {
 HPEN SimGdi::CreatePen(int style, int width, COLORREF color) {
     // Styles GDI's CreatePen does not take as such (user styles, alternate) draw solid.
     if (style < PS_SOLID || style > PS_INSIDEFRAME) style = PS_SOLID;
-    return HPEN{Allocate(PenObj{style, std::abs(width), color & 0x00FFFFFF})};
+    const auto w = static_cast<int>(std::min<std::int64_t>(std::llabs(width), kMaxPenWidth));
+    return HPEN{Allocate(PenObj{style, w, color & 0x00FFFFFF})};
 }
 
 HBRUSH SimGdi::CreateSolidBrush(COLORREF color) {

@@ -201,6 +201,13 @@ class SimGdi final : public Gdi {
     // The pixels a wide pen covers along the figure, cut to the bitmap rect dib.
     Region WideStrokeRegion(const PenObj& pen, std::span<const POINT> points, bool closed,
                             const RECT& dib);
+    // The union over several figures, all closed or all open.
+    Region WideStrokeRegion(const PenObj& pen, std::span<const std::span<const POINT>> figures,
+                            bool closed, const RECT& dib);
+    // RoundRect and Ellipse after their checks: the outline and interior of the rows that reach
+    // the clip only.
+    void PaintRoundFigure(DcObj& dc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
+                          std::int32_t ew, std::int32_t eh);
     // A closed figure with its interior: a one-pixel pen draws over the painted interior; a
     // wide pen's outline is worked out first and the interior minus it painted before it.
     void PaintFigure(DcObj& dc, std::span<const POINT> outline, const Region* interior);
@@ -208,7 +215,8 @@ class SimGdi final : public Gdi {
     // sim_shapes.cpp / sim_regions.cpp: fills.
     void FillClipped(DcObj& dc, const RECT& rect, const FillPaint& paint);
     void PaintRegion(DcObj& dc, const Region& region, const FillPaint& paint);
-    bool PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+    // 64-bit, so callers pass differences and sums of 32-bit edges without wrapping them.
+    bool PatBltBrush(DcObj& dc, std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h,
                      DWORD rop, const BrushObj& brush);
     bool DrawDiagonalEdge(HDC hdc, RECT* rect, unsigned edge, unsigned flags);
 

@@ -19,27 +19,39 @@ bool ContainsRect(const RECT& outer, const RECT& inner) {
 }
 
 // Collects spans row by row and turns them into a banded region; used for the few strokes that
-// are not single rects.
+// are not single rects. Rows are merged as they grow, and once the whole limit is covered nothing
+// more is collected, so a wide pen's many overlapping pieces cost what the bitmap holds.
 class RowBuilder {
   public:
     explicit RowBuilder(const RECT& limit) : limit_(limit) {}
+    [[nodiscard]] bool Full() const { return full_; }
     void Add(const RECT& r) {
+        if (full_) return;
         const RECT c = Intersect(r, limit_);
         if (c.IsEmpty()) return;
-        for (std::int32_t y = c.top; y < c.bottom; ++y) rows_[y].emplace_back(c.left, c.right);
+        if (c == limit_) {
+            full_ = true;
+            rows_.clear();
+            return;
+        }
+        for (std::int32_t y = c.top; y < c.bottom; ++y) {
+            Row& row = rows_[y];
+            row.spans.emplace_back(c.left, c.right);
+            if (row.spans.size() > 2 * row.merged + 16) {
+                Merge(row.spans);
+                row.merged = row.spans.size();
+            }
+        }
     }
     Region Build() {
+        if (full_) return Region::FromRect(limit_);
         Region region;
-        for (auto& [y, spans] : rows_) {
-            std::sort(spans.begin(), spans.end());
+        for (auto& [y, row] : rows_) {
+            Merge(row.spans);
             std::vector<std::int32_t> xs;
-            for (const auto& [a, b] : spans) {
-                if (!xs.empty() && a <= xs.back())
-                    xs.back() = std::max(xs.back(), b);
-                else {
-                    xs.push_back(a);
-                    xs.push_back(b);
-                }
+            for (const auto& [a, b] : row.spans) {
+                xs.push_back(a);
+                xs.push_back(b);
             }
             region.AppendBand(y, y + 1, std::move(xs));
         }
@@ -47,8 +59,27 @@ class RowBuilder {
     }
 
   private:
+    using Spans = std::vector<std::pair<std::int32_t, std::int32_t>>;
+    struct Row {
+        Spans spans;
+        std::size_t merged = 0;
+    };
+    // Sorts the spans and joins those that overlap or touch.
+    static void Merge(Spans& spans) {
+        std::sort(spans.begin(), spans.end());
+        std::size_t out = 0;
+        for (const auto& span : spans) {
+            if (out > 0 && span.first <= spans[out - 1].second)
+                spans[out - 1].second = std::max(spans[out - 1].second, span.second);
+            else
+                spans[out++] = span;
+        }
+        spans.resize(out);
+    }
+
     RECT limit_;
-    std::map<std::int32_t, std::vector<std::pair<std::int32_t, std::int32_t>>> rows_;
+    bool full_ = false;
+    std::map<std::int32_t, Row> rows_;
 };
 
 }  // namespace
@@ -201,43 +232,87 @@ void AddWideSegment(RowBuilder& rows, std::int32_t w, POINT p1, POINT p2, const 
 
 Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const POINT> all, bool closed,
                                 const RECT& dib) {
+    const std::span<const POINT> figures[] = {all};
+    return WideStrokeRegion(pen, figures, closed, dib);
+}
+
+Region SimGdi::WideStrokeRegion(const PenObj& pen, std::span<const std::span<const POINT>> figures,
+                                bool closed, const RECT& dib) {
     const std::int32_t w = pen.width;
     RowBuilder rows(dib);
-    if (all.size() < 2) return rows.Build();
-    // Leading and trailing empty segments are dropped first.
-    std::size_t first = 0, num = all.size();
     auto same = [](POINT a, POINT b) { return a.x == b.x && a.y == b.y; };
-    while (num > 2 && same(all[first], all[first + 1])) {
-        ++first;
-        --num;
-    }
-    while (num > 2 && same(all[first + num - 1], all[first + num - 2])) --num;
-    const std::span<const POINT> pts = all.subspan(first, num);
 
     // The round cap: CreateEllipticRgn(-(w/2), -(w/2), (w+1)/2 + 1, (w+1)/2 + 1).
     const std::int32_t c0 = -(w / 2), c1 = (w + 1) / 2 + 1;
-    const Region cap = Region::FromRoundRect(c0, c0, c1, c1, c1 - c0, c1 - c0);
+    // Only the cap rows some vertex can bring onto the bitmap are built.
+    std::int64_t needTop = INT64_MAX, needBottom = INT64_MIN;
+    for (const std::span<const POINT> figure : figures)
+        for (const POINT p : figure) {
+            needTop = std::min(needTop, std::int64_t{dib.top} - p.y);
+            needBottom = std::max(needBottom, std::int64_t{dib.bottom} - p.y);
+        }
+    const Region cap = Region::FromRoundRect(c0, c0, c1, c1, c1 - c0, c1 - c0,
+                                             Sat(std::max<std::int64_t>(needTop, c0)),
+                                             Sat(std::min<std::int64_t>(needBottom, c1)));
+    const std::vector<Region::Band>& capBands = cap.Bands();
+    // The band of cap row y, or null.
+    auto bandAt = [&](std::int64_t y) -> const Region::Band* {
+        auto it =
+            std::upper_bound(capBands.begin(), capBands.end(), y,
+                             [](std::int64_t v, const Region::Band& b) { return v < b.bottom; });
+        return it == capBands.end() || y < it->top ? nullptr : &*it;
+    };
     auto addCap = [&](POINT p) {
-        cap.ForEachRect([&](const RECT& r) {
-            rows.Add({Sat(std::int64_t{r.left} + p.x), Sat(std::int64_t{r.top} + p.y),
-                      Sat(std::int64_t{r.right} + p.x), Sat(std::int64_t{r.bottom} + p.y)});
-        });
+        if (rows.Full()) return;
+        // Only the cap's rows that reach the bitmap; a cap holding the whole bitmap (its rows are
+        // convex and widest in the middle, so its top and bottom rows decide) is the bitmap.
+        const std::int64_t y0 = std::int64_t{dib.top} - p.y, y1 = std::int64_t{dib.bottom} - p.y;
+        auto holds = [&](std::int64_t y) {
+            const Region::Band* band = bandAt(y);
+            return band && band->xs.size() == 2 && std::int64_t{band->xs[0]} + p.x <= dib.left &&
+                   std::int64_t{band->xs[1]} + p.x >= dib.right;
+        };
+        if (!dib.IsEmpty() && holds(y0) && holds(y1 - 1)) {
+            rows.Add(dib);
+            return;
+        }
+        auto it =
+            std::upper_bound(capBands.begin(), capBands.end(), y0,
+                             [](std::int64_t v, const Region::Band& b) { return v < b.bottom; });
+        for (; it != capBands.end() && it->top < y1; ++it) {
+            for (std::size_t k = 0; k < it->xs.size(); k += 2)
+                rows.Add({Sat(std::int64_t{it->xs[k]} + p.x), Sat(std::int64_t{it->top} + p.y),
+                          Sat(std::int64_t{it->xs[k + 1]} + p.x),
+                          Sat(std::int64_t{it->bottom} + p.y)});
+        }
     };
 
-    const std::size_t count = closed ? num : num - 1;  // segments
-    if (!closed) {
-        addCap(pts.front());
-        addCap(pts.back());
+    for (const std::span<const POINT> all : figures) {
+        if (all.size() < 2) continue;
+        // Leading and trailing empty segments are dropped first.
+        std::size_t first = 0, num = all.size();
+        while (num > 2 && same(all[first], all[first + 1])) {
+            ++first;
+            --num;
+        }
+        while (num > 2 && same(all[first + num - 1], all[first + num - 2])) --num;
+        const std::span<const POINT> pts = all.subspan(first, num);
+
+        const std::size_t count = closed ? num : num - 1;  // segments
+        if (!closed) {
+            addCap(pts.front());
+            addCap(pts.back());
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            const POINT a = pts[i], b = pts[(i + 1) % num];
+            if (!rows.Full()) AddWideSegment(rows, w, a, b, dib);
+            // A round join at every inner vertex where a segment starts; an empty inner segment
+            // adds none, the last one always does (wide_line_segments).
+            const bool inner = i > 0;
+            if (inner && (i == count - 1 || !same(a, b))) addCap(a);
+        }
+        if (closed) addCap(pts.front());
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        const POINT a = pts[i], b = pts[(i + 1) % num];
-        AddWideSegment(rows, w, a, b, dib);
-        // A round join at every inner vertex where a segment starts; an empty inner segment
-        // adds none, the last one always does (wide_line_segments).
-        const bool inner = i > 0;
-        if (inner && (i == count - 1 || !same(a, b))) addCap(a);
-    }
-    if (closed) addCap(pts.front());
     return rows.Build();
 }
 

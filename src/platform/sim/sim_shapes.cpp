@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <initializer_list>
+#include <optional>
 #include <utility>
+#include <vector>
 
 #include "platform/sim/sim_gdi.hpp"
 
@@ -10,41 +13,83 @@ namespace korvex::platform::sim {
 
 namespace {
 
+std::int64_t Width64(const RECT& r) {
+    return std::int64_t{r.right} - r.left;
+}
+std::int64_t Height64(const RECT& r) {
+    return std::int64_t{r.bottom} - r.top;
+}
+
 void Normalise(std::int32_t& l, std::int32_t& t, std::int32_t& r, std::int32_t& b) {
     if (l > r) std::swap(l, r);
     if (t > b) std::swap(t, b);
 }
 
-// The outline of a RoundRect/Ellipse in [l,r)x[t,b) with corner ellipse ew x eh, starting at
-// the right end of the top-right arc and running counter-clockwise on screen.
-std::vector<POINT> RoundRectOutline(std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
-                                    std::int32_t ew, std::int32_t eh) {
-    // Zingl's integer ellipse for the lower-right quadrant of an ew x eh box, from the middle
-    // row outwards; both tests use d and the terms from before this step's updates.
-    const std::int64_t a = ew - 1, bb = eh - 1, p = bb % 2;
-    std::int64_t sx = 4 * bb * bb * (1 - a), sy = 4 * a * a * (1 + p), e = sx + sy + a * a * p;
-    std::int64_t x = a, y = eh / 2;
-    std::vector<POINT> quadrant;
-    while (x >= ew / 2) {
-        quadrant.push_back({static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)});
-        const std::int64_t d = 2 * e;
-        if (d >= sx) {
-            --x;
-            sx += 8 * bb * bb;
-            e += sx;
-        }
-        if (d <= sy) {
-            ++y;
-            sy += 8 * a * a;
-            e += sy;
-        }
-    }
-    std::vector<POINT> top;
-    for (const POINT q : quadrant) top.push_back({r - ew + q.x, t + eh - 1 - q.y});
-    for (std::size_t i = quadrant.size(); i-- > 0;) top.push_back({l + r - 1 - top[i].x, top[i].y});
-    std::vector<POINT> all = top;
-    for (std::size_t i = top.size(); i-- > 0;) all.push_back({top[i].x, t + b - 1 - top[i].y});
-    return all;
+bool OutsideCoordLimit(std::initializer_list<std::int32_t> values) {
+    return std::any_of(values.begin(), values.end(),
+                       [](std::int32_t v) { return v < -kCoordLimit || v > kCoordLimit; });
+}
+
+// A point of a RoundRect/Ellipse outline and its position in the whole outline.
+struct OutlinePoint {
+    std::int64_t pos = 0;
+    POINT at{};
+};
+
+// The outline of a RoundRect/Ellipse in [l,r)x[t,b) with corner ellipse ew x eh, starting at the
+// right end of the top-right arc and running counter-clockwise on screen: 4m points, the quadrant
+// walked by the stepper and its three mirrors. Only the points inside keep are listed, and the
+// ends of each arc, which the straight sides join; everything between two listed points that are
+// not neighbours is a run of one-pixel steps outside keep.
+struct RoundOutline {
+    std::int64_t m = 0;
+    std::vector<OutlinePoint> points;  // by position
+};
+
+RoundOutline BuildRoundOutline(std::int64_t l, std::int64_t t, std::int64_t r, std::int64_t b,
+                               std::int64_t ew, std::int64_t eh, const RECT& keep) {
+    struct Quadrant {
+        std::int64_t k, x, y;
+    };
+    auto inKeep = [&](std::int64_t x, std::int64_t y) {
+        return x >= keep.left && x < keep.right && y >= keep.top && y < keep.bottom;
+    };
+    // Screen columns of the right and left arcs, rows of the top and bottom ones.
+    auto rightX = [&](const Quadrant& q) { return r - ew + q.x; };
+    auto leftX = [&](const Quadrant& q) { return l + ew - 1 - q.x; };
+    auto topY = [&](const Quadrant& q) { return t + eh - 1 - q.y; };
+    auto bottomY = [&](const Quadrant& q) { return b - eh + q.y; };
+
+    std::vector<Quadrant> kept;
+    Quadrant last{};
+    std::int64_t k = 0;
+    const std::int64_t a = ew - 1;
+    WalkEllipseQuadrant(ew, eh, [&](std::int64_t i, std::int64_t j) {
+        const Quadrant q{k, a - i, eh / 2 + j};
+        if (q.x < ew / 2) return false;
+        if (k == 0 || inKeep(rightX(q), topY(q)) || inKeep(leftX(q), topY(q)) ||
+            inKeep(leftX(q), bottomY(q)) || inKeep(rightX(q), bottomY(q)))
+            kept.push_back(q);
+        last = q;
+        ++k;
+        return true;
+    });
+    RoundOutline out;
+    out.m = k;
+    if (kept.empty() || kept.back().k != last.k) kept.push_back(last);
+    const std::int64_t m = k;
+    auto add = [&](std::int64_t pos, const Quadrant& q, std::int64_t x, std::int64_t y) {
+        if (q.k == 0 || q.k == m - 1 || inKeep(x, y))
+            out.points.push_back(
+                {pos, POINT{static_cast<std::int32_t>(x), static_cast<std::int32_t>(y)}});
+    };
+    for (const Quadrant& q : kept) add(q.k, q, rightX(q), topY(q));
+    for (std::size_t n = kept.size(); n-- > 0;)
+        add(2 * m - 1 - kept[n].k, kept[n], leftX(kept[n]), topY(kept[n]));
+    for (const Quadrant& q : kept) add(2 * m + q.k, q, leftX(q), bottomY(q));
+    for (std::size_t n = kept.size(); n-- > 0;)
+        add(4 * m - 1 - kept[n].k, kept[n], rightX(kept[n]), bottomY(kept[n]));
+    return out;
 }
 
 }  // namespace
@@ -74,7 +119,7 @@ void SimGdi::PaintRegion(DcObj& dc, const Region& region, const FillPaint& paint
     });
 }
 
-bool SimGdi::PatBltBrush(DcObj& dc, std::int32_t x, std::int32_t y, std::int32_t w, std::int32_t h,
+bool SimGdi::PatBltBrush(DcObj& dc, std::int64_t x, std::int64_t y, std::int64_t w, std::int64_t h,
                          DWORD rop, const BrushObj& brush) {
     if (Rop3UsesSource(rop)) return false;  // PatBlt has no source
     if (Rop3UsesPattern(rop) && brush.null) return true;
@@ -97,7 +142,7 @@ bool SimGdi::PatBlt(HDC hdc, std::int32_t x, std::int32_t y, std::int32_t w, std
 int SimGdi::FillRect(HDC hdc, const RECT& rect, HBRUSH brush) {
     DcObj* dc = Dc(hdc);
     if (!dc) return 0;
-    return PatBltBrush(*dc, rect.left, rect.top, rect.Width(), rect.Height(), PATCOPY,
+    return PatBltBrush(*dc, rect.left, rect.top, Width64(rect), Height64(rect), PATCOPY,
                        ResolveBrush(*dc, brush))
                ? 1
                : 0;
@@ -111,17 +156,17 @@ int SimGdi::FrameRect(HDC hdc, const RECT& rect, HBRUSH brush) {
     const BrushObj* found = Find<BrushObj>(brush.value);
     if (!found) return 0;
     const BrushObj b = *found;
-    const std::int32_t w = rect.Width(), h = rect.Height();
+    const std::int64_t w = Width64(rect), h = Height64(rect);
     PatBltBrush(*dc, rect.left, rect.top, 1, h, PATCOPY, b);
-    PatBltBrush(*dc, rect.right - 1, rect.top, 1, h, PATCOPY, b);
+    PatBltBrush(*dc, std::int64_t{rect.right} - 1, rect.top, 1, h, PATCOPY, b);
     PatBltBrush(*dc, rect.left, rect.top, w, 1, PATCOPY, b);
-    PatBltBrush(*dc, rect.left, rect.bottom - 1, w, 1, PATCOPY, b);
+    PatBltBrush(*dc, rect.left, std::int64_t{rect.bottom} - 1, w, 1, PATCOPY, b);
     return 1;
 }
 
 bool SimGdi::InvertRect(HDC hdc, const RECT& rect) {
     DcObj* dc = Dc(hdc);
-    return dc && PatBltBrush(*dc, rect.left, rect.top, rect.Width(), rect.Height(), DSTINVERT,
+    return dc && PatBltBrush(*dc, rect.left, rect.top, Width64(rect), Height64(rect), DSTINVERT,
                              dc->brushData);
 }
 
@@ -146,11 +191,15 @@ COLORREF SimGdi::GetPixel(HDC hdc, std::int32_t x, std::int32_t y) {
 // ---------------------------------------------------------------------------------------------
 // Shapes: pen outline plus brush interior, both through the DC's ROP2
 
-bool SimGdi::Rectangle(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) {
+bool SimGdi::Rectangle(HDC hdc, std::int32_t l32, std::int32_t t32, std::int32_t r32,
+                       std::int32_t b32) {
     DcObj* dc = Dc(hdc);
     if (!dc) return false;
-    Normalise(l, t, r, b);
-    if (l == r || t == b) return true;
+    Normalise(l32, t32, r32, b32);
+    if (l32 == r32 || t32 == b32) return true;
+    // 64-bit edges: a rect at the 32-bit limits moved by half a pen width does not fit 32 bits.
+    // What is handed on saturates, which changes nothing inside a bitmap.
+    std::int64_t l = l32, t = t32, r = r32, b = b32;
     const PenObj& pen = dc->penData;
     const std::int32_t w = pen.IsNull() ? 0 : std::max(pen.width, 1);
     if (pen.style == PS_INSIDEFRAME && w > 1) {
@@ -161,25 +210,25 @@ bool SimGdi::Rectangle(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, 
         r -= (w - 1) / 2;
         b -= (w - 1) / 2;
     }
+    auto pt = [](std::int64_t x, std::int64_t y) { return POINT{Saturate(x), Saturate(y)}; };
+    // Start at the top-right corner and go counter-clockwise: the dash phase of a styled pen
+    // depends on it (dibdrv_Rectangle). Each corner is hit once as the start of the next side.
+    const POINT corners[4] = {pt(r - 1, t), pt(l, t), pt(l, b - 1), pt(r - 1, b - 1)};
     if (pen.IsWide()) {
-        // Start at the top-right corner and go counter-clockwise (dibdrv_Rectangle); the
-        // interior is the rect one short on the right and bottom, minus the outline.
-        const POINT corners[4] = {{r - 1, t}, {l, t}, {l, b - 1}, {r - 1, b - 1}};
-        const Region interior = Region::FromRect(
-            {std::min(l, r - 1), std::min(t, b - 1), std::max(l, r - 1), std::max(t, b - 1)});
+        // The interior is the rect one short on the right and bottom, minus the outline.
+        const Region interior =
+            Region::FromRect({Saturate(std::min(l, r - 1)), Saturate(std::min(t, b - 1)),
+                              Saturate(std::max(l, r - 1)), Saturate(std::max(t, b - 1))});
         PaintFigure(*dc, corners, dc->brushData.null ? nullptr : &interior);
         return true;
     }
-    if (!pen.IsNull()) {
-        // Start at the top-right corner and go counter-clockwise: the dash phase of a styled
-        // pen depends on it. Each corner is hit once as the start of the next side.
-        const POINT corners[4] = {{r - 1, t}, {l, t}, {l, b - 1}, {r - 1, b - 1}};
-        StrokeFigure(*dc, corners, true);
-    }
+    if (!pen.IsNull()) StrokeFigure(*dc, corners, true);
     if (!dc->brushData.null) {
         // Inside the outline; with no pen that is one pixel short on the right and bottom.
-        const std::int32_t in = (w + 1) / 2, out = w / 2;
-        FillClipped(*dc, {l + in, t + in, r - 1 - out, b - 1 - out}, dc->brushRop);
+        const std::int64_t in = (w + 1) / 2, out = w / 2;
+        FillClipped(
+            *dc, {Saturate(l + in), Saturate(t + in), Saturate(r - 1 - out), Saturate(b - 1 - out)},
+            dc->brushRop);
     }
     return true;
 }
@@ -198,7 +247,7 @@ void SimGdi::PaintFigure(DcObj& dc, std::span<const POINT> outline, const Region
 bool SimGdi::RoundRect(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b,
                        std::int32_t ew, std::int32_t eh) {
     DcObj* dc = Dc(hdc);
-    if (!dc) return false;
+    if (!dc || OutsideCoordLimit({l, t, r, b})) return false;
     Normalise(l, t, r, b);
     if (l == r || t == b) return true;
     const std::int32_t l0 = l, t0 = t, r0 = r, b0 = b;
@@ -213,19 +262,73 @@ bool SimGdi::RoundRect(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, 
     ew = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew)));
     eh = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh)));
     if (ew <= 2 || eh <= 2) return Rectangle(hdc, l0, t0, r0, b0);
-    // The interior covers the whole box; the region call loses a pixel on the right and
-    // bottom, hence r + 1, b + 1.
-    const std::vector<POINT> outline = RoundRectOutline(l, t, r, b, ew, eh);
-    if (dc->brushData.null) {
-        PaintFigure(*dc, outline, nullptr);
-    } else {
-        const Region interior = Region::FromRoundRect(l, t, r + 1, b + 1, ew, eh);
-        PaintFigure(*dc, outline, &interior);
-    }
+    PaintRoundFigure(*dc, l, t, r, b, ew, eh);
     return true;
 }
 
+// Clip first: the outline keeps only the points near the visible box and the interior only the
+// visible rows, so a shape millions of pixels across on a small bitmap costs the stepper's walk
+// and what is visible, not its size in memory.
+void SimGdi::PaintRoundFigure(DcObj& dc, std::int32_t l, std::int32_t t, std::int32_t r,
+                              std::int32_t b, std::int32_t ew, std::int32_t eh) {
+    if (dc.visible.IsEmpty()) return;
+    const RECT vis = dc.visible.Box();
+    const PenObj& pen = dc.penData;
+    const bool wide = pen.IsWide();
+    // A point farther out than half a pen width and a step cannot touch the box.
+    const std::int64_t margin = wide ? pen.width / 2 + 3 : 1;
+    const RECT keep{Saturate(vis.left - margin), Saturate(vis.top - margin),
+                    Saturate(vis.right + margin), Saturate(vis.bottom + margin)};
+    const RoundOutline outline = BuildRoundOutline(l, t, r, b, ew, eh, keep);
+    const std::vector<OutlinePoint>& pts = outline.points;
+    const std::int64_t total = 4 * outline.m;
+    // Is the point after entry n in the outline the next entry (the last wraps to the first)?
+    auto joined = [&](std::size_t n) {
+        const std::int64_t next = n + 1 < pts.size() ? pts[n + 1].pos : pts.front().pos + total;
+        return next == pts[n].pos + 1;
+    };
+
+    std::optional<Region> interior;
+    // The interior covers the whole box; the region call loses a pixel on the right and
+    // bottom, hence r + 1, b + 1.
+    if (!dc.brushData.null)
+        interior = Region::FromRoundRect(l, t, r + 1, b + 1, ew, eh, vis.top, vis.bottom);
+
+    if (!wide) {
+        if (interior) PaintRegion(dc, *interior, dc.brushRop);
+        if (pen.IsNull()) return;
+        // The dash phase counts every pixel before a point; the skipped runs are one-pixel steps.
+        std::int64_t extra = 0;
+        for (std::size_t n = 0; n < pts.size(); ++n) {
+            if (!joined(n)) continue;
+            const POINT to = pts[(n + 1) % pts.size()].at;
+            extra += StrokeSegment(dc, pts[n].at, to, pts[n].pos + extra) - 1;
+        }
+        return;
+    }
+    // Runs of neighbouring points are open pieces of the figure; the one through the last point
+    // goes on into the first. Without a gap the figure is whole and closed, as drawn before.
+    std::vector<std::vector<POINT>> pieces(1);
+    bool gap = false;
+    for (std::size_t n = 0; n < pts.size(); ++n) {
+        pieces.back().push_back(pts[n].at);
+        if (n + 1 < pts.size() && !joined(n)) {
+            gap = true;
+            pieces.emplace_back();
+        }
+    }
+    if (gap) {
+        pieces.back().insert(pieces.back().end(), pieces.front().begin(), pieces.front().end());
+        pieces.front().clear();
+    }
+    std::vector<std::span<const POINT>> figures(pieces.begin(), pieces.end());
+    const Region stroke = WideStrokeRegion(pen, figures, !gap, dc.surface.Bounds());
+    if (interior) PaintRegion(dc, Region::Combine(*interior, stroke, RGN_DIFF), dc.brushRop);
+    PaintRegion(dc, stroke, dc.penRop);
+}
+
 bool SimGdi::Ellipse(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, std::int32_t b) {
+    if (OutsideCoordLimit({l, t, r, b})) return false;
     Normalise(l, t, r, b);
     return RoundRect(hdc, l, t, r, b, r - l, b - t);
 }

@@ -33,23 +33,27 @@ bool SimGdi::TextOut(HDC hdc, std::int32_t x, std::int32_t y, std::string_view t
 
     // The reference point names a spot of the cell: left, centre or right; top, baseline or
     // bottom. TA_CENTER and TA_BASELINE share bits with TA_RIGHT and TA_BOTTOM, so test them first.
-    std::int32_t left = x;
+    // 64-bit: a reference point at the 32-bit limits moved by the text's extent does not fit 32
+    // bits. What lies beyond them lies beyond every bitmap, so the rects saturate.
+    std::int64_t left = x;
     if ((align & TA_CENTER) == TA_CENTER)
-        left = x - extent.cx / 2;
+        left = std::int64_t{x} - extent.cx / 2;
     else if (align & TA_RIGHT)
-        left = x - extent.cx;
-    std::int32_t top = y;
+        left = std::int64_t{x} - extent.cx;
+    std::int64_t top = y;
     if ((align & TA_BASELINE) == TA_BASELINE)
-        top = y - tm.tmAscent;
+        top = std::int64_t{y} - tm.tmAscent;
     else if (align & TA_BOTTOM)
-        top = y - tm.tmAscent - tm.tmDescent;
-    const RECT cell{left, top, left + extent.cx, top + tm.tmAscent + tm.tmDescent};
+        top = std::int64_t{y} - tm.tmAscent - tm.tmDescent;
+    const RECT cell{Saturate(left), Saturate(top), Saturate(left + extent.cx),
+                    Saturate(top + tm.tmAscent + tm.tmDescent)};
 
     // Background and glyphs are plain copies: text ignores the ROP2.
     if (dc->bkMode == OPAQUE) FillClipped(*dc, cell, Rop2Pair(R2_COPYPEN, ToPixel(dc->bkColor)));
     const GlyphMask mask = fonts_->Render(face, text);
     const std::uint32_t ink = ToPixel(dc->textColor);
-    const RECT maskRect{left, top, left + mask.width, top + mask.height};
+    const RECT maskRect{Saturate(left), Saturate(top), Saturate(left + mask.width),
+                        Saturate(top + mask.height)};
     dc->visible.ForEachRect([&](const RECT& clip) {
         const RECT r = Intersect(clip, maskRect);
         if (r.IsEmpty()) return;
@@ -66,9 +70,9 @@ bool SimGdi::TextOut(HDC hdc, std::int32_t x, std::int32_t y, std::string_view t
         if ((align & TA_CENTER) == TA_CENTER) {
             // the current position stays where it was
         } else if (align & TA_RIGHT) {
-            dc->cp.x = left;
+            dc->cp.x = Saturate(left);
         } else {
-            dc->cp.x = left + extent.cx;
+            dc->cp.x = Saturate(left + extent.cx);
         }
     }
     return true;
