@@ -4,6 +4,7 @@
 // and group buttons.
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
@@ -36,13 +37,20 @@ const std::string& FormText() {
     return text;
 }
 
-// Snapshots and saved forms land in a scratch folder of this process.
+// Snapshots and saved forms land in a scratch folder of this process, removed at exit.
+std::filesystem::path ScratchPath() {
+    return std::filesystem::temp_directory_path() /
+           ("korvex-run-fuzz-" + std::to_string(::getpid()));
+}
+
 const std::filesystem::path& OutDir() {
     static const std::filesystem::path dir = [] {
-        std::filesystem::path d = std::filesystem::temp_directory_path() /
-                                  ("korvex-run-fuzz-" + std::to_string(::getpid()));
-        std::filesystem::create_directories(d);
-        return d;
+        std::filesystem::create_directories(ScratchPath());
+        std::atexit([] {
+            std::error_code ignored;
+            std::filesystem::remove_all(ScratchPath(), ignored);
+        });
+        return ScratchPath();
     }();
     return dir;
 }
