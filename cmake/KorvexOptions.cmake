@@ -9,6 +9,15 @@ if(KORVEX_SANITIZE)
   target_link_options(korvex_options INTERFACE
     $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all>)
 endif()
+if(KORVEX_FUZZ)
+  # The whole library carries the fuzzer's coverage counters, or it could only steer by the
+  # target's own few lines; every finding stops the run (no recovery).
+  target_compile_options(korvex_options INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer>)
+  target_link_options(korvex_options INTERFACE
+    $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all>)
+endif()
 
 # Adds a library for one layer of src/: every .cpp in the listed folders, public headers
 # found from src/ so that includes read "host/variant.hpp".

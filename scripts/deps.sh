@@ -10,6 +10,8 @@ packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchmar
           libsdl2-dev xvfb xdotool imagemagick)
 # The reference runner draws with a real GDI: a MinGW-w64 build run under Wine.
 oracle_packages=(wine64 g++-mingw-w64-x86-64)
+# The fuzz targets: clang with libFuzzer and the sanitizer runtimes.
+fuzz_packages=(clang libclang-rt-14-dev)
 
 missing() {
     local out=()
@@ -23,7 +25,15 @@ as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
 
 need=$(missing "${packages[@]}")
 need_oracle=""
-if [ "${1:-}" = "--with-oracle" ]; then need_oracle=$(missing "${oracle_packages[@]}"); fi
+for option in "$@"; do
+    case "$option" in
+        --with-oracle) need_oracle="$need_oracle $(missing "${oracle_packages[@]}")" ;;
+        --with-fuzz) need="$need $(missing "${fuzz_packages[@]}")" ;;
+        *) echo "usage: deps.sh [--with-oracle] [--with-fuzz]" >&2; exit 2 ;;
+    esac
+done
+need=$(echo $need)
+need_oracle=$(echo $need_oracle)
 if [ -n "$need$need_oracle" ]; then
     as_root apt-get update -qq
     export DEBIAN_FRONTEND=noninteractive

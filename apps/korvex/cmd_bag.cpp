@@ -13,7 +13,7 @@ namespace korvex::cli {
 int RunBag(Args args) {
     if (args.size() != 1) {
         std::fprintf(stderr, "usage: korvex bag FORM.json\n");
-        return 2;
+        return kExitUsage;
     }
     Session session;
     session.OpenFile(std::string(args[0]));
@@ -25,7 +25,7 @@ int RunBag(Args args) {
     for (host::Site* site : session.form.Sites())
         entries.emplace_back(site->Name(), host::json::EncodeBag(session.form.SaveBag(*site)));
     std::printf("%s\n", out.dump(2).c_str());
-    return 0;
+    return kExitOk;
 }
 
 }  // namespace korvex::cli

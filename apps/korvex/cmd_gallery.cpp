@@ -424,10 +424,10 @@ int RunGallery(Args args) {
             out = std::string(args[++i]);
         } else {
             std::fprintf(stderr, "usage: korvex gallery --out DIR\n");
-            return 2;
+            return kExitUsage;
         }
     }
-    std::filesystem::create_directories(out);
+    MakeFolder(out);
 
     std::vector<Section> sections = {Line3DSection(), Label3DSection(), FramesSection(),
                                      HyperlinkSection(), IconsSection()};
@@ -465,7 +465,7 @@ int RunGallery(Args args) {
     WriteFileReplacing((out / "index.html").string(), html.str());
     std::printf("korvex gallery: %d pictures and index.html in %s\n", rendered + 1,
                 out.string().c_str());
-    return 0;
+    return kExitOk;
 }
 
 }  // namespace korvex::cli

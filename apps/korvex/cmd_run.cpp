@@ -4,11 +4,12 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 #include <string>
 
+#include "base/error.hpp"
+#include "base/file.hpp"
 #include "commands.hpp"
 #include "driver/script_runner.hpp"
 #include "host/container.hpp"
@@ -18,6 +19,9 @@
 namespace korvex::cli {
 
 namespace {
+
+constexpr const char* kRunUsage =
+    "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n";
 
 std::string ReadAll(std::istream& in) {
     std::stringstream text;
@@ -39,31 +43,18 @@ int RunForm(Args args) {
         else if (formPath.empty() && !args[i].starts_with("--"))
             formPath = args[i];
         else {
-            std::fprintf(stderr,
-                         "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
-            return 2;
+            std::fputs(kRunUsage, stderr);
+            return kExitUsage;
         }
     }
     if (formPath.empty()) {
-        std::fprintf(stderr,
-                     "usage: korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]\n");
-        return 2;
+        std::fputs(kRunUsage, stderr);
+        return kExitUsage;
     }
-    std::string script;
-    if (scriptPath.empty()) {
-        script = ReadAll(std::cin);
-    } else {
-        std::ifstream in(scriptPath);
-        if (!in) {
-            std::fprintf(stderr, "korvex run: cannot read the script %s\n", scriptPath.c_str());
-            return 1;
-        }
-        script = ReadAll(in);
-    }
-
+    const std::string scriptName = scriptPath.empty() ? "standard input" : scriptPath;
+    const std::string script = scriptPath.empty() ? ReadAll(std::cin) : ReadFileText(scriptPath);
     // Snapshots land in the output folder, which a user should not have to make first.
-    std::error_code made;
-    std::filesystem::create_directories(outDir, made);
+    MakeFolder(outDir);
 
     Session session;
     session.OpenFile(formPath);
@@ -71,29 +62,32 @@ int RunForm(Args args) {
     try {
         runner.Run(script);
     } catch (const host::ScriptError& e) {
-        std::cout.flush();
-        std::fprintf(stderr, "korvex run: %s\n", e.what());
-        return 1;
+        return Fail("run", scriptName + ": line " + std::to_string(e.Line()) + ": " + e.Message(),
+                    kExitBadScript);
     }
     // What the controls played, along the virtual timeline, for a person to listen to.
     if (!wavPath.empty() && !session.platform.sound().WriteWav(wavPath)) {
-        std::fprintf(stderr, "korvex run: cannot write %s\n", wavPath.c_str());
-        return 1;
+        throw host::HostError(host::kErrPathFileAccess,
+                              "Path/File access error (cannot write " + wavPath + ")", "korvex");
     }
-    return 0;
+    return kExitOk;
 }
 
 int RenderForm(Args args) {
     std::string formPath, output;
     for (std::size_t i = 0; i < args.size(); ++i) {
-        if ((args[i] == "-o" || args[i] == "--out") && i + 1 < args.size())
+        if ((args[i] == "-o" || args[i] == "--out") && i + 1 < args.size()) {
             output = args[++i];
-        else if (formPath.empty())
+        } else if (formPath.empty() && !args[i].starts_with("-")) {
             formPath = args[i];
+        } else {
+            formPath.clear();
+            break;
+        }
     }
     if (formPath.empty() || output.empty()) {
         std::fprintf(stderr, "usage: korvex render FORM.json -o FILE.png\n");
-        return 2;
+        return kExitUsage;
     }
     Session session;
     session.OpenFile(formPath);
@@ -102,8 +96,15 @@ int RenderForm(Args args) {
         session.platform.driver().ComposeWindow(session.form.FormWindow());
     platform::RECT r;
     windows.GetWindowRect(session.form.FormWindow(), &r);
-    platform::WritePng(output, {pixels.data(), r.Width(), r.Height()});
-    return 0;
+    try {
+        platform::WritePng(output, {pixels.data(), r.Width(), r.Height()});
+    } catch (const host::HostError&) {
+        throw;
+    } catch (const std::runtime_error& e) {
+        throw host::HostError(host::kErrPathFileAccess,
+                              std::string("Path/File access error (") + e.what() + ")", "korvex");
+    }
+    return kExitOk;
 }
 
 }  // namespace korvex::cli

@@ -3,9 +3,14 @@
 #include <array>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
+#include <iostream>
+#include <new>
+#include <string>
 #include <string_view>
 #include <vector>
 
+#include "base/error.hpp"
 #include "commands.hpp"
 
 namespace korvex::cli {
@@ -13,7 +18,7 @@ namespace {
 
 int Version(Args) {
     std::printf("korvex %s\n", KORVEX_VERSION);
-    return 0;
+    return kExitOk;
 }
 
 int Help(Args);
@@ -45,10 +50,62 @@ int Help(Args) {
                     command.usage.data(), static_cast<int>(command.summary.size()),
                     command.summary.data());
     }
-    return 0;
+    std::printf(
+        "\nExit status:\n"
+        "  0  done (korvex run: host errors of single script steps are part of its output)\n"
+        "  1  the host's error ended the command: a file that cannot be read or written, a form\n"
+        "     that does not load (the message names the file, control, key and value)\n"
+        "  2  usage: unknown command, missing or unknown argument\n"
+        "  3  a malformed script line (korvex run, korvex gdi), named by file and line\n"
+        "  4  a fault of the tool itself\n"
+        "Every failure prints one line to standard error, after all output printed so far.\n");
+    return kExitOk;
 }
 
 }  // namespace
+
+namespace {
+
+// One line, however the message came: line breaks from a file's text are shown escaped, and an
+// enormous value is cut, so the line stays readable.
+std::string OneLine(std::string_view message) {
+    constexpr std::size_t kLongest = 2000;
+    std::string line;
+    for (const char c : message.substr(0, kLongest)) {
+        if (c == '\n')
+            line += "\\n";
+        else if (c == '\r')
+            line += "\\r";
+        else if (static_cast<unsigned char>(c) < 0x20)
+            line += ' ';
+        else
+            line += c;
+    }
+    if (message.size() > kLongest) line += " ...";
+    return line;
+}
+
+}  // namespace
+
+int Fail(std::string_view command, std::string_view message, int status) {
+    // What the command printed before it failed stays, and stays ahead of the error.
+    std::cout.flush();
+    std::fflush(stdout);
+    std::fprintf(stderr, "korvex %.*s: %s\n", static_cast<int>(command.size()), command.data(),
+                 OneLine(message).c_str());
+    return status;
+}
+
+void MakeFolder(const std::filesystem::path& dir) {
+    std::error_code ec;
+    std::filesystem::create_directories(dir, ec);
+    if (!std::filesystem::is_directory(dir, ec)) {
+        throw korvex::host::HostError(
+            korvex::host::kErrPathFileAccess,
+            "Path/File access error (" + dir.string() + " is not a folder that can be made)",
+            "korvex");
+    }
+}
 
 std::span<const Command> AllCommands() {
     return kCommands;
@@ -63,12 +120,20 @@ int main(int argc, char** argv) {
     for (const Command& command : AllCommands()) {
         if (command.name != args[0]) continue;
         try {
-            return command.run(Args(args).subspan(1));
+            const int status = command.run(Args(args).subspan(1));
+            std::cout.flush();
+            return status;
+        } catch (const korvex::host::HostError& e) {
+            return Fail(command.name, e.what(), kExitHostError);
+        } catch (const std::bad_alloc&) {
+            return Fail(command.name, korvex::host::HostError(korvex::host::kErrOutOfMemory).what(),
+                        kExitHostError);
         } catch (const std::exception& e) {
-            std::fprintf(stderr, "korvex %s: %s\n", argv[1], e.what());
-            return 1;
+            return Fail(command.name, std::string("internal error: ") + e.what(), kExitInternal);
+        } catch (...) {
+            return Fail(command.name, "internal error", kExitInternal);
         }
     }
     std::fprintf(stderr, "korvex: unknown command '%s' (see korvex --help)\n", argv[1]);
-    return 2;
+    return kExitUsage;
 }

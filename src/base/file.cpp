@@ -4,6 +4,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <system_error>
 
 #include "base/error.hpp"
@@ -18,6 +19,31 @@ namespace {
 }
 
 }  // namespace
+
+std::string ReadFileText(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code ec;
+    if (fs::is_directory(path, ec)) {
+        throw host::HostError(host::kErrPathFileAccess,
+                              "Path/File access error (" + path + " is a folder)", "ReadFile");
+    }
+    if (!fs::exists(path, ec)) {
+        throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "ReadFile");
+    }
+    std::ifstream in(path, std::ios::binary);
+    if (!in) {
+        throw host::HostError(host::kErrPathFileAccess,
+                              "Path/File access error (" + path + ": " + std::strerror(errno) + ")",
+                              "ReadFile");
+    }
+    std::ostringstream text;
+    text << in.rdbuf();
+    if (in.bad()) {
+        throw host::HostError(host::kErrPathFileAccess,
+                              "Path/File access error (" + path + ": reading failed)", "ReadFile");
+    }
+    return std::move(text).str();
+}
 
 void WriteFileReplacing(const std::string& path, std::string_view bytes) {
     namespace fs = std::filesystem;

@@ -632,12 +632,9 @@ PixelView RunGdiScript(Gdi& gdi, const GdiScript& script) {
 // Files and command line
 
 GdiScript LoadGdiScript(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw std::runtime_error("cannot read " + path);
-    std::ostringstream text;
-    text << in.rdbuf();
+    const std::string text = ReadFileText(path);
     try {
-        return ParseGdiScript(text.str());
+        return ParseGdiScript(text);
     } catch (const GdiScriptError& e) {
         throw std::runtime_error(path + ": " + e.what());
     }

@@ -58,7 +58,8 @@ PixelView RunGdiScript(Gdi& gdi, const GdiScript& script);
 // "W H", then one line per row: W colours as BBGGRR hex (COLORREF order), single spaces between.
 void WritePixelsHex(std::ostream& out, const PixelView& pixels);
 
-// Reads and parses a script file; errors are std::runtime_error starting "PATH: line N: ".
+// Reads and parses a script file. A file that cannot be read is the host's error 53 or 75; a
+// malformed line a std::runtime_error starting "PATH: line N: ".
 GdiScript LoadGdiScript(const std::string& path);
 
 // Writes the hex form to a file, or to standard output when the path is "-".

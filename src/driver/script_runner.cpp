@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <cstdint>
 #include <map>
 #include <ostream>
 #include <sstream>
@@ -41,6 +43,25 @@ bool IsInteger(const std::string& s) {
     return true;
 }
 
+// A whole number of the type's range: coordinates, key codes and shift states are ints, waits
+// 64-bit. A number beyond it is a malformed line, not a value to wrap.
+template <class T>
+bool IsIntegerOf(const std::string& s) {
+    if (!IsInteger(s)) return false;
+    const char* first = s.data() + (s[0] == '+' ? 1 : 0);
+    T value{};
+    const auto [end, ec] = std::from_chars(first, s.data() + s.size(), value);
+    return ec == std::errc() && end == s.data() + s.size();
+}
+
+bool IsInt(const std::string& s) {
+    return IsIntegerOf<int>(s);
+}
+
+std::int32_t Clamped(std::int64_t v) {
+    return static_cast<std::int32_t>(std::clamp<std::int64_t>(v, INT32_MIN, INT32_MAX));
+}
+
 struct Pointer {
     int button = platform::kButtonLeft;
     int shift = 0;
@@ -56,7 +77,7 @@ bool ParseButtonWords(const std::vector<std::string>& words, std::size_t from, P
             out.button = platform::kButtonRight;
         else if (w == "middle")
             out.button = platform::kButtonMiddle;
-        else if (w.rfind("shift=", 0) == 0 && IsInteger(w.substr(6)))
+        else if (w.rfind("shift=", 0) == 0 && IsInt(w.substr(6)))
             out.shift = std::stoi(w.substr(6));
         else
             return false;
@@ -65,7 +86,7 @@ bool ParseButtonWords(const std::vector<std::string>& words, std::size_t from, P
 }
 
 bool ParseKeyCode(const std::string& word, int& code) {
-    if (IsInteger(word)) {
+    if (IsInt(word)) {
         code = std::stoi(word);
         return true;
     }
@@ -199,6 +220,8 @@ bool ScriptRunner::Step() {
     } catch (const HostError& e) {
         PrintError(out_, e);
     }
+    // Whatever ends the run later, the lines of the steps done so far are out.
+    out_.flush();
     return true;
 }
 
@@ -220,8 +243,8 @@ void ScriptRunner::Validate(const Line& line) const {
     Pointer pointer;
     int code = 0;
     if (command == "move") {
-        if (n == 2 && IsInteger(w[1]) && IsInteger(w[2])) return;
-        if (n == 1 || (n == 3 && IsInteger(w[2]) && IsInteger(w[3]))) return;
+        if (n == 2 && IsInt(w[1]) && IsInt(w[2])) return;
+        if (n == 1 || (n == 3 && IsInt(w[2]) && IsInt(w[3]))) return;
         fail("expected: move X Y, or move NAME [DX DY]");
     } else if (command == "down" || command == "up" || command == "click") {
         if (!ParseButtonWords(w, 1, pointer)) fail("expected: [left|right|middle] [shift=N]");
@@ -232,13 +255,13 @@ void ScriptRunner::Validate(const Line& line) const {
         if (n < 2) fail("expected: key down|up CODE [shift=N], or key press ASCII");
         const std::string kind = Lower(w[1]);
         if (kind == "press") {
-            if (n != 2 || !IsInteger(w[2])) fail("expected: key press ASCII");
+            if (n != 2 || !IsInt(w[2])) fail("expected: key press ASCII");
         } else if (kind == "alt") {
             if (n != 2 || !ParseKeyCode(w[2], code)) fail("expected: key alt KEY");
         } else if (kind == "down" || kind == "up") {
             if (!ParseKeyCode(w[2], code)) fail("unknown key '" + w[2] + "'");
             for (std::size_t i = 3; i < w.size(); ++i) {
-                if (Lower(w[i]).rfind("shift=", 0) != 0 || !IsInteger(w[i].substr(6)))
+                if (Lower(w[i]).rfind("shift=", 0) != 0 || !IsInt(w[i].substr(6)))
                     fail("expected shift=N");
             }
         } else {
@@ -253,8 +276,7 @@ void ScriptRunner::Validate(const Line& line) const {
     } else if (command == "wait") {
         if (n != 1 || !IsInteger(w[1]) || w[1][0] == '-') fail("expected: wait MS");
         // Every timer tick on the way runs, so a wait costs time in proportion to its length.
-        const std::size_t first = std::min(w[1].find_first_not_of("+0"), w[1].size());
-        if (w[1].size() - first > 10 || std::stoll(w[1]) > kMaxWaitMs)
+        if (!IsIntegerOf<std::int64_t>(w[1]) || std::stoll(w[1]) > kMaxWaitMs)
             fail("wait " + w[1] + " is longer than " + std::to_string(kMaxWaitMs) + " ms");
     } else if (command == "set") {
         if (n != 2) fail("expected: set NAME.PROPERTY VALUE");
@@ -281,7 +303,7 @@ std::pair<Site*, std::string> ScriptRunner::Member(const std::string& dotted) co
 
 platform::POINT ScriptRunner::PointOf(const Line& line) const {
     const auto& w = line.words;
-    if (w.size() == 3 && IsInteger(w[1])) return {std::stoi(w[1]), std::stoi(w[2])};
+    if (w.size() == 3 && IsInt(w[1])) return {std::stoi(w[1]), std::stoi(w[2])};
     platform::Windows& windows = platform_.windows();
     platform::RECT r;
     if (Lower(w[1]) == "top") {
@@ -303,10 +325,13 @@ platform::POINT ScriptRunner::PointOf(const Line& line) const {
     }
     if (w.size() == 4) {
         // Offsets count from the left and top edges, negative ones from the right and bottom.
-        const int dx = std::stoi(w[2]), dy = std::stoi(w[3]);
-        return {dx < 0 ? r.right + dx : r.left + dx, dy < 0 ? r.bottom + dy : r.top + dy};
+        // Any offset a line may hold: the sum is taken wide and kept on the int range.
+        const std::int64_t dx = std::stoi(w[2]), dy = std::stoi(w[3]);
+        return {Clamped(dx < 0 ? r.right + dx : r.left + dx),
+                Clamped(dy < 0 ? r.bottom + dy : r.top + dy)};
     }
-    return {(r.left + r.right) / 2, (r.top + r.bottom) / 2};
+    return {Clamped((std::int64_t{r.left} + r.right) / 2),
+            Clamped((std::int64_t{r.top} + r.bottom) / 2)};
 }
 
 platform::HWND ScriptRunner::TopWindow() const {

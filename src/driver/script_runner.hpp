@@ -39,11 +39,16 @@ inline constexpr long long kMaxWaitMs = 3'600'000;
 class ScriptError : public std::runtime_error {
   public:
     ScriptError(int line, const std::string& message)
-        : std::runtime_error("script line " + std::to_string(line) + ": " + message), line_(line) {}
+        : std::runtime_error("script line " + std::to_string(line) + ": " + message),
+          line_(line),
+          message_(message) {}
     [[nodiscard]] int Line() const { return line_; }
+    // What is wrong with the line, without its number.
+    [[nodiscard]] const std::string& Message() const { return message_; }
 
   private:
     int line_;
+    std::string message_;
 };
 
 class ScriptRunner final : public platform::InputSource, public EventSink {

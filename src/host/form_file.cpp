@@ -251,16 +251,9 @@ void SaveFormFile(const Container& form, const std::string& path) {
 }
 
 void LoadFormFile(Container& form, const std::string& path) {
-    std::error_code ec;
-    if (std::filesystem::is_directory(path, ec))
-        throw HostError(kErrPathFileAccess, "Path/File access error (" + path + " is a folder)",
-                        "Container");
-    std::ifstream in(path, std::ios::binary);
-    if (!in) throw HostError(kErrFileNotFound, "File not found (" + path + ")", "Container");
-    std::stringstream text;
-    text << in.rdbuf();
+    const std::string text = ReadFileText(path);
     try {
-        LoadFormJson(form, text.str());
+        LoadFormJson(form, text);
     } catch (const HostError& e) {
         throw HostError(e.Number(), path + ": " + e.Description(), e.Source());
     }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <limits>
+#include <type_traits>
 
 #include "base/error.hpp"
 #include "host/font.hpp"
@@ -69,6 +70,16 @@ template <class T>
 T Field(const Json& object, const char* key, T fallback) {
     auto it = object.find(key);
     if (it == object.end()) return fallback;
+    if constexpr (std::is_integral_v<T> && !std::is_same_v<T, bool>) {
+        // A number beyond the field's type is malformed; converting it would wrap, or for a
+        // decimal be undefined.
+        if (it->is_number()) {
+            const double value = it->get<double>();
+            if (!(value >= static_cast<double>(std::numeric_limits<T>::min()) &&
+                  value <= static_cast<double>(std::numeric_limits<T>::max())))
+                Malformed(std::string("field ") + key);
+        }
+    }
     try {
         return it->get<T>();
     } catch (const nlohmann::json::exception&) {
@@ -146,12 +157,13 @@ Variant Decode(const Json& j) {
             return j.get<std::string>();
         case Json::value_t::number_float:
             return j.get<double>();
-        case Json::value_t::number_unsigned:
-            // Beyond the signed 64-bit range: read as signed it would wrap to a negative.
-            if (j.get<std::uint64_t>() > 0xFFFFFFFFULL)
-                return static_cast<double>(j.get<std::uint64_t>());
-            [[fallthrough]];
-        case Json::value_t::number_integer: {
+        case Json::value_t::number_integer:
+        case Json::value_t::number_unsigned: {
+            // Beyond the 64-bit signed range only a Double can hold it.
+            if (j.is_number_unsigned() &&
+                j.get<std::uint64_t>() > static_cast<std::uint64_t>(
+                                             std::numeric_limits<std::int64_t>::max()))
+                return j.get<double>();
             const auto n = j.get<std::int64_t>();
             if (n >= std::numeric_limits<std::int32_t>::min() &&
                 n <= std::numeric_limits<std::int32_t>::max())

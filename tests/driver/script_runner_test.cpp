@@ -114,6 +114,13 @@ TEST_F(ScriptRunnerTest, MalformedLineStopsBeforeAnythingRuns) {
         {"key down a\nkey alt\n", 2},  // a letter names its key; Alt needs one
         {"key alt e\nkey alt ab\n", 2},
         {"key alt e shift=1\n", 1},
+        // Numbers beyond their field's range are malformed, not wrapped or thrown past the runner.
+        {"move 99999999999 5\n", 1},
+        {"set P1.Value 1\nmove P1 1 -2147483649\n", 2},
+        {"key press 4294967296\n", 1},
+        {"key down 13 shift=99999999999\n", 1},
+        {"click shift=-99999999999\n", 1},
+        {"wait 99999999999999999999\n", 1},
     };
     for (const auto& c : cases) {
         int line = 0;
@@ -125,6 +132,14 @@ TEST_F(ScriptRunnerTest, MalformedLineStopsBeforeAnythingRuns) {
         EXPECT_EQ(line, c.line) << c.script;
     }
     EXPECT_EQ(static_cast<Probe&>(form.Get("P1").GetControl()).Value(), 7);
+}
+
+// Offsets at the ends of the int range move the pointer off the screen's far edges; adding them
+// to the control's corner must not overflow (the sanitizer build checks).
+TEST_F(ScriptRunnerTest, PointerOffsetsAtTheIntLimits) {
+    EXPECT_EQ(Run("move P1 2147483647 2147483647\nmove P1 -2147483648 -2147483648\n"
+                  "move 2147483647 -2147483648\nclick\nget P1.Value\n"),
+              "P1.Value = 7\n");
 }
 
 TEST_F(ScriptRunnerTest, ModeSwitchAndSaveKeepWhatWasSet) {

@@ -126,12 +126,27 @@ TEST(JsonPropertyBag, JsonWrittenByHandIsRead) {
     EXPECT_FALSE(bag.ReadProperty("Font").ToFont()->Bold());
 }
 
+TEST(JsonPropertyBag, PlainNumbersBeyondLongKeepTheirValue) {
+    const JsonPropertyBag bag = JsonPropertyBag::FromJson(
+        R"({"Big": 18446744073709551615, "Low": -9223372036854775808, "Wide": 4294967296})");
+    EXPECT_EQ(bag.ReadProperty("Big").Kind(), VarKind::Double);
+    EXPECT_DOUBLE_EQ(bag.ReadProperty("Big").ToDouble(), 18446744073709551615.0);
+    EXPECT_DOUBLE_EQ(bag.ReadProperty("Low").ToDouble(), -9223372036854775808.0);
+    EXPECT_DOUBLE_EQ(bag.ReadProperty("Wide").ToDouble(), 4294967296.0);
+}
+
 TEST(JsonPropertyBag, MalformedJsonIsAClearError) {
     const std::pair<const char*, int> cases[] = {
         {"{", 380},
         {"[1]", 380},
         {R"({"X": {"Unknown": 1}})", 380},
         {R"({"X": {"Integer": 40000}})", 380},
+        // Numbers beyond a field's type are refused, not wrapped or cast undefined.
+        {R"({"X": {"Integer": 6.5e93}})", 380},
+        {R"({"X": {"Integer": 18446744073709551615}})", 380},
+        {R"({"F": {"Font": {"Name": "Arial", "Weight": 70000}}})", 380},
+        {R"({"F": {"Font": {"Name": "Arial", "Charset": -1e300}}})", 380},
+        {R"({"P": {"Picture": {"Width": 1e20, "Height": 1, "Pixels": ""}}})", 380},
         {R"({"P": {"Picture": {"Width": 2, "Height": 2, "Pixels": "AAAAAA=="}}})", 481}};
     for (const auto& [text, error] : cases)
         EXPECT_EQ(ErrorOf([&] { (void)JsonPropertyBag::FromJson(text); }), error) << text;

@@ -1,0 +1,125 @@
+// Form files come from disk: any text must load or give a HostError. What loads must save, and
+// the saved text must load again to the same controls. The first save may normalise (a font
+// size is saved rounded to whole points, and read back as saved); from then on saving and
+// loading give the same text and the same bags. The loaded form must switch to run mode (or
+// report why) and render.
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "base/error.hpp"
+#include "host/container.hpp"
+#include "host/form_file.hpp"
+#include "host/property_bag.hpp"
+#include "library/library.hpp"
+#include "platform/sim/sim_platform.hpp"
+
+namespace {
+
+using namespace korvex;
+
+struct Session {
+    platform::sim::SimPlatform platform;
+    host::HostContext context{&platform};
+    host::Container form{context};
+    Session() {
+        RegisterLibrary(context);
+        RegisterPrivateControls(context);
+    }
+};
+
+struct Saved {
+    std::string name;
+    std::string progId;
+    host::JsonPropertyBag bag;
+};
+
+std::vector<Saved> Bags(const host::Container& form) {
+    std::vector<Saved> out;
+    for (const host::Site* site : form.Sites())
+        out.push_back({site->Name(), site->Class().progId, form.SaveBag(*site)});
+    return out;
+}
+
+// Positions, sizes and tab indexes beyond what a form can hold are not yet refused where they
+// enter: a number beyond the field's type is cast with undefined behaviour or wraps, and a huge
+// size allocates its surfaces in full (both noted with reproducers in the fuzz findings). Until
+// they are the host's errors, such forms are left out so the run finds other faults.
+bool WithinKnownLimits(const nlohmann::json& form) {
+    constexpr double kLargest = 30000;  // twips: 2000 pixels, a few surfaces of 16 MB each
+    const auto fits = [&](const nlohmann::json& object, const char* key) {
+        const auto it = object.find(key);
+        if (it == object.end() || !it->is_number()) return true;
+        const double value = it->get<double>();
+        return it->is_number_integer() && value >= -kLargest && value <= kLargest;
+    };
+    const auto walk = [&](auto&& self, const nlohmann::json& list) -> bool {
+        if (!list.is_array()) return true;
+        for (const nlohmann::json& entry : list) {
+            if (!entry.is_object()) continue;
+            for (const char* key : {"Left", "Top", "Width", "Height", "TabIndex"})
+                if (!fits(entry, key)) return false;
+            if (const auto children = entry.find("Controls");
+                children != entry.end() && !self(self, *children))
+                return false;
+        }
+        return true;
+    };
+    if (!form.is_object()) return true;
+    if (const auto it = form.find("Form"); it != form.end() && it->is_object()) {
+        if (!fits(*it, "Width") || !fits(*it, "Height")) return false;
+    }
+    const auto controls = form.find("Controls");
+    return controls == form.end() || walk(walk, *controls);
+}
+
+// Loads a saved text into a fresh session, which must take it.
+std::vector<Saved> Reload(const std::string& text, std::string& savedAgain) {
+    Session session;
+    host::LoadFormJson(session.form, text);
+    savedAgain = host::SaveFormJson(session.form);
+    return Bags(session.form);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (!WithinKnownLimits(nlohmann::json::parse(text, nullptr, false))) return 0;
+    Session first;
+    try {
+        host::LoadFormJson(first.form, text);
+    } catch (const host::HostError&) {
+        return 0;
+    }
+    const std::string saved = host::SaveFormJson(first.form);
+    const std::vector<Saved> bags = Bags(first.form);
+    std::string savedTwice, savedThrice;
+    const std::vector<Saved> again = Reload(saved, savedTwice);
+    const std::vector<Saved> third = Reload(savedTwice, savedThrice);
+
+    if (again.size() != bags.size() || third.size() != bags.size()) __builtin_trap();
+    for (std::size_t i = 0; i < bags.size(); ++i) {
+        if (again[i].name != bags[i].name || again[i].progId != bags[i].progId ||
+            third[i].name != bags[i].name)
+            __builtin_trap();
+        if (!(third[i].bag == again[i].bag)) __builtin_trap();
+    }
+    if (savedThrice != savedTwice) __builtin_trap();
+
+    // A control that fails to start reports it; the form stays whole and can be shown.
+    try {
+        first.form.SwitchMode(true);
+    } catch (const host::HostError&) {
+    }
+    try {
+        first.form.Show();
+        (void)first.platform.driver().ComposeWindow(first.form.FormWindow());
+    } catch (const host::HostError&) {
+    }
+    return 0;
+}
