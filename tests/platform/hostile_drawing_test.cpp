@@ -231,6 +231,21 @@ TEST(HostileDrawing, HugeCallsDrawWhatAModerateOneDraws) {
              Prepare(c, 1);
              c.gdi.FillRgn(c.dc, c.gdi.CreateRectRgn(5, 5, 50, 50), c.gdi.CreateSolidBrush(kPen));
          }},
+        {"a text of a million characters shows its start, and right-aligned its end",
+         [](SimCanvas& c) {
+             Prepare(c, 1);
+             const std::string many(1'000'000, 'W');
+             EXPECT_TRUE(c.gdi.TextOut(c.dc, 3, 5, "Ab" + many));
+             c.gdi.SetTextAlign(c.dc, TA_RIGHT);
+             EXPECT_TRUE(c.gdi.TextOut(c.dc, 97, 40, many + "yz"));
+         },
+         [](SimCanvas& c) {
+             Prepare(c, 1);
+             const std::string enough(40, 'W');
+             c.gdi.TextOut(c.dc, 3, 5, "Ab" + enough);
+             c.gdi.SetTextAlign(c.dc, TA_RIGHT);
+             c.gdi.TextOut(c.dc, 97, 40, enough + "yz");
+         }},
     };
     for (const HostileCase& hc : cases) {
         SimCanvas hostile(100, 100), moderate(100, 100);

@@ -473,34 +473,42 @@ std::string FontEngine::FaceName(const Face& face) const {
     return face.requestedName;
 }
 
-GlyphMask FontEngine::Render(const Face& face, std::string_view utf8) const {
+GlyphMask FontEngine::Render(const Face& face, std::string_view utf8, std::int64_t from,
+                             std::int64_t to) const {
     GlyphMask mask;
     const SIZE extent = Extent(face, utf8);
-    mask.width = extent.cx;
+    from = std::clamp<std::int64_t>(from, 0, extent.cx);
+    to = std::clamp<std::int64_t>(to, from, extent.cx);
+    mask.left = static_cast<std::int32_t>(from);
+    mask.width = static_cast<std::int32_t>(to - from);
     mask.height = extent.cy;
     mask.coverage.assign(
         static_cast<std::size_t>(mask.width) * static_cast<std::size_t>(mask.height), 0);
-    const auto set = [&](std::int32_t x, std::int32_t y) {
+    const auto set = [&](std::int64_t cellX, std::int32_t y) {
+        const std::int64_t x = cellX - mask.left;
         if (x >= 0 && x < mask.width && y >= 0 && y < mask.height) {
-            mask.coverage[static_cast<std::size_t>(y * mask.width + x)] = 255;
+            mask.coverage[static_cast<std::size_t>(y) * static_cast<std::size_t>(mask.width) +
+                          static_cast<std::size_t>(x)] = 255;
         }
     };
     const std::int32_t baseline = face.metrics.tmAscent;
-    std::int32_t pen = 0;
+    std::int64_t pen = 0;
     for (std::size_t pos = 0; pos < utf8.size();) {
         const Face::Glyph& g = face.GlyphFor(NextCodePoint(utf8, pos));
+        const std::int64_t glyphLeft = pen + g.left;
+        pen += g.advance;
+        if (glyphLeft + g.width <= from || glyphLeft >= to) continue;
         for (std::int32_t y = 0; y < g.rows; ++y) {
             for (std::int32_t x = 0; x < g.width; ++x) {
                 if (g.bits[static_cast<std::size_t>(y * g.width + x)]) {
-                    set(pen + g.left + x, baseline - g.top + y);
+                    set(glyphLeft + x, baseline - g.top + y);
                 }
             }
         }
-        pen += g.advance;
     }
     const auto bar = [&](std::int32_t top, std::int32_t size) {
         for (std::int32_t y = top; y < top + size; ++y) {
-            for (std::int32_t x = 0; x < mask.width; ++x) set(x, y);
+            for (std::int64_t x = from; x < to; ++x) set(x, y);
         }
     };
     if (face.metrics.tmUnderlined) bar(face.underlineTop, face.underlineSize);

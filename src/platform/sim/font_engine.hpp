@@ -4,6 +4,7 @@
 // Each engine owns its FreeType library and face cache, so two devices never share state.
 
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -13,10 +14,10 @@
 
 namespace korvex::platform::sim {
 
-// The text cell with its top-left at (0,0): width = text extent cx, height = tmHeight; coverage is
-// row-major, 0 or 255, underline and strike-out lines included.
+// Columns [left, left + width) of the text cell, whose top-left is (0,0); height = tmHeight;
+// coverage is row-major, 0 or 255, underline and strike-out lines included.
 struct GlyphMask {
-    std::int32_t width = 0, height = 0;
+    std::int32_t left = 0, width = 0, height = 0;
     std::vector<std::uint8_t> coverage;
 };
 
@@ -33,7 +34,10 @@ class FontEngine {
     TEXTMETRIC Metrics(const Face& face) const;
     SIZE Extent(const Face& face, std::string_view utf8) const;
     std::string FaceName(const Face& face) const;
-    GlyphMask Render(const Face& face, std::string_view utf8) const;
+    // Only the columns [from, to) of the cell are built, so a long text costs memory for what
+    // can be seen, not for its whole extent.
+    GlyphMask Render(const Face& face, std::string_view utf8, std::int64_t from = 0,
+                     std::int64_t to = std::numeric_limits<std::int64_t>::max()) const;
 
   private:
     struct Impl;

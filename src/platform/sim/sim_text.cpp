@@ -50,21 +50,28 @@ bool SimGdi::TextOut(HDC hdc, std::int32_t x, std::int32_t y, std::string_view t
 
     // Background and glyphs are plain copies: text ignores the ROP2.
     if (dc->bkMode == OPAQUE) FillClipped(*dc, cell, Rop2Pair(R2_COPYPEN, ToPixel(dc->bkColor)));
-    const GlyphMask mask = fonts_->Render(face, text);
-    const std::uint32_t ink = ToPixel(dc->textColor);
-    const RECT maskRect{Saturate(left), Saturate(top), Saturate(left + mask.width),
-                        Saturate(top + mask.height)};
-    dc->visible.ForEachRect([&](const RECT& clip) {
-        const RECT r = Intersect(clip, maskRect);
-        if (r.IsEmpty()) return;
-        for (std::int32_t py = r.top; py < r.bottom; ++py) {
-            const std::uint8_t* coverage =
-                mask.coverage.data() + static_cast<std::ptrdiff_t>(py - top) * mask.width;
-            std::uint32_t* out = dc->surface.Row(py);
-            for (std::int32_t px = r.left; px < r.right; ++px)
-                if (coverage[px - left] >= 128) out[px] = ink;
-        }
-    });
+    // Only the columns that can show are rendered: a text far wider than the bitmap costs what
+    // it walks, not what it would cover.
+    const RECT visible = Intersect(dc->visible.Box(), cell);
+    if (!visible.IsEmpty()) {
+        const GlyphMask mask = fonts_->Render(face, text, std::int64_t{visible.left} - left,
+                                              std::int64_t{visible.right} - left);
+        const std::uint32_t ink = ToPixel(dc->textColor);
+        const std::int64_t maskLeft = left + mask.left;
+        const RECT maskRect{Saturate(maskLeft), Saturate(top), Saturate(maskLeft + mask.width),
+                            Saturate(top + mask.height)};
+        dc->visible.ForEachRect([&](const RECT& clip) {
+            const RECT r = Intersect(clip, maskRect);
+            if (r.IsEmpty()) return;
+            for (std::int32_t py = r.top; py < r.bottom; ++py) {
+                const std::uint8_t* coverage =
+                    mask.coverage.data() + static_cast<std::ptrdiff_t>(py - top) * mask.width;
+                std::uint32_t* out = dc->surface.Row(py);
+                for (std::int32_t px = r.left; px < r.right; ++px)
+                    if (coverage[px - maskLeft] >= 128) out[px] = ink;
+            }
+        });
+    }
 
     if (align & kUpdateCp) {
         if ((align & TA_CENTER) == TA_CENTER) {
