@@ -66,8 +66,8 @@ bool PlainFileName(const std::string& word) {
 }
 
 // Lines the target must not run as they are, blanked so the line numbers stay: files written
-// outside the scratch folder, and waits long enough to be a hang of their own (the limit on
-// waits is the host's business, see the findings notes): a minute of virtual time at most.
+// outside the scratch folder, and more than a minute of virtual time in all (the runner allows an
+// hour a wait; spending it here would only slow the search down).
 constexpr long kMostWaited = 60000;
 std::string Tame(std::string_view input) {
     std::string out;
