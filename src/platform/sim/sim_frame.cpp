@@ -34,6 +34,16 @@ void Fill(Gdi& gdi, HDC dc, const RECT& r, COLORREF color) {
 
 }  // namespace
 
+HFONT CreateShellFont(Gdi& gdi, int weight) {
+    LOGFONT font;
+    font.lfHeight =
+        -static_cast<std::int32_t>(std::lround(8 * gdi.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
+    font.lfWeight = weight;
+    font.lfCharSet = ANSI_CHARSET;
+    font.lfFaceName = "Tahoma";
+    return gdi.CreateFontIndirect(font);
+}
+
 RECT SimWindows::ClientArea(const Window& w) {
     const std::int32_t width = w.rect.Width(), height = w.rect.Height();
     if (!w.caption) return {0, 0, width, height};
@@ -132,14 +142,7 @@ void SimWindows::PaintCaption(HDC dc, const Window& w, const RECT& bar) {
              Blend(from, to, t));
     }
     if (w.title.empty()) return;
-    // The caption font: Tahoma 8 pt bold.
-    LOGFONT captionFont;
-    captionFont.lfHeight =
-        -static_cast<std::int32_t>(std::lround(8 * gdi_.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
-    captionFont.lfWeight = FW_BOLD;
-    captionFont.lfCharSet = ANSI_CHARSET;
-    captionFont.lfFaceName = "Tahoma";
-    const HFONT font = gdi_.CreateFontIndirect(captionFont);
+    const HFONT font = CreateShellFont(gdi_, FW_BOLD);
     {
         const ScopedSelect select(gdi_, dc, font);
         TEXTMETRIC tm;

@@ -17,7 +17,6 @@
 // Sections: tracking · timers · the look
 
 #include <algorithm>
-#include <cmath>
 
 #include "platform/sim/sim_windows.hpp"
 
@@ -101,20 +100,6 @@ void SimWindows::StartToolTipTimer(std::int64_t ms, bool show) {
 // The look: the system's tooltip colours (COLOR_INFOBK behind COLOR_INFOTEXT), a one-pixel
 // frame in the window-frame colour, the status-bar font (Tahoma 8 pt).
 
-namespace {
-
-HFONT StatusFont(Gdi& gdi) {
-    LOGFONT font;
-    font.lfHeight =
-        -static_cast<std::int32_t>(std::lround(8 * gdi.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
-    font.lfWeight = FW_NORMAL;
-    font.lfCharSet = ANSI_CHARSET;
-    font.lfFaceName = "Tahoma";
-    return gdi.CreateFontIndirect(font);
-}
-
-}  // namespace
-
 // Lays the tip out for its tool's text at the pointer: 20 pixels below the hot spot, left edge
 // at the pointer, moved left to stay on the screen and above the pointer when there is no room
 // below.
@@ -123,7 +108,7 @@ void SimWindows::ShowToolTip() {
     if (!w || w->toolTip.empty()) return;
     SIZE extent{0, 0};
     const HDC dc = gdi_.CreateCompatibleDC({});
-    const HFONT font = StatusFont(gdi_);
+    const HFONT font = CreateShellFont(gdi_, FW_NORMAL);
     if (dc && font) {
         const ScopedSelect select(gdi_, dc, font);
         gdi_.GetTextExtentPoint32(dc, w->toolTip, &extent);
@@ -155,7 +140,7 @@ void SimWindows::PaintToolTip(HDC dc) {
     gdi_.FrameRect(dc, r, frame);
     gdi_.DeleteObject(back);
     gdi_.DeleteObject(frame);
-    const HFONT font = StatusFont(gdi_);
+    const HFONT font = CreateShellFont(gdi_, FW_NORMAL);
     {
         const ScopedSelect select(gdi_, dc, font);
         const int oldMode = gdi_.SetBkMode(dc, TRANSPARENT);

@@ -36,6 +36,10 @@
 
 namespace korvex::platform::sim {
 
+// The shell's font for captions and tips, Tahoma 8 pt, at the device's resolution; the caller
+// deletes it.
+HFONT CreateShellFont(Gdi& gdi, int weight);
+
 class SimWindows final : public Windows {
   public:
     // The platform's double-click defaults (GetDoubleClickTime, SM_CXDOUBLECLK/SM_CYDOUBLECLK):
