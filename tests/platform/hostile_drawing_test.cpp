@@ -231,6 +231,17 @@ TEST(HostileDrawing, HugeCallsDrawWhatAModerateOneDraws) {
              Prepare(c, 1);
              c.gdi.FillRgn(c.dc, c.gdi.CreateRectRgn(5, 5, 50, 50), c.gdi.CreateSolidBrush(kPen));
          }},
+        {"a curve wider than 2^24 fails untouched, a huge box with small corners draws",
+         [](SimCanvas& c) {
+             Prepare(c, 1);
+             EXPECT_FALSE(c.gdi.Ellipse(c.dc, -(1 << 25), -(1 << 25), 1 << 25, 1 << 25));
+             EXPECT_FALSE(c.gdi.RoundRect(c.dc, 0, 0, 1 << 26, 90, 1 << 26, 40));
+             EXPECT_TRUE(c.gdi.RoundRect(c.dc, 10, 10, 1 << 26, 1 << 26, 40, 40));
+         },
+         [](SimCanvas& c) {
+             Prepare(c, 1);
+             c.gdi.RoundRect(c.dc, 10, 10, 200, 200, 40, 40);
+         }},
         {"a text of a million characters shows its start, and right-aligned its end",
          [](SimCanvas& c) {
              Prepare(c, 1);

@@ -21,8 +21,11 @@ namespace korvex::platform::sim {
 // within +-2^27 (kCoordLimit) and fail beyond; lines, rects, polygons and blits take the whole
 // range. A pen is at most kMaxPenWidth pixels wide (a wider one draws as that), so a round cap is a
 // bounded table; regions hold at most kMaxRegionRects rects, and a call that would need more
-// fails as GDI's does when it runs out of memory.
+// fails as GDI's does when it runs out of memory. The corner stepper walks every step of a curve,
+// visible or not, so a curve wider or taller than kMaxCurve fails too: each call stays within a
+// tenth of a second.
 inline constexpr std::int32_t kCoordLimit = 1 << 27;
+inline constexpr std::int32_t kMaxCurve = 1 << 24;
 inline constexpr std::int32_t kMaxPenWidth = 1 << 16;
 inline constexpr std::int64_t kMaxRegionRects = 1 << 20;
 

@@ -262,6 +262,7 @@ bool SimGdi::RoundRect(HDC hdc, std::int32_t l, std::int32_t t, std::int32_t r, 
     ew = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{r} - l, std::llabs(ew)));
     eh = static_cast<std::int32_t>(std::min<std::int64_t>(std::int64_t{b} - t, std::llabs(eh)));
     if (ew <= 2 || eh <= 2) return Rectangle(hdc, l0, t0, r0, b0);
+    if (ew > kMaxCurve || eh > kMaxCurve) return false;
     PaintRoundFigure(*dc, l, t, r, b, ew, eh);
     return true;
 }
