@@ -318,9 +318,18 @@ void Hyperlink::Font(std::shared_ptr<StdFont> New_Font) {
 }
 
 void Hyperlink::Caption(std::string New_Caption) {
-    const bool changed = New_Caption != Label1.Caption();
-    Label1.Caption(std::move(New_Caption));
-    if (changed) CaptionChanged();
+    if (New_Caption != Label1.Caption()) {
+        std::string old = Label1.Caption();
+        Label1.Caption(std::move(New_Caption));
+        try {
+            CaptionChanged();
+        } catch (const HostError&) {
+            // A caption the control cannot grow to is refused whole: caption and size stay.
+            Label1.Caption(std::move(old));
+            CaptionChanged();
+            throw;
+        }
+    }
     PropertyChanged("Caption");
 }
 

@@ -1,8 +1,11 @@
 // Hyperlink: the colour states on the virtual clock, the shell request of a click, the caption
 // colour it saves, cursors, self-sizing and sounds.
 
+#include <gmock/gmock.h>
+
 #include "controls/display/hyperlink.hpp"
 #include "support/control_fixture.hpp"
+#include "support/error_of.hpp"
 
 namespace korvex::test {
 namespace {
@@ -176,6 +179,15 @@ TEST_F(HyperlinkTest, SelfSizingFitsTheControlToANewCaption) {
     // 20 twips round the caption; the window keeps whole pixels (20 twips -> 1 pixel).
     EXPECT_EQ(form.GetProperty(site, "Width").ToLong(), (text.cx + 1) * 15);
     EXPECT_EQ(form.GetProperty(site, "Height").ToLong(), (text.cy + 1) * 15);
+
+    // A caption too long for any control is refused whole: caption and size stay.
+    const std::string endless(1'000'000, 'm');
+    // 380 where the placement check meets it first, 480 where the surface's bitmap does.
+    EXPECT_THAT(ErrorOf([&] { form.LetProperty(site, "Caption", endless); }),
+                testing::AnyOf(kErrInvalidPropertyValue, kErrNoPersistentImage));
+    // Compared as a truth value: a failure must not print a million characters.
+    EXPECT_TRUE(form.GetProperty(site, "Caption").ToString() == "Ein längerer Verweis");
+    EXPECT_EQ(form.GetProperty(site, "Width").ToLong(), (text.cx + 1) * 15);
 
     form.LetProperty(site, "AutoSizeH", false);
     form.LetProperty(site, "Caption", "Kurz");
