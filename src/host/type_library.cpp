@@ -1,8 +1,11 @@
 #include "host/type_library.hpp"
 
+#include <algorithm>
 #include <cstdio>
 #include <set>
 #include <sstream>
+
+#include "base/utf8.hpp"
 
 namespace korvex::host {
 
@@ -187,53 +190,38 @@ std::string IdlType(const TypeRef& type) {
 
 std::string IdlName(std::string_view name) {
     std::string out;
-    for (std::size_t i = 0; i < name.size(); ++i) {
-        const auto c = static_cast<unsigned char>(name[i]);
+    for (std::size_t pos = 0; pos < name.size();) {
+        const char32_t c = NextCodePoint(name, pos);
         if ((c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
             c == '_') {
             out += static_cast<char>(c);
             continue;
         }
-        // The two-byte UTF-8 forms of the German letters.
-        if (c == 0xC3 && i + 1 < name.size()) {
-            const auto next = static_cast<unsigned char>(name[i + 1]);
-            const char* spelt = nullptr;
-            switch (next) {
-                case 0xA4:
-                    spelt = "ae";
-                    break;
-                case 0xB6:
-                    spelt = "oe";
-                    break;
-                case 0xBC:
-                    spelt = "ue";
-                    break;
-                case 0x84:
-                    spelt = "Ae";
-                    break;
-                case 0x96:
-                    spelt = "Oe";
-                    break;
-                case 0x9C:
-                    spelt = "Ue";
-                    break;
-                case 0x9F:
-                    spelt = "ss";
-                    break;
-                default:
-                    break;
-            }
-            if (spelt) {
-                out += spelt;
-                ++i;
-                continue;
-            }
+        switch (c) {
+            case U'ä':
+                out += "ae";
+                break;
+            case U'ö':
+                out += "oe";
+                break;
+            case U'ü':
+                out += "ue";
+                break;
+            case U'Ä':
+                out += "Ae";
+                break;
+            case U'Ö':
+                out += "Oe";
+                break;
+            case U'Ü':
+                out += "Ue";
+                break;
+            case U'ß':
+                out += "ss";
+                break;
+            default:
+                out += '_';
         }
-        out += '_';
-        // One underscore for one character, however many bytes it takes.
-        while (c >= 0xC0 && i + 1 < name.size() &&
-               (static_cast<unsigned char>(name[i + 1]) & 0xC0) == 0x80)
-            ++i;
     }
     return out;
 }
