@@ -9,7 +9,8 @@ packages=(cmake ninja-build g++ pkg-config libgtest-dev libgmock-dev libbenchmar
           # and scripts/show_screenshot.sh takes the README's picture with ImageMagick's import.
           libsdl2-dev xvfb xdotool imagemagick)
 # The reference runner draws with a real GDI: a MinGW-w64 build run under Wine.
-oracle_packages=(wine64 g++-mingw-w64-x86-64)
+# widl (mingw-w64-tools) compiles the type library's IDL; its stdole2.tlb import comes with Wine.
+oracle_packages=(wine64 g++-mingw-w64-x86-64 mingw-w64-tools)
 # The fuzz targets: clang with libFuzzer and the sanitizer runtimes.
 fuzz_packages=(clang libclang-rt-14-dev)
 

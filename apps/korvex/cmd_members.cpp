@@ -1,5 +1,6 @@
-// korvex members CLASS | --all --out DIR: the member reference of the library's classes, written
-// from the member tables themselves (docs/reference/ is this command's output).
+// korvex members CLASS | --all --out DIR | --idl FILE: the member reference of the library's
+// classes and its type library's IDL, written from the member tables themselves
+// (docs/reference/ and docs/korvex_tools.idl are this command's output).
 
 #include <cstdio>
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include "base/file.hpp"
 #include "commands.hpp"
 #include "host/reference.hpp"
+#include "host/type_library.hpp"
 #include "session.hpp"
 
 namespace korvex::cli {
@@ -20,13 +22,23 @@ int Usage() {
     std::fprintf(
         stderr,
         "usage: korvex members CLASS          prints one class's reference (ProgID or class name)\n"
-        "       korvex members --all --out DIR writes one Markdown file per class and README.md\n");
+        "       korvex members --all --out DIR writes one Markdown file per class and README.md\n"
+        "       korvex members --idl FILE          writes the type library's IDL (public "
+        "controls)\n");
     return kExitUsage;
 }
 
 }  // namespace
 
 int RunMembers(Args args) {
+    if (args.size() == 2 && args[0] == "--idl") {
+        // Only what the library offers to hosts: no private control, no platform needed.
+        host::HostContext context;
+        RegisterLibrary(context);
+        WriteFileReplacing(std::string(args[1]),
+                           host::TypeLibraryIdl(kLibraryName, context.Classes().Classes()));
+        return kExitOk;
+    }
     Session session;
     const std::vector<const host::ClassInfo*> classes = session.context.Classes().Classes();
     if (args.size() == 1 && args[0] != "--all" && args[0] != "--help") {

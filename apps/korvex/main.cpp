@@ -37,8 +37,10 @@ constexpr std::array kCommands = {
             "renders every control in its main looks, with index.html", RunGallery},
     Command{"gdi", "korvex gdi SCRIPT [--png FILE] [--hex FILE]",
             "runs a drawing script and writes the canvas", RunGdi},
-    Command{"members", "korvex members CLASS | --all --out DIR",
-            "the member reference of a class (e.g. Korvex_Tools.Button) as Markdown", RunMembers},
+    Command{"members", "korvex members CLASS | --all --out DIR | --idl FILE",
+            "the member reference of a class (e.g. Korvex_Tools.Button) as Markdown, or the "
+            "type library's IDL",
+            RunMembers},
 };
 
 int Help(Args) {
