@@ -19,15 +19,22 @@ if(KORVEX_FUZZ)
     $<BUILD_INTERFACE:-fsanitize=address,undefined -fno-sanitize-recover=all>)
 endif()
 
-# Adds a library for one layer of src/: every .cpp in the listed folders, public headers
-# found from src/ so that includes read "host/variant.hpp".
+# Adds a library for one layer of src/: every .cpp in the listed folders (less the EXCLUDE file
+# names, plus the SOURCES given relative to src/), public headers found from src/ so that includes
+# read "host/variant.hpp". EXCLUDE and SOURCES swap a platform-specific file for another.
 function(korvex_layer target)
-  cmake_parse_arguments(ARG "" "" "DIRS;DEPS;PRIVATE_DEPS" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "DIRS;DEPS;PRIVATE_DEPS;EXCLUDE;SOURCES" ${ARGN})
   # A new folder or file is picked up at the next build (CONFIGURE_DEPENDS).
   set(sources)
   foreach(dir IN LISTS ARG_DIRS)
     file(GLOB dir_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${dir}/*.cpp)
+    foreach(excluded IN LISTS ARG_EXCLUDE)
+      list(FILTER dir_sources EXCLUDE REGEX "/${excluded}$")
+    endforeach()
     list(APPEND sources ${dir_sources})
+  endforeach()
+  foreach(source IN LISTS ARG_SOURCES)
+    list(APPEND sources ${CMAKE_CURRENT_SOURCE_DIR}/${source})
   endforeach()
   if(NOT sources)
     # A layer whose folders hold no code yet links through to the layers it stands on.

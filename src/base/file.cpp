@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "base/error.hpp"
+#include "base/os_file.hpp"
 
 namespace korvex {
 
@@ -22,15 +23,16 @@ namespace {
 
 std::string ReadFileText(const std::string& path) {
     namespace fs = std::filesystem;
+    const fs::path file = os::Utf8Path(path);
     std::error_code ec;
-    if (fs::is_directory(path, ec)) {
+    if (fs::is_directory(file, ec)) {
         throw host::HostError(host::kErrPathFileAccess,
                               "Path/File access error (" + path + " is a folder)", "ReadFile");
     }
-    if (!fs::exists(path, ec)) {
+    if (!fs::exists(file, ec)) {
         throw host::HostError(host::kErrFileNotFound, "File not found (" + path + ")", "ReadFile");
     }
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(file, std::ios::binary);
     if (!in) {
         throw host::HostError(host::kErrPathFileAccess,
                               "Path/File access error (" + path + ": " + std::strerror(errno) + ")",
@@ -47,16 +49,17 @@ std::string ReadFileText(const std::string& path) {
 
 void WriteFileReplacing(const std::string& path, std::string_view bytes) {
     namespace fs = std::filesystem;
-    const fs::path target(path);
+    const fs::path target = os::Utf8Path(path);
     std::error_code ec;
     if (fs::is_directory(target, ec)) Refuse(path, "is a folder");
     // Beside the target, so the rename stays within one file system.
-    const fs::path temporary = target.string() + ".korvex-new";
+    const std::string temporaryName = path + ".korvex-new";
+    const fs::path temporary = os::Utf8Path(temporaryName);
     {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
         if (!out)
-            Refuse(path, std::string("cannot create ") + temporary.string() + ": " +
-                             std::strerror(errno));
+            Refuse(path,
+                   std::string("cannot create ") + temporaryName + ": " + std::strerror(errno));
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         out.flush();
         out.close();
@@ -66,7 +69,7 @@ void WriteFileReplacing(const std::string& path, std::string_view bytes) {
             Refuse(path, "writing failed: " + why);
         }
     }
-    fs::rename(temporary, target, ec);
+    ec = os::MoveReplacing(temporary, target);
     if (ec) {
         std::error_code ignored;
         fs::remove(temporary, ignored);

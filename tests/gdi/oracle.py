@@ -12,6 +12,10 @@
       SCRIPT.win.png and SCRIPT.diff.png, into the output folder. With --locate it also finds
       the line after which the two canvases first differ.
 
+  oracle.py smoke   --native EXE --windows EXE --prefix DIR --form FORM --out DIR
+      Runs the layers' smoke program natively and its MinGW-w64 build under Wine and compares
+      their reports line by line (member tables, conversions, bags, files, pictures).
+
 Exit status: 0 all equal, 1 a mismatch or a failed run, 77 when MinGW-w64 or Wine is missing
 (CTest reports the test as skipped).
 """
@@ -279,6 +283,47 @@ def compare(args):
     return 0 if passed == len(results) else 1
 
 
+def smoke(args):
+    wine = find_wine()
+    windows = Path(args.windows).resolve()
+    if shutil.which(MINGW_CXX) is None or wine is None or not windows.exists():
+        return skip("the Windows smoke program or Wine is not available (see gdi-oracle-setup)")
+    out = Path(args.out).resolve()
+    form = Path(args.form).resolve()
+    reports = {}
+    for side in ("native", "windows"):
+        folder = out / side
+        shutil.rmtree(folder, ignore_errors=True)
+        folder.mkdir(parents=True)
+        if side == "native":
+            command = [str(Path(args.native).resolve()), str(form), str(folder)]
+            status, text = run(command)
+        else:
+            # Wine shows the build machine's root as drive Z:.
+            command = [wine, str(windows), f"Z:{form}", f"Z:{folder}"]
+            env = wine_env(args.prefix)
+            try:
+                status, text = run(command, env=env)
+            finally:
+                stop_wineserver(wine, args.prefix)
+        print(f"+ {' '.join(command)}: status {status}", flush=True)
+        if status != 0:
+            print(text)
+            return 1
+        reports[side] = text.splitlines()
+    native, win = reports["native"], reports["windows"]
+    differing = [(i, a, b) for i, (a, b) in enumerate(zip(native, win), 1) if a != b]
+    for number, a, b in differing:
+        print(f"line {number}:\n  native:  {a}\n  windows: {b}")
+    if len(native) != len(win):
+        print(f"the native report has {len(native)} lines, the Windows one {len(win)}")
+    summary = [line for line in win if line.startswith(("classes:", "bags:", "icon groups:"))]
+    print("\n".join(summary))
+    same = len(native) - len(differing)
+    print(f"{same} of {max(len(native), len(win))} report lines agree")
+    return 0 if not differing and len(native) == len(win) else 1
+
+
 def ellipse_rows_complete(w, h):
     """Whether the integer ellipse stepper behind CreateRoundRectRgn (and the interiors of
     RoundRect and Ellipse) reaches every row of a w x h corner ellipse. For thin, tall ellipses it
@@ -466,8 +511,14 @@ def main():
     p.add_argument("--verbose", type=int, default=0, help="list up to this many mismatches per script")
     p.add_argument("--locate", action="store_true", help="find the line that introduces a difference")
     p.add_argument("names", nargs="*", help="only these scripts (file names without .txt)")
+    p = sub.add_parser("smoke")
+    p.add_argument("--native", required=True)
+    p.add_argument("--windows", required=True)
+    p.add_argument("--prefix", required=True)
+    p.add_argument("--form", required=True)
+    p.add_argument("--out", required=True)
     args = parser.parse_args()
-    return {"setup": setup, "sweep": sweep, "compare": compare}[args.command](args)
+    return {"setup": setup, "sweep": sweep, "compare": compare, "smoke": smoke}[args.command](args)
 
 
 if __name__ == "__main__":
