@@ -5,64 +5,12 @@
 #include <set>
 #include <sstream>
 
+#include "base/sha1.hpp"
 #include "base/utf8.hpp"
 
 namespace korvex::host {
 
 namespace {
-
-// SHA-1 (FIPS 180-4) of one message, for name-based identifiers only.
-std::array<std::uint8_t, 20> Sha1(const std::vector<std::uint8_t>& message) {
-    std::uint32_t h[5] = {0x67452301, 0xEFCDAB89, 0x98BADCFE, 0x10325476, 0xC3D2E1F0};
-    std::vector<std::uint8_t> data = message;
-    const std::uint64_t bits = static_cast<std::uint64_t>(message.size()) * 8;
-    data.push_back(0x80);
-    while (data.size() % 64 != 56) data.push_back(0);
-    for (int i = 7; i >= 0; --i) data.push_back(static_cast<std::uint8_t>(bits >> (8 * i)));
-
-    const auto rotl = [](std::uint32_t v, int n) { return (v << n) | (v >> (32 - n)); };
-    for (std::size_t block = 0; block < data.size(); block += 64) {
-        std::uint32_t w[80];
-        for (std::size_t i = 0; i < 16; ++i) {
-            const std::uint8_t* p = &data[block + 4 * i];
-            w[i] = (std::uint32_t{p[0]} << 24) | (std::uint32_t{p[1]} << 16) |
-                   (std::uint32_t{p[2]} << 8) | p[3];
-        }
-        for (int i = 16; i < 80; ++i) w[i] = rotl(w[i - 3] ^ w[i - 8] ^ w[i - 14] ^ w[i - 16], 1);
-        std::uint32_t a = h[0], b = h[1], c = h[2], d = h[3], e = h[4];
-        for (int i = 0; i < 80; ++i) {
-            std::uint32_t f = 0, k = 0;
-            if (i < 20) {
-                f = (b & c) | (~b & d);
-                k = 0x5A827999;
-            } else if (i < 40) {
-                f = b ^ c ^ d;
-                k = 0x6ED9EBA1;
-            } else if (i < 60) {
-                f = (b & c) | (b & d) | (c & d);
-                k = 0x8F1BBCDC;
-            } else {
-                f = b ^ c ^ d;
-                k = 0xCA62C1D6;
-            }
-            const std::uint32_t t = rotl(a, 5) + f + e + k + w[i];
-            e = d;
-            d = c;
-            c = rotl(b, 30);
-            b = a;
-            a = t;
-        }
-        h[0] += a;
-        h[1] += b;
-        h[2] += c;
-        h[3] += d;
-        h[4] += e;
-    }
-    std::array<std::uint8_t, 20> digest{};
-    for (std::size_t i = 0; i < 20; ++i)
-        digest[i] = static_cast<std::uint8_t>(h[i / 4] >> (24 - 8 * (i % 4)));
-    return digest;
-}
 
 int HexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -143,7 +91,9 @@ std::string Guid::Text() const {
 Guid NameBasedGuid(const Guid& space, std::string_view name) {
     std::vector<std::uint8_t> message(space.bytes.begin(), space.bytes.end());
     message.insert(message.end(), name.begin(), name.end());
-    const auto digest = Sha1(message);
+    Sha1 sha;
+    sha.Update(message.data(), message.size());
+    const auto digest = sha.Digest();
     Guid guid;
     std::copy_n(digest.begin(), 16, guid.bytes.begin());
     guid.bytes[6] = static_cast<std::uint8_t>((guid.bytes[6] & 0x0F) | 0x50);  // version 5

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "base/sha1.hpp"
 #include "platform/sim/sim_gdi.hpp"
-#include "sha1.hpp"
 #include "support/shot.hpp"
 
 namespace korvex::platform {
@@ -68,7 +68,7 @@ struct Scene : test::Canvas {
     }
 
     std::string Hash() const {
-        testing::Sha1 sha;
+        Sha1 sha;
         std::vector<std::uint8_t> row(512 * 4);
         for (std::int32_t y = 511; y >= 0; --y) {
             for (std::int32_t x = 0; x < 512; ++x) {
