@@ -13,22 +13,13 @@
 #include "host/container.hpp"
 #include "host/form_file.hpp"
 #include "host/property_bag.hpp"
-#include "library/library.hpp"
-#include "platform/sim/sim_platform.hpp"
+#include "session.hpp"
 
 namespace {
 
 using namespace korvex;
 
-struct Session {
-    platform::sim::SimPlatform platform;
-    host::HostContext context{&platform};
-    host::Container form{context};
-    Session() {
-        RegisterLibrary(context);
-        RegisterPrivateControls(context);
-    }
-};
+using cli::Session;
 
 struct Saved {
     std::string name;

@@ -16,11 +16,8 @@
 
 #include "base/error.hpp"
 #include "driver/script_runner.hpp"
-#include "host/container.hpp"
-#include "host/form_file.hpp"
 #include "host/text.hpp"
-#include "library/library.hpp"
-#include "platform/sim/sim_platform.hpp"
+#include "session.hpp"
 
 namespace {
 
@@ -105,16 +102,10 @@ std::string Tame(std::string_view input) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string script = Tame({reinterpret_cast<const char*>(data), size});
-    platform::sim::SimPlatform platform;
-    host::HostContext context{&platform};
-    host::Container form{context};
-    RegisterLibrary(context);
-    RegisterPrivateControls(context);
-    host::LoadFormJson(form, FormText());
-    form.SwitchMode(true);
-    form.Show();
+    cli::Session session;
+    session.Open(FormText());
     std::ostringstream out;
-    host::ScriptRunner runner(form, platform.driver(), out, OutDir());
+    host::ScriptRunner runner(session.form, session.platform.driver(), out, OutDir());
     try {
         runner.Run(script);
     } catch (const host::ScriptError&) {

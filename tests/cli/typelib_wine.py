@@ -7,31 +7,20 @@ constant with its value.
 
 Usage: typelib_wine.py IDL TLB DUMPER_SOURCE WORKDIR. Exits 77 (skipped) without Wine or MinGW."""
 
-import os
 import re
 import shutil
 import subprocess
 import sys
 from pathlib import Path
 
-SKIP = 77
-MINGW_CXX = "x86_64-w64-mingw32-g++"
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+from wine import MINGW_CXX, SKIP, find_wine, wine_env  # noqa: E402
 
 # Automation's variant types of the IDL's base types.
 VT = {"short": "vt2", "long": "vt3", "float": "vt4", "double": "vt5", "BSTR": "vt8",
       "VARIANT_BOOL": "vt11", "VARIANT": "vt12", "void": "vt24", "IDispatch*": "vt9"}
 STDOLE = {"OLE_COLOR": "stdole.OLE_COLOR", "IFontDisp*": "stdole.IFontDisp*",
           "IPictureDisp*": "stdole.IPictureDisp*"}
-
-
-def find_wine():
-    override = os.environ.get("KORVEX_WINE")
-    if override:
-        return override if Path(override).exists() else None
-    for candidate in ("/usr/lib/wine/wine64", "/usr/lib/x86_64-linux-gnu/wine/wine64"):
-        if Path(candidate).exists():
-            return candidate
-    return shutil.which("wine64") or shutil.which("wine")
 
 
 def type_text(idl_type, library):
@@ -89,9 +78,7 @@ def main():
     if not dumper.exists() or dumper.stat().st_mtime < source.stat().st_mtime:
         subprocess.run([MINGW_CXX, "-O1", "-municode", "-static", "-o", str(dumper), str(source),
                         "-loleaut32", "-lole32", "-luuid"], check=True)
-    env = dict(os.environ, WINEPREFIX=str(work / "wineprefix"), WINEDEBUG="-all",
-               WINEDLLOVERRIDES="mscoree,mshtml=")
-    env.pop("DISPLAY", None)
+    env = wine_env(work / "wineprefix")
     run = subprocess.run([wine, str(dumper), str(tlb)], env=env, capture_output=True, text=True,
                          timeout=300, check=False)
     (work / "dump.txt").write_text(run.stdout)

@@ -1,0 +1,42 @@
+"""Running Windows programs under Wine for the tests: the loader, a prefix's environment, its
+server. Shared by the GDI oracle and the type library check."""
+
+import os
+import shutil
+import subprocess
+from pathlib import Path
+
+SKIP = 77
+MINGW_CXX = "x86_64-w64-mingw32-g++"
+
+
+def find_wine():
+    """Debian's wine64 keeps its loader out of PATH."""
+    override = os.environ.get("KORVEX_WINE")
+    if override:
+        return override if Path(override).exists() else None
+    for candidate in ("/usr/lib/wine/wine64", "/usr/lib/x86_64-linux-gnu/wine/wine64"):
+        if Path(candidate).exists():
+            return candidate
+    return shutil.which("wine64") or shutil.which("wine")
+
+
+def wine_env(prefix):
+    env = dict(os.environ)
+    env["WINEPREFIX"] = str(Path(prefix).resolve())  # Wine insists on an absolute path
+    env["WINEDEBUG"] = "-all"
+    # No Mono or Gecko installers: they would ask for a download and a display.
+    env["WINEDLLOVERRIDES"] = "mscoree,mshtml="
+    env.pop("DISPLAY", None)
+    return env
+
+
+def wineserver(wine, prefix, option):
+    server = Path(wine).with_name("wineserver")
+    command = [str(server)] if server.exists() else [shutil.which("wineserver") or "wineserver"]
+    subprocess.run(command + [option], env=wine_env(prefix), stdout=subprocess.DEVNULL,
+                   stderr=subprocess.DEVNULL, check=False)
+
+
+def stop_wineserver(wine, prefix):
+    wineserver(wine, prefix, "-k")
