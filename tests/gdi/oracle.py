@@ -31,7 +31,8 @@ import zlib
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
-from wine import MINGW_CXX, SKIP, find_wine, stop_wineserver, wine_env, wineserver  # noqa: E402
+from wine import (MINGW_CXX, SKIP, find_wine, stop_wineserver, use_null_display,  # noqa: E402
+                  wine_env, wineserver)
 
 
 def skip(message):
@@ -69,10 +70,16 @@ def setup(args):
     prefix.parent.mkdir(parents=True, exist_ok=True)
     print(f"+ WINEPREFIX={prefix} {wine} wineboot -i", flush=True)
     status, text = run([wine, "wineboot", "-i"], env=wine_env(prefix), timeout=600)
-    stop_wineserver(wine, prefix)
     if status != 0 or not (prefix / "system.reg").exists():
+        stop_wineserver(wine, prefix)
         print(text)
         print(f"wineboot failed with status {status}")
+        return 1
+    # The Windows library's tests create windows in this prefix, headless.
+    null_display = use_null_display(wine, prefix)
+    stop_wineserver(wine, prefix)
+    if not null_display:
+        print("could not select Wine's null display driver")
         return 1
     return 0
 

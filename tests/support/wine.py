@@ -40,3 +40,13 @@ def wineserver(wine, prefix, option):
 
 def stop_wineserver(wine, prefix):
     wineserver(wine, prefix, "-k")
+
+
+def use_null_display(wine, prefix):
+    """Windows need a display driver; Wine's null driver needs no X server, so windows work
+    headless (created, sized, painted through WM_PRINT) in a prefix set up this way."""
+    command = [wine, "reg", "add", r"HKCU\Software\Wine\Drivers", "/v", "Graphics", "/d", "null",
+               "/f"]
+    result = subprocess.run(command, env=wine_env(prefix), stdout=subprocess.DEVNULL,
+                            stderr=subprocess.DEVNULL, check=False)
+    return result.returncode == 0
