@@ -10,10 +10,12 @@
 #ifndef NOMINMAX
 #define NOMINMAX
 #endif
-#include <mmsystem.h>
-#include <shellapi.h>
+// clang-format off
 #include <windows.h>
 #include <windowsx.h>
+#include <mmsystem.h>
+#include <shellapi.h>
+// clang-format on
 
 #undef CreateWindow
 #undef SetWindowText
