@@ -65,11 +65,18 @@ int RunForm(Args args) {
         return Fail("run", scriptName + ": line " + std::to_string(e.Line()) + ": " + e.Message(),
                     kExitBadScript);
     }
-    // What the controls played, along the virtual timeline, for a person to listen to.
+    // What the controls played, along the virtual timeline, for a person to listen to. The
+    // Windows build plays nothing and records nothing to write.
+#if defined(_WIN32)
+    if (!wavPath.empty())
+        return Fail("run", "--wav needs the portable platform's sound (the Linux build)",
+                    kExitUsage);
+#else
     if (!wavPath.empty() && !session.platform.sound().WriteWav(wavPath)) {
         throw host::HostError(host::kErrPathFileAccess,
                               "Path/File access error (cannot write " + wavPath + ")", "korvex");
     }
+#endif
     return kExitOk;
 }
 

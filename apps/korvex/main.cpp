@@ -23,20 +23,26 @@ int Version(Args) {
 
 int Help(Args);
 
+// The Windows build has the commands that run on the Win32 backend; showing a form through
+// SDL2, the gallery and the drawing scripts are the portable platform's.
 constexpr std::array kCommands = {
     Command{"help", "korvex help", "shows this text", Help},
     Command{"version", "korvex version", "prints the version", Version},
     Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
     Command{"run", "korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]",
             "runs a form with a script of input, prints its events", RunForm},
+#if !defined(_WIN32)
     Command{"show", "korvex show FORM.json [--scale N] [--for SECONDS]",
             "opens the form in a window to try it with mouse and keyboard", ShowForm},
+#endif
     Command{"render", "korvex render FORM.json -o FILE.png",
             "renders a form as it looks at run time", RenderForm},
+#if !defined(_WIN32)
     Command{"gallery", "korvex gallery --out DIR",
             "renders every control in its main looks, with index.html", RunGallery},
     Command{"gdi", "korvex gdi SCRIPT [--png FILE] [--hex FILE]",
             "runs a drawing script and writes the canvas", RunGdi},
+#endif
     Command{"members", "korvex members CLASS | --all --out DIR | --idl FILE",
             "the member reference of a class (e.g. Korvex_Tools.Button) as Markdown, or the "
             "type library's IDL",

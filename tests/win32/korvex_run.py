@@ -1,0 +1,145 @@
+"""win32.korvex_run: the README's two examples (examples/buttons.json with buttons.txt,
+examples/display.json with display.txt) run by the native korvex on the portable platform and by
+korvex.exe on the Win32 backend under Wine; their event logs must agree line by line.
+
+Where the two may differ, and why (only this is normalised):
+- Line ends: the Windows C runtime writes CR LF to a text-mode stdout.
+- Text metrics: the portable platform lays text out with its own font engine, Wine with its own
+  fonts. A caption sized to its text is placed a pixel apart, so the coordinates a pointer event
+  reports relative to such a caption (a link's Hover, a button's Mouse* events) may differ by
+  one pixel: 1 in pixels or 15 in twips. Everything else on such a line must be equal.
+The snapshots are compared by presence and size only: besides the fonts, Wine's default colour
+scheme is not the classic one the portable platform draws with, so no pixel is expected to agree.
+
+Prints, per example, how many lines matched exactly and how many within the tolerance. Skips
+(77) without Wine or the programs."""
+
+import argparse
+import re
+import struct
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+import wine as winelib  # noqa: E402
+
+EXAMPLES = ("buttons", "display")
+POINTER_EVENT = re.compile(r"^(event \w+\.\w+\()(-?\d+), (-?\d+), (-?[\d.]+), (-?[\d.]+)\)$")
+
+
+def run(command, env=None, timeout=180):
+    """Output through a file: Wine's helpers keep a pipe open after the program ends."""
+    with tempfile.TemporaryFile(mode="w+b") as output:
+        result = subprocess.run(command, env=env, stdout=output, stderr=subprocess.STDOUT,
+                                timeout=timeout, check=False)
+        output.seek(0)
+        return result.returncode, output.read().decode("utf-8", "replace")
+
+
+def windows_path(path):
+    """Wine shows the build machine's root as drive Z:."""
+    return "Z:" + str(Path(path).resolve()).replace("/", "\\")
+
+
+def within_one_pixel(a, b):
+    d = abs(float(a) - float(b))
+    if d <= 1:
+        return True
+    # Twips: whole pixels of 15 twips at the 96 dpi both sides run at.
+    return d <= 15 and float(a) % 15 == 0 and float(b) % 15 == 0
+
+
+def compare_logs(native, windows):
+    """(exact, tolerated, differing lines as text)."""
+    exact, tolerated, bad = 0, 0, []
+    n_lines, w_lines = native.splitlines(), windows.splitlines()
+    for i in range(max(len(n_lines), len(w_lines))):
+        n = n_lines[i] if i < len(n_lines) else "<missing>"
+        w = w_lines[i] if i < len(w_lines) else "<missing>"
+        if n == w:
+            exact += 1
+            continue
+        mn, mw = POINTER_EVENT.match(n), POINTER_EVENT.match(w)
+        if (mn and mw and mn.group(1, 2, 3) == mw.group(1, 2, 3)
+                and within_one_pixel(mn.group(4), mw.group(4))
+                and within_one_pixel(mn.group(5), mw.group(5))):
+            tolerated += 1
+            continue
+        bad.append(f"  line {i + 1}: native  {n}\n  line {i + 1}: Windows {w}")
+    return exact, tolerated, bad
+
+
+def png_size(path):
+    data = Path(path).read_bytes()
+    if data[:8] != b"\x89PNG\r\n\x1a\n" or data[12:16] != b"IHDR":
+        return None
+    return struct.unpack(">II", data[16:24])
+
+
+def main():
+    p = argparse.ArgumentParser()
+    p.add_argument("--native", required=True)
+    p.add_argument("--windows", required=True)
+    p.add_argument("--prefix", required=True)
+    p.add_argument("--examples", required=True)
+    p.add_argument("--out", required=True)
+    args = p.parse_args()
+    wine = winelib.find_wine()
+    exe = Path(args.windows)
+    if not wine or not exe.exists():
+        print(f"skipped: {'Wine' if not wine else exe} not found")
+        return winelib.SKIP
+    env = winelib.wine_env(args.prefix)
+    examples, out = Path(args.examples).resolve(), Path(args.out).resolve()
+    failed = False
+    try:
+        for name in EXAMPLES:
+            form, script = examples / f"{name}.json", examples / f"{name}.txt"
+            native_dir, windows_dir = out / name / "native", out / name / "windows"
+            for folder in (native_dir, windows_dir):
+                folder.mkdir(parents=True, exist_ok=True)
+                for stale in folder.glob("*.png"):
+                    stale.unlink()
+            status_n, log_n = run([args.native, "run", str(form), "--script", str(script),
+                                   "--out", str(native_dir)])
+            status_w, log_w = run([wine, str(exe), "run", windows_path(form), "--script",
+                                   windows_path(script), "--out", windows_path(windows_dir)],
+                                  env=env)
+            log_w = log_w.replace("\r\n", "\n")
+            (out / name / "native.log").write_text(log_n)
+            (out / name / "windows.log").write_text(log_w)
+            if status_n != 0 or status_w != 0:
+                print(f"{name}: exit status native {status_n}, Windows {status_w}")
+                print(log_w.strip()[-2000:])
+                failed = True
+                continue
+            exact, tolerated, bad = compare_logs(log_n, log_w)
+            total = len(log_n.splitlines())
+            print(f"{name}: {total} lines; {exact} identical, {tolerated} within one pixel of "
+                  f"a text-sized caption, {len(bad)} differ")
+            for line in bad:
+                print(line)
+            if bad or total == 0:
+                failed = True
+            shots = sorted(f.name for f in native_dir.glob("*.png"))
+            sizes_ok = 0
+            for shot in shots:
+                other = windows_dir / shot
+                a = png_size(native_dir / shot)
+                b = png_size(other) if other.exists() else None
+                if a and a == b:
+                    sizes_ok += 1
+                else:
+                    print(f"  snapshot {shot}: native {a}, Windows {b}")
+                    failed = True
+            print(f"{name}: {len(shots)} snapshots, {sizes_ok} of the same size on both sides "
+                  f"(pixels not compared: fonts and colour scheme differ)")
+    finally:
+        winelib.stop_wineserver(wine, args.prefix)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
