@@ -166,9 +166,11 @@ class Win32Windows final : public Windows {
     [[nodiscard]] int ShiftState() const;
     [[nodiscard]] bool VirtualInput() const { return virtualInput_; }
 
-    // The window procedure's body (win32_windows.cpp); public for the static trampoline.
+    // The window procedures' bodies; public for the static trampolines.
     std::intptr_t Message(void* hwnd, unsigned message, std::uintptr_t wParam,
                           std::intptr_t lParam);
+    std::intptr_t ToolTipMessage(void* hwnd, unsigned message, std::uintptr_t wParam,
+                                 std::intptr_t lParam);
 
   private:
     static constexpr std::uint32_t kDesktop = 0x00010010;
@@ -238,6 +240,8 @@ class Win32Windows final : public Windows {
     void StartToolTipTimer(std::int64_t ms, bool show);
     void ShowToolTip();
     void PaintToolTip(void* nativeDC);
+    // The tip on a real screen: a topmost popup that the pointer passes through.
+    void PlaceToolTipWindow();
 
     // Painting (win32_compose.cpp).
     void PaintClient(std::uint32_t id, void* nativeDC, POINT at);
@@ -263,6 +267,7 @@ class Win32Windows final : public Windows {
     std::array<bool, 256> keys_{};
     Click lastClick_;
     ToolTipState tip_;
+    void* tipWindow_ = nullptr;
 };
 
 class Win32EventLoop final : public EventLoop {

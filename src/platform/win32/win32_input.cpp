@@ -31,6 +31,14 @@ bool IsChildStyle(::HWND h) {
     return (::GetWindowLongW(h, GWL_STYLE) & WS_CHILD) != 0;
 }
 
+constexpr wchar_t kToolTipClass[] = L"KorvexToolTip";
+
+LRESULT CALLBACK ToolTipProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto* self = reinterpret_cast<Win32Windows*>(::GetWindowLongPtrW(hwnd, 0));
+    if (!self) return ::DefWindowProcW(hwnd, message, wParam, lParam);
+    return self->ToolTipMessage(hwnd, message, wParam, lParam);
+}
+
 struct Quiet {
     int& counter;
     explicit Quiet(int& c) : counter(c) { ++counter; }
@@ -475,6 +483,9 @@ void Win32Windows::MouseMessage(std::uint32_t id, unsigned message, std::uintptr
     if (event.kind == MouseEvent::Kind::Move) {
         cursor_ = event.screen;
         TrackToolTip(Find(id) ? id : 0);
+        // WM_MOUSELEAVE then tells when the pointer left for a window not of ours.
+        TRACKMOUSEEVENT track{sizeof(track), TME_LEAVE, native, 0};
+        ::TrackMouseEvent(&track);
     } else if (event.kind == MouseEvent::Kind::Up && implicitCapture_ && ::GetCapture() == native &&
                held == 0) {
         ReleaseCapture();
@@ -559,6 +570,7 @@ void Win32Windows::HideToolTip(bool spent) {
     tip_.shown = false;
     tip_.text.clear();
     tip_.spent = spent;
+    PlaceToolTipWindow();
 }
 
 void Win32Windows::StartToolTipTimer(std::int64_t ms, bool show) {
@@ -599,6 +611,64 @@ void Win32Windows::ShowToolTip() {
     tip_.text = w->toolTip;
     tip_.screen = {x, y, x + width, y + height};
     tip_.shown = true;
+    PlaceToolTipWindow();
+}
+
+// Made when a tip first shows; never activated, never in the way of the pointer, and no part
+// of this platform's windows (hit-testing, z-order and composition leave it out: the composed
+// screen paints the tip itself).
+void Win32Windows::PlaceToolTipWindow() {
+    if (!tip_.shown) {
+        if (tipWindow_) ::ShowWindow(H(tipWindow_), SW_HIDE);
+        return;
+    }
+    if (!tipWindow_) {
+        static const bool registered = [] {
+            WNDCLASSEXW wc{};
+            wc.cbSize = sizeof(wc);
+            wc.lpfnWndProc = ToolTipProc;
+            wc.cbWndExtra = sizeof(void*);
+            wc.hInstance = ::GetModuleHandleW(nullptr);
+            wc.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
+            wc.lpszClassName = kToolTipClass;
+            return ::RegisterClassExW(&wc) != 0;
+        }();
+        (void)registered;
+        tipWindow_ = ::CreateWindowExW(
+            WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | WS_EX_TRANSPARENT, kToolTipClass,
+            L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, ::GetModuleHandleW(nullptr), nullptr);
+        if (!tipWindow_) return;
+        ::SetWindowLongPtrW(H(tipWindow_), 0, reinterpret_cast<LONG_PTR>(this));
+    }
+    const RECT& r = tip_.screen;
+    ::SetWindowPos(H(tipWindow_), korvex_win32_native::kTopmost, r.left, r.top, r.Width(),
+                   r.Height(), SWP_NOACTIVATE | SWP_SHOWWINDOW);
+    ::InvalidateRect(H(tipWindow_), nullptr, FALSE);
+}
+
+std::intptr_t Win32Windows::ToolTipMessage(void* hwnd, unsigned message, std::uintptr_t wParam,
+                                           std::intptr_t lParam) {
+    switch (message) {
+        case WM_NCHITTEST:
+            return HTTRANSPARENT;
+        case WM_MOUSEACTIVATE:
+            return MA_NOACTIVATE;
+        case WM_ERASEBKGND:
+            return 1;
+        case WM_PAINT: {
+            PAINTSTRUCT ps;
+            ::HDC dc = ::BeginPaint(H(hwnd), &ps);
+            if (dc && tip_.shown) {
+                // The tip paints in screen coordinates.
+                ::SetViewportOrgEx(dc, -tip_.screen.left, -tip_.screen.top, nullptr);
+                PaintToolTip(dc);
+            }
+            ::EndPaint(H(hwnd), &ps);
+            return 0;
+        }
+        default:
+            return ::DefWindowProcW(H(hwnd), message, wParam, lParam);
+    }
 }
 
 Driver::ShownToolTip Win32Windows::ToolTipOnScreen() const {

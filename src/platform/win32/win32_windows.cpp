@@ -103,6 +103,7 @@ Win32Windows::Win32Windows(Win32Gdi& gdi, Win32Clock& clock, bool virtualInput)
 // Windows still open go quietly: their handlers may be gone already.
 Win32Windows::~Win32Windows() {
     if (tip_.timer) clock_.KillTimer(tip_.timer);
+    if (tipWindow_) ::DestroyWindow(H(tipWindow_));
     for (auto& [id, w] : windows_) w.handler = nullptr;
     Quiet focus(quietFocus_), capture(quietCapture_);
     for (;;) {
@@ -672,6 +673,17 @@ std::intptr_t Win32Windows::Message(void* hwnd, unsigned message, std::uintptr_t
         case WM_SETCURSOR:
             if (LOWORD(lParam) == HTCLIENT && SetCursorFor(id)) return TRUE;
             break;
+        case WM_MOUSELEAVE:
+            // Real input only: off to a window that is not ours, the tip goes as on a move
+            // onto no tool.
+            if (!virtualInput_ && tip_.tool == id) {
+                ::POINT p;
+                ::GetCursorPos(&p);
+                void* hit =
+                    HitTest({static_cast<std::int32_t>(p.x), static_cast<std::int32_t>(p.y)});
+                if (!hit || !FromNative(hit)) TrackToolTip(0);
+            }
+            return 0;
         case WM_CLOSE:
             if (w->handler) w->handler->OnClose();
             return 0;

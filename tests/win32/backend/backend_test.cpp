@@ -449,6 +449,11 @@ void ToolTips() {
     f.driver.Advance(1);
     CHECK_EQ(f.driver.ToolTip().text, "Hallo");
     CHECK_EQ(f.driver.ToolTip().screen.top, 30);
+    // The tip's own window on the screen is none of the platform's windows: not in the z-order,
+    // not hit, and the pointer goes through it.
+    CHECK_EQ(f.windows.ZOrder({}), (std::vector<HWND>{top}));
+    const RECT tip = f.driver.ToolTip().screen;
+    CHECK_EQ(f.windows.WindowFromPoint({tip.left + 2, tip.top + 2}), a);
     f.driver.MouseDown(kButtonLeft, 0);  // a press hides it for good
     f.driver.MouseUp(kButtonLeft, 0);
     CHECK(f.driver.ToolTip().text.empty());
