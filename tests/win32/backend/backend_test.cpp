@@ -8,14 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "backend_check.hpp"
 #include "base/error.hpp"
-#include "platform/win32/win32_platform.hpp"
 
-namespace {
-
-using namespace korvex::platform;
-using korvex::platform::win32::Win32Options;
-using korvex::platform::win32::Win32Platform;
+namespace korvex::backend_test {
 
 int checks = 0;
 int failures = 0;
@@ -26,80 +22,13 @@ void Check(bool ok, const std::string& what, int line) {
     ++failures;
     std::printf("FAILED line %d: %s\n", line, what.c_str());
 }
-#define CHECK(condition) Check((condition), #condition, __LINE__)
-#define CHECK_EQ(a, b) Check((a) == (b), #a " == " #b, __LINE__)
 
-// Records what a window hears, one line each.
-struct Recorder final : WindowHandler {
-    std::string name;
-    std::vector<std::string>* log = nullptr;
-    COLORREF fill = CLR_INVALID;  // painted over the client area when set
-    Gdi* gdi = nullptr;
-    std::function<void(const MouseEvent&)> onMouse;
+}  // namespace korvex::backend_test
 
-    void Add(const std::string& line) {
-        if (log) log->push_back(name + " " + line);
-    }
-    void OnMouse(const MouseEvent& e) override {
-        static const char* kinds[] = {"move", "down", "up", "dbl"};
-        Add(std::string(kinds[static_cast<int>(e.kind)]) + " " + std::to_string(e.button) + " " +
-            std::to_string(e.shift) + " " + std::to_string(e.client.x) + "," +
-            std::to_string(e.client.y) + " " + std::to_string(e.screen.x) + "," +
-            std::to_string(e.screen.y) + " t" + std::to_string(e.time));
-        if (onMouse) onMouse(e);
-    }
-    void OnKey(const KeyEvent& e) override {
-        static const char* kinds[] = {"keydown", "keyup", "press"};
-        Add(std::string(kinds[static_cast<int>(e.kind)]) + " " + std::to_string(e.keyCode) + " " +
-            std::to_string(e.shift));
-    }
-    void OnFocus(bool gained) override { Add(gained ? "focus" : "blur"); }
-    void OnCaptureLost() override { Add("capturelost"); }
-    void OnClose() override { Add("close"); }
-    void OnPaint(HDC dc, const RECT& client) override {
-        if (!gdi || fill == CLR_INVALID) return;
-        const HBRUSH brush = gdi->CreateSolidBrush(fill);
-        // The left half only: the right half keeps the window colour the platform erased with.
-        gdi->FillRect(dc, {0, 0, client.right / 2, client.bottom}, brush);
-        gdi->DeleteObject(brush);
-    }
-};
+namespace {
 
-struct Fixture {
-    Win32Platform platform{Win32Options{true, true}};
-    Windows& windows = platform.windows();
-    Driver& driver = platform.driver();
-    std::vector<std::string> log;
-    std::vector<std::unique_ptr<Recorder>> recorders;
-
-    Recorder* Make(const std::string& name) {
-        recorders.push_back(std::make_unique<Recorder>());
-        recorders.back()->name = name;
-        recorders.back()->log = &log;
-        recorders.back()->gdi = &platform.gdi();
-        return recorders.back().get();
-    }
-    HWND Top(const std::string& name, RECT r, bool caption = false) {
-        WindowStyle style;
-        style.caption = caption;
-        const HWND w = windows.CreateWindow({}, r, style, Make(name), name);
-        windows.ShowWindow(w, true);
-        return w;
-    }
-    HWND Child(HWND parent, const std::string& name, RECT r) {
-        WindowStyle style;
-        style.child = true;
-        const HWND w = windows.CreateWindow(parent, r, style, Make(name));
-        windows.ShowWindow(w, true);
-        return w;
-    }
-    std::string Take() {
-        std::string all;
-        for (const std::string& line : log) all += line + "\n";
-        log.clear();
-        return all;
-    }
-};
+using namespace korvex::platform;
+using namespace korvex::backend_test;
 
 void TreeAndGeometry() {
     Fixture f;
@@ -475,6 +404,7 @@ int main() {
         {"loop and modal", LoopAndModal},
         {"pixels", Pixels},
         {"tooltips", ToolTips},
+        {"native side", korvex::backend_test::NativeSide},
     };
     int failedGroups = 0;
     for (const auto& [name, run] : groups) {
