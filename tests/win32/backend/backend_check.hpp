@@ -67,7 +67,9 @@ struct Recorder final : WindowHandler {
 };
 
 struct Fixture {
-    Win32Platform platform{Win32Options{true, true}};
+    // A dry run always: nothing is opened or played on the machine.
+    explicit Fixture(bool virtualTime = true) : platform(Win32Options{virtualTime, true}) {}
+    Win32Platform platform;
     platform::Windows& windows = platform.windows();
     platform::Driver& driver = platform.driver();
     std::vector<std::string> log;
@@ -102,7 +104,9 @@ struct Fixture {
     }
 };
 
-// The checks that reach the system's side directly (native_side.cpp).
+// The checks that reach the system's side directly (native_side.cpp): a container host's view,
+// and the system's own time and queued input, as inside a real host.
 void NativeSide();
+void SystemTime();
 
 }  // namespace korvex::backend_test

@@ -405,6 +405,7 @@ int main() {
         {"pixels", Pixels},
         {"tooltips", ToolTips},
         {"native side", korvex::backend_test::NativeSide},
+        {"system time", korvex::backend_test::SystemTime},
     };
     int failedGroups = 0;
     for (const auto& [name, run] : groups) {

@@ -112,4 +112,91 @@ void NativeSide() {
     ::DestroyWindow(host);
 }
 
+namespace {
+
+// The log without the times, which the system's clock makes different on every run.
+std::string Untimed(const std::string& log) {
+    std::string out;
+    std::size_t start = 0;
+    while (start < log.size()) {
+        std::size_t end = log.find('\n', start);
+        if (end == std::string::npos) end = log.size();
+        std::string line = log.substr(start, end - start);
+        if (const std::size_t t = line.rfind(" t"); t != std::string::npos) line.erase(t);
+        out += line + "\n";
+        start = end + 1;
+    }
+    return out;
+}
+
+// A host's own message loop, as a container runs it.
+void HostPump() {
+    MSG msg;
+    while (::PeekMessageW(&msg, nullptr, 0, 0, PM_REMOVE)) {
+        ::TranslateMessage(&msg);
+        ::DispatchMessageW(&msg);
+    }
+}
+
+}  // namespace
+
+// On the system's time, inside a host: posted work runs from the host's own loop, timers tick
+// while a wait pumps, and queued input reaches the handlers with the implicit capture.
+void SystemTime() {
+    Fixture f(false);
+    platform::EventLoop& loop = f.platform.loop();
+    int ran = 0;
+    loop.Post([&] { ++ran; });
+    HostPump();
+    CHECK_EQ(ran, 1);
+    int ticks = 0;
+    const auto timer = f.platform.clock().SetTimer(10, [&] { ++ticks; });
+    const std::int64_t before = f.platform.clock().Now();
+    loop.Wait(200);
+    CHECK(f.platform.clock().Now() - before >= 200);
+    CHECK(ticks >= 1);
+    f.platform.clock().KillTimer(timer);
+    // A modal loop ends when posted work closes it.
+    bool open = true;
+    loop.Post([&] { open = false; });
+    loop.RunModal([&] { return open; }, "test box");
+    CHECK(!open);
+
+    const HWND top = f.Top("top", {0, 0, 200, 100});
+    const HWND a = f.Child(top, "a", {10, 10, 110, 60});
+    f.windows.SetFocus(a);
+    f.Take();
+    ::HWND native = static_cast<::HWND>(f.platform.NativeWindow(a));
+    ::PostMessageW(native, WM_MOUSEMOVE, 0, MAKELPARAM(5, 6));
+    ::PostMessageW(native, WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, MAKELPARAM(5, 6));
+    HostPump();
+    CHECK_EQ(f.windows.GetCapture(), a);  // the press captured the pointer
+    ::PostMessageW(native, WM_LBUTTONUP, 0, MAKELPARAM(7, 8));
+    ::PostMessageW(native, WM_LBUTTONDBLCLK, MK_LBUTTON, MAKELPARAM(7, 8));
+    ::PostMessageW(native, WM_LBUTTONUP, 0, MAKELPARAM(7, 8));
+    HostPump();
+    CHECK(!f.windows.GetCapture());
+    // The system adds moves of its own where the real pointer is (over "top", as capture ends);
+    // a's are the ones posted.
+    std::string mouse;
+    for (const std::string& line : f.log)
+        if (line.starts_with("a ")) mouse += line + "\n";
+    f.log.clear();
+    CHECK_EQ(Untimed(mouse),
+             "a move 0 0 5,6 15,16\n"
+             "a down 1 1 5,6 15,16\n"
+             "a up 1 0 7,8 17,18\n"
+             "a dbl 1 0 7,8 17,18\n"
+             "a up 1 0 7,8 17,18\n");
+    // Queued keys pass the filters in the event loop's pump.
+    const auto filter =
+        loop.AddKeyFilter([](const KeyEvent& e, HWND) { return e.keyCode == VK_ESCAPE; });
+    ::PostMessageW(native, WM_KEYDOWN, VK_ESCAPE, 1);
+    ::PostMessageW(native, WM_KEYDOWN, 'A', 1);
+    loop.DoEvents();
+    loop.RemoveKeyFilter(filter);
+    // The pump translates the key it let through into its character, as a host's loop does.
+    CHECK_EQ(Untimed(f.Take()), "a keydown 65 0\na press 97 0\n");
+}
+
 }  // namespace korvex::backend_test
