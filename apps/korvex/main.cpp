@@ -29,8 +29,13 @@ constexpr std::array kCommands = {
     Command{"help", "korvex help", "shows this text", Help},
     Command{"version", "korvex version", "prints the version", Version},
     Command{"bag", "korvex bag FORM.json", "prints every control's saved property bag", RunBag},
+#if defined(_WIN32)
+    Command{"run", "korvex run FORM.json [--script FILE] [--out DIR]",
+            "runs a form with a script of input, prints its events", RunForm},
+#else
     Command{"run", "korvex run FORM.json [--script FILE] [--out DIR] [--wav FILE]",
             "runs a form with a script of input, prints its events", RunForm},
+#endif
 #if !defined(_WIN32)
     Command{"show", "korvex show FORM.json [--scale N] [--for SECONDS]",
             "opens the form in a window to try it with mouse and keyboard", ShowForm},
