@@ -1,5 +1,6 @@
 """win32.korvex_run: the README's two examples (examples/buttons.json with buttons.txt,
-examples/display.json with display.txt) run by the native korvex on the portable platform and by
+examples/display.json with display.txt), and the about box's nested modal loop closed by its close
+box (about.txt here, on display.json), run by the native korvex on the portable platform and by
 korvex.exe on the Win32 backend under Wine; their event logs must agree line by line.
 
 Where the two may differ, and why (only this is normalised):
@@ -25,7 +26,10 @@ from pathlib import Path
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
 import wine as winelib  # noqa: E402
 
-EXAMPLES = ("buttons", "display")
+HERE = Path(__file__).resolve().parent
+# (name, form, script), the first two relative to the examples folder.
+RUNS = (("buttons", "buttons.json", "buttons.txt"), ("display", "display.json", "display.txt"),
+        ("about", "display.json", HERE / "about.txt"))
 POINTER_EVENT = re.compile(r"^(event \w+\.\w+\()(-?\d+), (-?\d+), (-?[\d.]+), (-?[\d.]+)\)$")
 
 
@@ -95,8 +99,8 @@ def main():
     examples, out = Path(args.examples).resolve(), Path(args.out).resolve()
     failed = False
     try:
-        for name in EXAMPLES:
-            form, script = examples / f"{name}.json", examples / f"{name}.txt"
+        for name, form_name, script_name in RUNS:
+            form, script = examples / form_name, examples / script_name
             native_dir, windows_dir = out / name / "native", out / name / "windows"
             for folder in (native_dir, windows_dir):
                 folder.mkdir(parents=True, exist_ok=True)
