@@ -356,6 +356,13 @@ inline HFONT CreateShellFont(Gdi& gdi, int weight) {
     return gdi.CreateFontIndirect(font);
 }
 
+// The module this code is linked into (korvex.exe, or a DLL inside its host): the window classes
+// belong to it. They are registered while a platform lives and unregistered with the last one,
+// so that a DLL unloaded afterwards leaves no class behind whose procedure points into it.
+void* CodeModule();
+void RegisterWindowClass(bool add);   // win32_windows.cpp
+void RegisterToolTipClass(bool add);  // win32_input.cpp
+
 // UTF-8 and the system's UTF-16.
 std::wstring Widen(std::string_view text);
 std::string Narrow(const wchar_t* text, int length);

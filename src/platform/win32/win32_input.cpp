@@ -39,6 +39,25 @@ LRESULT CALLBACK ToolTipProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
     return self->ToolTipMessage(hwnd, message, wParam, lParam);
 }
 
+}  // namespace
+
+void RegisterToolTipClass(bool add) {
+    if (!add) {
+        ::UnregisterClassW(kToolTipClass, static_cast<HINSTANCE>(CodeModule()));
+        return;
+    }
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    wc.lpfnWndProc = ToolTipProc;
+    wc.cbWndExtra = sizeof(void*);
+    wc.hInstance = static_cast<HINSTANCE>(CodeModule());
+    wc.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
+    wc.lpszClassName = kToolTipClass;
+    ::RegisterClassExW(&wc);
+}
+
+namespace {
+
 struct Quiet {
     int& counter;
     explicit Quiet(int& c) : counter(c) { ++counter; }
@@ -623,20 +642,10 @@ void Win32Windows::PlaceToolTipWindow() {
         return;
     }
     if (!tipWindow_) {
-        static const bool registered = [] {
-            WNDCLASSEXW wc{};
-            wc.cbSize = sizeof(wc);
-            wc.lpfnWndProc = ToolTipProc;
-            wc.cbWndExtra = sizeof(void*);
-            wc.hInstance = ::GetModuleHandleW(nullptr);
-            wc.hCursor = ::LoadCursorW(nullptr, IDC_ARROW);
-            wc.lpszClassName = kToolTipClass;
-            return ::RegisterClassExW(&wc) != 0;
-        }();
-        (void)registered;
         tipWindow_ = ::CreateWindowExW(
             WS_EX_TOPMOST | WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | WS_EX_TRANSPARENT, kToolTipClass,
-            L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, ::GetModuleHandleW(nullptr), nullptr);
+            L"", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr, static_cast<HINSTANCE>(CodeModule()),
+            nullptr);
         if (!tipWindow_) return;
         ::SetWindowLongPtrW(H(tipWindow_), 0, reinterpret_cast<LONG_PTR>(this));
     }

@@ -2,6 +2,8 @@
 
 #include "platform/win32/win32_platform.hpp"
 
+#include <atomic>
+
 #include "platform/win32/win32_backend.hpp"
 // After our headers: see win32_api.hpp.
 #include "platform/win32/win32_api.hpp"
@@ -22,22 +24,41 @@ LRESULT CALLBACK MessageProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
 
 // The message-only window that carries the system's timers and the wake-up for posted work.
 ::HWND CreateMessageWindow(void* owner) {
-    static const bool registered = [] {
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = MessageProc;
-        wc.cbWndExtra = sizeof(void*);
-        wc.hInstance = ::GetModuleHandleW(nullptr);
-        wc.lpszClassName = kMessageClass;
-        return ::RegisterClassExW(&wc) != 0;
-    }();
-    (void)registered;
     ::HWND hwnd =
         ::CreateWindowExW(0, kMessageClass, L"", 0, 0, 0, 0, 0, korvex_win32_native::kMessageOnly,
                           nullptr, ::GetModuleHandleW(nullptr), nullptr);
     if (hwnd) ::SetWindowLongPtrW(hwnd, 0, reinterpret_cast<LONG_PTR>(owner));
     return hwnd;
 }
+
+// The classes, registered while any platform lives (see CodeModule). Platforms live on their
+// UI threads; the count is shared by all of them.
+class ClassUse {
+  public:
+    ClassUse() {
+        if (users_.fetch_add(1) != 0) return;
+        RegisterWindowClass(true);
+        RegisterToolTipClass(true);
+        WNDCLASSEXW wc{};
+        wc.cbSize = sizeof(wc);
+        wc.lpfnWndProc = MessageProc;
+        wc.cbWndExtra = sizeof(void*);
+        wc.hInstance = static_cast<HINSTANCE>(CodeModule());
+        wc.lpszClassName = kMessageClass;
+        ::RegisterClassExW(&wc);
+    }
+    ~ClassUse() {
+        if (users_.fetch_sub(1) != 1) return;
+        RegisterWindowClass(false);
+        RegisterToolTipClass(false);
+        ::UnregisterClassW(kMessageClass, static_cast<HINSTANCE>(CodeModule()));
+    }
+    ClassUse(const ClassUse&) = delete;
+    ClassUse& operator=(const ClassUse&) = delete;
+
+  private:
+    static inline std::atomic<int> users_{0};
+};
 
 // The driver face: each operation forwards to the part that owns it.
 class Win32Driver final : public Driver {
@@ -102,6 +123,7 @@ struct Win32Platform::Impl {
     Impl(const Impl&) = delete;
     Impl& operator=(const Impl&) = delete;
 
+    ClassUse classes;
     MessageTargets targets;
     MessageWindow messages;
     Win32Gdi gdi;

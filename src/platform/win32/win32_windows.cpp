@@ -32,23 +32,6 @@ LRESULT CALLBACK WindowProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lPa
     return result;
 }
 
-void RegisterWindowClass() {
-    static const bool registered = [] {
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof(wc);
-        // Double clicks arrive as such from real input; the client area is erased by the
-        // painting itself (the window colour under OnPaint), so there is no class brush.
-        wc.style = CS_DBLCLKS;
-        wc.lpfnWndProc = WindowProc;
-        wc.cbWndExtra = sizeof(void*);
-        wc.hInstance = ::GetModuleHandleW(nullptr);
-        wc.hCursor = nullptr;  // WM_SETCURSOR sets the window's own
-        wc.lpszClassName = kWindowClass;
-        return ::RegisterClassExW(&wc) != 0;
-    }();
-    (void)registered;
-}
-
 DWORD StyleOf(WindowStyle style) {
     if (style.child) return WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
     DWORD ws = WS_POPUP | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
@@ -71,6 +54,32 @@ struct Quiet {
 };
 
 }  // namespace
+
+void* CodeModule() {
+    HMODULE module = nullptr;
+    ::GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<LPCWSTR>(&CodeModule), &module);
+    return module;
+}
+
+void RegisterWindowClass(bool add) {
+    if (!add) {
+        ::UnregisterClassW(kWindowClass, static_cast<HINSTANCE>(CodeModule()));
+        return;
+    }
+    WNDCLASSEXW wc{};
+    wc.cbSize = sizeof(wc);
+    // Double clicks arrive as such from real input; the client area is erased by the painting
+    // itself (the window colour under OnPaint), so there is no class brush.
+    wc.style = CS_DBLCLKS;
+    wc.lpfnWndProc = WindowProc;
+    wc.cbWndExtra = sizeof(void*);
+    wc.hInstance = static_cast<HINSTANCE>(CodeModule());
+    wc.hCursor = nullptr;  // WM_SETCURSOR sets the window's own
+    wc.lpszClassName = kWindowClass;
+    ::RegisterClassExW(&wc);
+}
 
 std::wstring Widen(std::string_view text) {
     if (text.empty()) return {};
@@ -95,7 +104,6 @@ std::string Narrow(const wchar_t* text, int length) {
 
 Win32Windows::Win32Windows(Win32Gdi& gdi, Win32Clock& clock, bool virtualInput)
     : gdi_(gdi), clock_(clock), virtualInput_(virtualInput) {
-    RegisterWindowClass();
     windows_[kDesktop].native = ::GetDesktopWindow();
     windows_[kDesktop].adopted = true;
 }
@@ -214,7 +222,7 @@ HWND Win32Windows::CreateWindow(HWND parent, const RECT& position, WindowStyle s
     ::HWND native = ::CreateWindowExW(exStyle, kWindowClass, Widen(title).c_str(),
                                       StyleOf({style.child, style.topmost, w.caption}),
                                       position.left, position.top, width, height, parentNative,
-                                      nullptr, ::GetModuleHandleW(nullptr), this);
+                                      nullptr, static_cast<HINSTANCE>(CodeModule()), this);
     creating_ = 0;
     if (!native) {
         windows_.erase(id);

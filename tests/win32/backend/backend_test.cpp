@@ -76,6 +76,22 @@ void TreeAndGeometry() {
     CHECK(screen.cx > 0 && screen.cy > 0);
 }
 
+// Two hosts in one process each have their own platform; the window classes stay registered
+// while either lives.
+void TwoPlatforms() {
+    auto first = std::make_unique<Fixture>();
+    Fixture second;
+    const HWND a = first->Top("a", {0, 0, 50, 50});
+    const HWND b = second.Top("b", {100, 0, 150, 50});
+    CHECK(first->windows.IsWindow(a) && second.windows.IsWindow(b));
+    CHECK_EQ(first->windows.ZOrder({}), (std::vector<HWND>{a}));
+    CHECK_EQ(second.windows.ZOrder({}), (std::vector<HWND>{b}));
+    first.reset();
+    const HWND c = second.Top("c", {0, 100, 50, 150});
+    CHECK(second.windows.IsWindow(c));
+    CHECK_EQ(second.windows.WindowFromPoint({10, 110}), c);
+}
+
 void ZOrder() {
     Fixture f;
     const HWND top = f.Top("top", {0, 0, 300, 300});
@@ -395,6 +411,7 @@ void ToolTips() {
 int main() {
     const std::pair<const char*, void (*)()> groups[] = {
         {"tree and geometry", TreeAndGeometry},
+        {"two platforms", TwoPlatforms},
         {"z-order", ZOrder},
         {"regions", Regions},
         {"focus and capture", FocusAndCapture},
