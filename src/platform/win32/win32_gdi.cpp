@@ -34,6 +34,7 @@ struct Win32Gdi::Handles {
     std::unordered_map<void*, std::uint32_t> objectIds;
     std::vector<::HDC> dcs;
     std::unordered_map<::HDC, std::uint32_t> dcIds;
+    std::vector<std::uint32_t> freeDcs;
     struct Dib {
         void* bits = nullptr;
         std::int32_t width = 0;
@@ -59,15 +60,25 @@ struct Win32Gdi::Handles {
     HDC WrapDc(::HDC dc) {
         if (dc == nullptr) return HDC{};
         if (auto it = dcIds.find(dc); it != dcIds.end()) return HDC{it->second};
-        const auto id = static_cast<std::uint32_t>(dcs.size() + 1);
-        dcs.push_back(dc);
+        std::uint32_t id;
+        if (!freeDcs.empty()) {
+            id = freeDcs.back();
+            freeDcs.pop_back();
+            dcs[id - 1] = dc;
+        } else {
+            id = static_cast<std::uint32_t>(dcs.size() + 1);
+            dcs.push_back(dc);
+        }
         dcIds.emplace(dc, id);
         return HDC{id};
     }
+    // A host adopts a DC for every drawing call: its number is given out again, so the table
+    // stays as small as the number of DCs adopted at once.
     void ForgetDc(HDC dc) {
-        if (dc.value < 1 || dc.value > dcs.size()) return;
+        if (dc.value < 1 || dc.value > dcs.size() || !dcs[dc.value - 1]) return;
         dcIds.erase(dcs[dc.value - 1]);
         dcs[dc.value - 1] = nullptr;
+        freeDcs.push_back(dc.value);
     }
     ::HDC Dc(HDC dc) const {
         return dc.value >= 1 && dc.value <= dcs.size() ? dcs[dc.value - 1] : nullptr;

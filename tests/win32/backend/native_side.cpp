@@ -86,6 +86,10 @@ void NativeSide() {
     gdi.DeleteObject(brush);
     f.platform.ReleaseAdoptedDC(dc);
     CHECK_EQ(canvas.At(1, 1), 0x0000FFu);
+    // A DC adopted for every call of a host's takes the released number again.
+    const HDC again = f.platform.AdoptDC(system.dc);
+    CHECK_EQ(again, dc);
+    f.platform.ReleaseAdoptedDC(again);
 
     // A keystroke offered by the host: taken only when a filter takes it.
     MSG msg{};
