@@ -148,9 +148,8 @@ class Win32Windows final : public Windows {
     // Foreign windows and the native side.
     HWND Adopt(void* native);
     [[nodiscard]] void* Native(HWND window) const;
-    // Our handle for a native window (its nearest known ancestor's for a foreign child).
+    // Our handle for a native window; zero for one this platform neither made nor adopted.
     [[nodiscard]] HWND FromNative(void* native) const;
-    [[nodiscard]] bool IsOurs(void* native) const;
 
     // Pixels: a window with its children into a native device context, window coordinates at
     // origin; the whole screen or one window as 0x00RRGGBB.
@@ -221,7 +220,7 @@ class Win32Windows final : public Windows {
     void* HitTest(POINT screen) const;
     std::uint32_t MouseTarget();
     void Deliver(std::uint32_t window, MouseEvent event);
-    void NonClientMouse(Window& w, std::uint32_t id, const MouseEvent& event, POINT inWindow);
+    void NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow);
     RECT CloseBoxRect(void* native) const;  // window coordinates
     RECT CaptionRect(void* native) const;
 

@@ -317,7 +317,7 @@ void Win32Windows::Deliver(std::uint32_t window, MouseEvent event) {
     const bool inClient =
         client.x >= 0 && client.y >= 0 && client.x < area.right && client.y < area.bottom;
     if (w->caption && (w->closePressed || !inClient)) {
-        NonClientMouse(*w, window, event, inWindow);
+        NonClientMouse(*w, event, inWindow);
         return;
     }
     if (!w->handler) return;
@@ -331,8 +331,7 @@ void Win32Windows::Deliver(std::uint32_t window, MouseEvent event) {
 
 // Only the close box takes input: pressed while the left button is down over it, released over
 // it asks the window to close (WM_CLOSE), released elsewhere does nothing.
-void Win32Windows::NonClientMouse(Window& w, std::uint32_t id, const MouseEvent& event,
-                                  POINT inWindow) {
+void Win32Windows::NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow) {
     const bool inside = Inside(CloseBoxRect(w.native), inWindow);
     switch (event.kind) {
         case MouseEvent::Kind::Down:
@@ -352,7 +351,6 @@ void Win32Windows::NonClientMouse(Window& w, std::uint32_t id, const MouseEvent&
             }
             break;
     }
-    (void)id;
 }
 
 // The tooltip follows the move once the window has seen it, so a window that sets the text of

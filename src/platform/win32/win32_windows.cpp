@@ -147,13 +147,6 @@ HWND Win32Windows::FromNative(void* native) const {
     return it == ids_.end() ? HWND{} : HWND{it->second};
 }
 
-bool Win32Windows::IsOurs(void* native) const {
-    auto it = ids_.find(native);
-    if (it == ids_.end()) return false;
-    auto w = windows_.find(it->second);
-    return w != windows_.end() && !w->second.adopted;
-}
-
 HWND Win32Windows::Adopt(void* native) {
     if (!native || !::IsWindow(H(native))) return {};
     if (auto it = ids_.find(native); it != ids_.end()) return HWND{it->second};
