@@ -12,6 +12,7 @@
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 
 #include <cstdio>
+#include <cstring>
 #include <fstream>
 #include <functional>
 #include <map>
@@ -744,6 +745,277 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
 }
 
 // ---------------------------------------------------------------------------------------------
+// In-place activation in a container of this program's own
+
+// The container's side of one control: a client site and an in-place site over a window of
+// ours, answering the ambient properties through IDispatch.
+class Container final : public IOleClientSite, public IOleInPlaceSite, public IDispatch {
+  public:
+    Container() {
+        window = CreateWindowExW(0, L"STATIC", L"container", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300,
+                                 nullptr, nullptr, nullptr, nullptr);
+    }
+    ~Container() { DestroyWindow(window); }
+    Container(const Container&) = delete;
+    Container& operator=(const Container&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
+        if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IOleClientSite))
+            *ppv = static_cast<IOleClientSite*>(this);
+        else if (IsEqualIID(riid, IID_IOleWindow) || IsEqualIID(riid, IID_IOleInPlaceSite))
+            *ppv = static_cast<IOleInPlaceSite*>(this);
+        else if (IsEqualIID(riid, IID_IDispatch))
+            *ppv = static_cast<IDispatch*>(this);
+        else {
+            *ppv = nullptr;
+            return E_NOINTERFACE;
+        }
+        AddRef();
+        return S_OK;
+    }
+    // Lives on the stack of the check; counted only to see that the object lets go of it.
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++refs); }
+    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--refs); }
+
+    // IOleClientSite
+    HRESULT STDMETHODCALLTYPE SaveObject() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE GetMoniker(DWORD, DWORD, IMoniker** m) override {
+        *m = nullptr;
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE GetContainer(IOleContainer** c) override {
+        *c = nullptr;
+        return E_NOINTERFACE;
+    }
+    HRESULT STDMETHODCALLTYPE ShowObject() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnShowWindow(BOOL) override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE RequestNewObjectLayout() override { return E_NOTIMPL; }
+
+    // IOleInPlaceSite
+    HRESULT STDMETHODCALLTYPE GetWindow(HWND* w) override {
+        *w = window;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE CanInPlaceActivate() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnInPlaceActivate() override {
+        ++activated;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE OnUIActivate() override {
+        ++uiActivated;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** doc,
+                                               LPRECT pos, LPRECT clip,
+                                               LPOLEINPLACEFRAMEINFO) override {
+        *frame = nullptr;
+        *doc = nullptr;
+        *pos = position;
+        *clip = position;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Scroll(SIZE) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE OnUIDeactivate(BOOL) override {
+        ++uiDeactivated;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE OnInPlaceDeactivate() override {
+        ++deactivated;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE DiscardUndoState() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE DeactivateAndUndo() override { return S_OK; }
+    HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT rect) override {
+        position = *rect;
+        return S_OK;
+    }
+
+    // IDispatch: the ambient properties.
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* n) override {
+        *n = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result,
+                                     EXCEPINFO*, UINT*) override {
+        VariantInit(result);
+        switch (id) {
+            case DISPID_AMBIENT_USERMODE:
+                V_VT(result) = VT_BOOL;
+                V_BOOL(result) = userMode ? VARIANT_TRUE : VARIANT_FALSE;
+                return S_OK;
+            case DISPID_AMBIENT_DISPLAYNAME:
+                V_VT(result) = VT_BSTR;
+                V_BSTR(result) = SysAllocString(L"Control1");
+                return S_OK;
+            default:
+                return DISP_E_MEMBERNOTFOUND;
+        }
+    }
+
+    HWND window = nullptr;
+    RECT position{10, 20, 110, 52};
+    bool userMode = true;
+    long refs = 0;
+    int activated = 0;
+    int uiActivated = 0;
+    int uiDeactivated = 0;
+    int deactivated = 0;
+};
+
+RECT ChildRect(HWND child) {
+    RECT r{};
+    GetWindowRect(child, &r);
+    MapWindowPoints(nullptr, GetParent(child), reinterpret_cast<POINT*>(&r), 2);
+    return r;
+}
+
+bool Equal(const RECT& a, const RECT& b) {
+    return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
+}
+
+void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
+    const host::ClassInfo& info = *entry.info;
+    const std::string group = "in place";
+    Container site;
+    {
+        Ptr<IDispatch> object = server.Create(entry);
+        Ptr<IOleObject> ole = Query<IOleObject>(object.p, IID_IOleObject);
+        DWORD misc = 0;
+        ole->GetMiscStatus(DVASPECT_CONTENT, &misc);
+        Check(misc == com::kMiscStatus, group, info.name + " MiscStatus");
+        Check(SUCCEEDED(ole->SetClientSite(&site)), group, info.name + " SetClientSite");
+        Query<IPersistStreamInit>(object.p, IID_IPersistStreamInit)->InitNew();
+
+        Check(ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, &site, 0, site.window,
+                          &site.position) == S_OK &&
+                  site.activated == 1,
+              group, info.name + " in-place activated");
+        HWND window = nullptr;
+        Query<IOleWindow>(object.p, IID_IOleWindow)->GetWindow(&window);
+        Check(window && GetParent(window) == site.window && IsWindowVisible(window), group,
+              info.name + " its window is a visible child of the site's");
+        Check(Equal(ChildRect(window), site.position), group,
+              info.name + " at the site's rectangle");
+        // Moved and sized by the container; a control that keeps a size of its own asks for it
+        // back (OnPosRectChange), and its window and extent follow what it asked.
+        const RECT moved{30, 40, 150, 80};
+        site.position = moved;
+        Query<IOleInPlaceObject>(object.p, IID_IOleInPlaceObject)->SetObjectRects(&moved, &moved);
+        const RECT now = ChildRect(window);
+        Check(Equal(now, site.position) && now.left == moved.left && now.top == moved.top, group,
+              info.name + " SetObjectRects moves it");
+        SIZEL extent{};
+        ole->GetExtent(DVASPECT_CONTENT, &extent);
+        Check(extent.cx == MulDiv((now.right - now.left) * 15, 2540, 1440) &&
+                  extent.cy == MulDiv((now.bottom - now.top) * 15, 2540, 1440),
+              group, info.name + " extent in himetric");
+
+        // Drawn into a device context of the container's.
+        const BITMAPINFO bi{{sizeof(BITMAPINFOHEADER), 200, -100, 1, 32, BI_RGB, 0, 0, 0, 0, 0},
+                            {}};
+        void* bits = nullptr;
+        HDC dc = CreateCompatibleDC(nullptr);
+        HBITMAP bitmap = CreateDIBSection(dc, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
+        HGDIOBJ old = SelectObject(dc, bitmap);
+        std::memset(bits, 0x5A, 200 * 100 * 4);
+        const RECTL bounds{0, 0, 120, 40};
+        const HRESULT drawn = Query<IViewObject2>(object.p, IID_IViewObject2)
+                                  ->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc,
+                                         &bounds, nullptr, nullptr, 0);
+        GdiFlush();
+        int painted = 0;
+        for (int y = 0; y < 40; ++y)
+            for (int x = 0; x < 120; ++x)
+                if (static_cast<const std::uint32_t*>(bits)[y * 200 + x] != 0x5A5A5A5Au) ++painted;
+        Check(drawn == S_OK && painted > 0, group, info.name + " IViewObject::Draw paints");
+        SelectObject(dc, old);
+        DeleteObject(bitmap);
+        DeleteDC(dc);
+
+        // A click on its window reaches the event sink.
+        if (const host::EventInfo* click = info.FindEvent("Click")) {
+            Ptr<IConnectionPoint> point;
+            Query<IConnectionPointContainer>(object.p, IID_IConnectionPointContainer)
+                ->FindConnectionPoint(entry.eventIid, &point);
+            auto* sink = new EventSink(entry.eventIid);
+            DWORD cookie = 0;
+            point->Advise(sink, &cookie);
+            // The pointer is where the click is (controls test it to tell a click from a drag),
+            // and the click goes to the window under it, as the system sends it.
+            // A caption to click on, for controls that take clicks on their text only.
+            if (const host::MemberInfo* caption = info.FindMember("Caption"))
+                Dispatch(object.p, caption->dispId, DISPATCH_PROPERTYPUT,
+                         {ToVariant(host::Variant("Klick"))});
+            POINT inside{5, 5};
+            ClientToScreen(window, &inside);
+            SetCursorPos(inside.x, inside.y);
+            HWND target = WindowFromPoint(inside);
+            if (!target || (target != window && !IsChild(window, target))) target = window;
+            POINT local = inside;
+            ScreenToClient(target, &local);
+            const LPARAM at = MAKELPARAM(local.x, local.y);
+            SendMessageW(target, WM_MOUSEMOVE, 0, at);
+            SendMessageW(target, WM_LBUTTONDOWN, MK_LBUTTON, at);
+            SendMessageW(target, WM_LBUTTONUP, 0, at);
+            bool clicked = false;
+            std::string heard;
+            for (const EventSink::Call& call : sink->calls) {
+                clicked = clicked || call.id == click->id;
+                heard += " " + std::to_string(call.id);
+            }
+            Check(clicked, group, info.name + " a click on its window raises Click; heard" + heard);
+            point->Unadvise(cookie);
+            sink->Release();
+        }
+
+        Check(ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, site.window, &moved) == S_OK &&
+                  site.uiActivated == 1,
+              group, info.name + " UI-activated");
+        CONTROLINFO controlInfo{};
+        controlInfo.cb = sizeof controlInfo;
+        Check(
+            SUCCEEDED(Query<IOleControl>(object.p, IID_IOleControl)->GetControlInfo(&controlInfo)),
+            group, info.name + " GetControlInfo");
+
+        // The designer's switch: the control is made again in the new mode, keeping its values.
+        const host::MemberInfo* persisted = nullptr;
+        for (const host::MemberInfo& m : info.members)
+            if (!persisted && m.persisted && m.type.code == host::TypeCode::String) persisted = &m;
+        if (persisted)
+            Dispatch(object.p, persisted->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant("Entwurf"))});
+        site.userMode = false;
+        Check(Query<IOleControl>(object.p, IID_IOleControl)
+                      ->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE) == S_OK,
+              group, info.name + " switches to design mode");
+        HWND designWindow = nullptr;
+        Query<IOleWindow>(object.p, IID_IOleWindow)->GetWindow(&designWindow);
+        Check(designWindow && designWindow != window && !IsWindow(window) &&
+                  GetParent(designWindow) == site.window && IsWindowVisible(designWindow),
+              group, info.name + " a new window in design mode, in the same place");
+        if (persisted)
+            Check(
+                Dispatch(object.p, persisted->dispId, DISPATCH_PROPERTYGET, {}).value.ToString() ==
+                    "Entwurf",
+                group, info.name + "." + persisted->name + " kept across the switch");
+
+        Query<IOleInPlaceObject>(object.p, IID_IOleInPlaceObject)->InPlaceDeactivate();
+        Check(site.deactivated == 1 && site.uiDeactivated == 1, group,
+              info.name + " deactivated, UI first");
+        Check(!IsWindowVisible(designWindow) && GetParent(designWindow) != site.window, group,
+              info.name + " its window waits hidden outside the site");
+        Check(ole->Close(OLECLOSE_NOSAVE) == S_OK && ole->SetClientSite(nullptr) == S_OK, group,
+              info.name + " closed");
+    }
+    Check(site.refs == 0, group, info.name + " lets go of its site");
+}
+
+// ---------------------------------------------------------------------------------------------
 // Persistence against the native bags
 
 // A bag's JSON with every font as OLE realises it: a font a container's bag holds is an OLE
@@ -889,6 +1161,7 @@ int main(int argc, char** argv) {
             CheckDispatch(server, entry);
             CheckEvents(server, entry);
             CheckWithoutInit(server, entry);
+            CheckInPlace(server, entry);
         }
         for (int i = 2; i + 1 < argc; i += 2) {
             try {
