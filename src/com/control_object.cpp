@@ -996,6 +996,29 @@ HRESULT ControlObject::GetExtent(DWORD aspect, LONG, DVTARGETDEVICE*, LPSIZEL si
 HRESULT ControlObject::QuickActivate(QACONTAINER* container, QACONTROL* control) {
     if (!container || !control) return E_POINTER;
     SetClientSite(container->pClientSite);
+    // A site that answers no ambient property through IDispatch hands them over here.
+    IDispatch* ambient = nullptr;
+    if (container->pClientSite && SUCCEEDED(container->pClientSite->QueryInterface(
+                                      IID_IDispatch, reinterpret_cast<void**>(&ambient))))
+        ambient->Release();
+    else {
+        ambient_.UserMode = (container->dwAmbientFlags & QACONTAINER_USERMODE) != 0;
+        ambient_.ForeColor = container->colorFore;
+        ambient_.BackColor = container->colorBack;
+        if (container->pFont) {
+            VARIANT font;
+            VariantInit(&font);
+            V_VT(&font) = VT_UNKNOWN;
+            V_UNKNOWN(&font) = container->pFont;
+            try {
+                const host::Variant read = ToHost(font);
+                if (read.Kind() == host::VarKind::Font && read.ToFont())
+                    ambient_.Font = read.ToFont();
+            } catch (const host::HostError&) {
+                // Not a font the host can read: the default stays.
+            }
+        }
+    }
     if (container->pAdviseSink) SetAdvise(DVASPECT_CONTENT, 0, container->pAdviseSink);
     control->cbSize = sizeof *control;
     control->dwEventCookie = 0;
