@@ -719,6 +719,20 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
     Check(points && SUCCEEDED(points->FindConnectionPoint(entry.eventIid, &point)), group,
           info.name + " event connection point");
     if (!point) return;
+    Ptr<IEnumConnectionPoints> all;
+    std::vector<IID> iids;
+    if (SUCCEEDED(points->EnumConnectionPoints(&all.p))) {
+        IConnectionPoint* each = nullptr;
+        while (all->Next(1, &each, nullptr) == S_OK) {
+            IID iid{};
+            each->GetConnectionInterface(&iid);
+            iids.push_back(iid);
+            each->Release();
+        }
+    }
+    Check(iids.size() == 2 && IsEqualIID(iids[0], entry.eventIid) &&
+              IsEqualIID(iids[1], IID_IPropertyNotifySink),
+          group, info.name + " EnumConnectionPoints: the events and IPropertyNotifySink");
     auto* sink = new EventSink(entry.eventIid);
     sink->writeFirst = true;
     DWORD cookie = 0;
