@@ -560,6 +560,71 @@ void CheckDispatch(const Server& server, const com::ClassEntry& entry) {
                   host::DisplayText(want.value));
     }
 
+    // A font handed out is the control's: a change made through it reaches the control, and
+    // only the attribute changed moves.
+    for (const host::MemberInfo& m : info.members) {
+        if (m.type.code != host::TypeCode::Font || m.kind != host::MemberInfo::Kind::Property)
+            continue;
+        // The face and size as the control keeps them, where the class shows them: a face the
+        // system lacks and a size between its pixel heights, which an OLE font would realise.
+        const host::MemberInfo* size = info.FindMember("FontSize");
+        const host::MemberInfo* face = info.FindMember("FontName");
+        if (size) {
+            HostPut(*control, *size, host::Variant(16.0f));
+            Dispatch(object.p, size->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant(16.0f))});
+        }
+        if (face) {
+            HostPut(*control, *face, host::Variant("Arial"));
+            Dispatch(object.p, face->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant("Arial"))});
+        }
+        const auto kept = [&] {
+            std::string text;
+            if (size)
+                text += host::DisplayText(
+                    Dispatch(object.p, size->dispId, DISPATCH_PROPERTYGET, {}).value);
+            if (face)
+                text += " " + host::DisplayText(
+                                  Dispatch(object.p, face->dispId, DISPATCH_PROPERTYGET, {}).value);
+            return text;
+        };
+        const std::string keptBefore = kept();
+        VARIANT font;
+        VariantInit(&font);
+        DISPPARAMS none{};
+        object->Invoke(m.dispId, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &font, nullptr, nullptr);
+        Ptr<IFont> ole =
+            Query<IFont>(V_VT(&font) == VT_DISPATCH ? V_DISPATCH(&font) : nullptr, IID_IFont);
+        const host::Variant before = Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value;
+        if (ole && before.ToFont()) {
+            ole->put_Bold(before.ToFont()->Bold() ? FALSE : TRUE);
+            ole->put_Italic(TRUE);
+            const host::Variant after =
+                Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value;
+            const auto f = after.ToFont();
+            Check(f && f->Bold() != before.ToFont()->Bold() && f->Italic() &&
+                      f->Size() == before.ToFont()->Size() && f->Name() == before.ToFont()->Name(),
+                  group, info.name + "." + m.name + " changed through the font it handed out");
+            Check(kept() == keptBefore, group,
+                  info.name + "." + m.name + " keeps its face and size: " + kept() + ", was " +
+                      keptBefore);
+            ole->put_Bold(before.ToFont()->Bold() ? TRUE : FALSE);
+            ole->put_Italic(before.ToFont()->Italic() ? TRUE : FALSE);
+            Check(
+                host::SameValue(Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value,
+                                before) ||
+                    Realized(*Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value.ToFont())
+                        .SameAttributes(Realized(*before.ToFont())),
+                group, info.name + "." + m.name + " changed back");
+        } else {
+            Check(false, group, info.name + "." + m.name + " reads as an OLE font");
+        }
+        VariantClear(&font);
+        Dispatch(object.p, m.dispId, DISPATCH_PROPERTYPUTREF,
+                 {ToVariant(HostGet(*control, m).value)});
+    }
+
     // Every writable property takes or refuses what the host takes or refuses, with its number;
     // a refused value changes nothing.
     for (const host::MemberInfo& m : info.members) {
