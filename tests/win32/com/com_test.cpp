@@ -1111,11 +1111,51 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
         Check(ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, site.window, &moved) == S_OK &&
                   site.uiActivated == 1,
               group, info.name + " UI-activated");
-        CONTROLINFO controlInfo{};
-        controlInfo.cb = sizeof controlInfo;
-        Check(
-            SUCCEEDED(Query<IOleControl>(object.p, IID_IOleControl)->GetControlInfo(&controlInfo)),
-            group, info.name + " GetControlInfo");
+        // Access keys: the container learns them from GetControlInfo, as the control declares
+        // them, and hands a mnemonic back through OnMnemonic.
+        if (const host::MemberInfo* caption = info.FindMember("Caption")) {
+            Ptr<IDispatch> local;
+            com::ControlObject::Create(entry, IID_IDispatch, reinterpret_cast<void**>(&local.p));
+            const std::shared_ptr<host::Control> reference =
+                static_cast<com::ControlObject*>(local.p)->HostControl();
+            HostPut(*reference, *caption, host::Variant("&Klick"));
+            Dispatch(object.p, caption->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant("&Klick"))});
+            const std::u32string keys = reference->AccessKeys();
+            CONTROLINFO controlInfo{};
+            controlInfo.cb = sizeof controlInfo;
+            Ptr<IOleControl> control = Query<IOleControl>(object.p, IID_IOleControl);
+            Check(SUCCEEDED(control->GetControlInfo(&controlInfo)) &&
+                      controlInfo.cAccel == keys.size(),
+                  group, info.name + " GetControlInfo lists its access keys");
+            std::vector<ACCEL> table(controlInfo.cAccel);
+            if (controlInfo.hAccel)
+                CopyAcceleratorTableW(controlInfo.hAccel, table.data(),
+                                      static_cast<int>(table.size()));
+            bool listed = keys.empty();
+            for (const ACCEL& a : table) listed = listed || (a.key == 'K' && (a.fVirt & FALT));
+            Check(listed, group, info.name + " Alt+K among its accelerators");
+            MSG mnemonic{window, WM_SYSKEYDOWN, 'K', 0, 0, {}};
+            auto* sink = new EventSink(entry.eventIid);
+            Ptr<IConnectionPoint> point;
+            Query<IConnectionPointContainer>(object.p, IID_IConnectionPointContainer)
+                ->FindConnectionPoint(entry.eventIid, &point);
+            DWORD cookie = 0;
+            point->Advise(sink, &cookie);
+            const HRESULT taken = control->OnMnemonic(&mnemonic);
+            point->Unadvise(cookie);
+            Check(taken == (keys.empty() ? S_FALSE : S_OK), group,
+                  info.name + " OnMnemonic " + Hex(taken));
+            // A button-like control clicks itself on its access key.
+            if (info.name == "Button") {
+                const host::EventInfo* click = info.FindEvent("Click");
+                bool clicked = false;
+                for (const EventSink::Call& call : sink->calls)
+                    clicked = clicked || call.id == click->id;
+                Check(clicked, group, info.name + " its access key clicks it");
+            }
+            sink->Release();
+        }
 
         // The designer's switch: the control is made again in the new mode, keeping its values.
         const host::MemberInfo* persisted = nullptr;
