@@ -1050,27 +1050,51 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
                   extent.cy == MulDiv((now.bottom - now.top) * 15, 2540, 1440),
               group, info.name + " extent in himetric");
 
-        // Drawn into a device context of the container's.
-        const BITMAPINFO bi{{sizeof(BITMAPINFOHEADER), 200, -100, 1, 32, BI_RGB, 0, 0, 0, 0, 0},
-                            {}};
-        void* bits = nullptr;
-        HDC dc = CreateCompatibleDC(nullptr);
-        HBITMAP bitmap = CreateDIBSection(dc, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
-        HGDIOBJ old = SelectObject(dc, bitmap);
-        std::memset(bits, 0x5A, 200 * 100 * 4);
-        const RECTL bounds{0, 0, 120, 40};
-        const HRESULT drawn = Query<IViewObject2>(object.p, IID_IViewObject2)
-                                  ->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc,
-                                         &bounds, nullptr, nullptr, 0);
-        GdiFlush();
+        // Drawn into a device context of the container's: at its own size, and at twice that,
+        // where every pixel is its own pixel doubled.
+        const int w = now.right - now.left;
+        const int h = now.bottom - now.top;
+        const auto draw = [&](int scale, std::vector<std::uint32_t>& pixels) {
+            const BITMAPINFO bi{
+                {sizeof(BITMAPINFOHEADER), 2 * w + 8, -(2 * h + 8), 1, 32, BI_RGB, 0, 0, 0, 0, 0},
+                {}};
+            void* bits = nullptr;
+            HDC dc = CreateCompatibleDC(nullptr);
+            HBITMAP bitmap = CreateDIBSection(dc, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
+            HGDIOBJ old = SelectObject(dc, bitmap);
+            std::memset(bits, 0x5A, static_cast<std::size_t>((2 * w + 8) * (2 * h + 8) * 4));
+            const RECTL bounds{0, 0, scale * w, scale * h};
+            const HRESULT hr = Query<IViewObject2>(object.p, IID_IViewObject2)
+                                   ->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc,
+                                          &bounds, nullptr, nullptr, 0);
+            GdiFlush();
+            const auto* p = static_cast<const std::uint32_t*>(bits);
+            pixels.assign(p, p + (2 * w + 8) * (2 * h + 8));
+            SelectObject(dc, old);
+            DeleteObject(bitmap);
+            DeleteDC(dc);
+            return hr;
+        };
+        std::vector<std::uint32_t> natural;
+        std::vector<std::uint32_t> doubled;
+        const HRESULT drawn = draw(1, natural);
         int painted = 0;
-        for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 120; ++x)
-                if (static_cast<const std::uint32_t*>(bits)[y * 200 + x] != 0x5A5A5A5Au) ++painted;
-        Check(drawn == S_OK && painted > 0, group, info.name + " IViewObject::Draw paints");
-        SelectObject(dc, old);
-        DeleteObject(bitmap);
-        DeleteDC(dc);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x)
+                if (natural[static_cast<std::size_t>(y * (2 * w + 8) + x)] != 0x5A5A5A5Au)
+                    ++painted;
+        Check(drawn == S_OK && painted == w * h, group,
+              info.name + " IViewObject::Draw paints its whole rectangle");
+        int same = 0;
+        if (draw(2, doubled) == S_OK)
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x)
+                    if (doubled[static_cast<std::size_t>(2 * y * (2 * w + 8) + 2 * x)] ==
+                        natural[static_cast<std::size_t>(y * (2 * w + 8) + x)])
+                        ++same;
+        Check(same == w * h, group,
+              info.name + " drawn at twice its size: " + std::to_string(same) + " of " +
+                  std::to_string(w * h) + " pixels");
 
         // A click on its window reaches the event sink.
         if (const host::EventInfo* click = info.FindEvent("Click")) {
