@@ -703,7 +703,8 @@ HRESULT ControlObject::DoVerb(LONG verb, LPMSG, IOleClientSite* activeSite, LONG
             }
             return S_OK;
         default:
-            return OLEOBJ_S_INVALIDVERB;
+            // Verbs of its own it has none; the standard ones it does not take are not there.
+            return verb > 0 ? OLEOBJ_S_INVALIDVERB : E_NOTIMPL;
     }
 }
 
