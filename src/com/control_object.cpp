@@ -201,7 +201,6 @@ void ControlObject::EnsureControl(host::PropertyBag* bag) {
     if (control_) return;
     const HWND site = SiteWindow();
     parent_ = site ? context_->Platform().AdoptWindow(site) : platform::HWND{};
-    if (!site) position_ = RECT{};
     host::HostContext& host = context_->Host();
     std::shared_ptr<host::Control> control;
     {
