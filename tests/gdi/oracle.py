@@ -70,6 +70,8 @@ def setup(args):
     prefix.parent.mkdir(parents=True, exist_ok=True)
     print(f"+ WINEPREFIX={prefix} {wine} wineboot -i", flush=True)
     status, text = run([wine, "wineboot", "-i"], env=wine_env(prefix), timeout=600)
+    # The server writes the registry when it exits, which may be after wineboot returns.
+    wineserver(wine, prefix, "-w")
     if status != 0 or not (prefix / "system.reg").exists():
         stop_wineserver(wine, prefix)
         print(text)
