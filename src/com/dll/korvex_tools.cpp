@@ -9,11 +9,6 @@ BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         korvex::com::SetModule(instance);
         DisableThreadLibraryCalls(instance);
-    } else if (reason == DLL_PROCESS_DETACH && !reserved) {
-        // Unloaded while the process goes on (DllCanUnloadNow said yes, so no window is left):
-        // the platform's window classes go with the code of their window procedures.
-        UnregisterClassW(L"KorvexWindow", instance);
-        UnregisterClassW(L"KorvexMessages", instance);
     }
     return TRUE;
 }

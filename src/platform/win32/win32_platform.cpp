@@ -24,19 +24,6 @@ LRESULT CALLBACK MessageProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
 
 // The message-only window that carries the system's timers and the wake-up for posted work.
 ::HWND CreateMessageWindow(void* owner) {
-<<<<<<< HEAD
-=======
-    static const bool registered = [] {
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof(wc);
-        wc.lpfnWndProc = MessageProc;
-        wc.cbWndExtra = sizeof(void*);
-        wc.hInstance = CodeModule();
-        wc.lpszClassName = kMessageClass;
-        return ::RegisterClassExW(&wc) != 0;
-    }();
-    (void)registered;
->>>>>>> wt-com
     ::HWND hwnd =
         ::CreateWindowExW(0, kMessageClass, L"", 0, 0, 0, 0, 0, korvex_win32_native::kMessageOnly,
                           nullptr, CodeModule(), nullptr);

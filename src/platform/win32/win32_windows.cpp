@@ -32,26 +32,6 @@ LRESULT CALLBACK WindowProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lPa
     return result;
 }
 
-<<<<<<< HEAD
-=======
-void RegisterWindowClass() {
-    static const bool registered = [] {
-        WNDCLASSEXW wc{};
-        wc.cbSize = sizeof(wc);
-        // Double clicks arrive as such from real input; the client area is erased by the
-        // painting itself (the window colour under OnPaint), so there is no class brush.
-        wc.style = CS_DBLCLKS;
-        wc.lpfnWndProc = WindowProc;
-        wc.cbWndExtra = sizeof(void*);
-        wc.hInstance = CodeModule();
-        wc.hCursor = nullptr;  // WM_SETCURSOR sets the window's own
-        wc.lpszClassName = kWindowClass;
-        return ::RegisterClassExW(&wc) != 0;
-    }();
-    (void)registered;
-}
-
->>>>>>> wt-com
 DWORD StyleOf(WindowStyle style) {
     if (style.child) return WS_CHILD | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
     DWORD ws = WS_POPUP | WS_CLIPSIBLINGS | WS_CLIPCHILDREN;
@@ -235,11 +215,7 @@ HWND Win32Windows::CreateWindow(HWND parent, const RECT& position, WindowStyle s
     ::HWND native = ::CreateWindowExW(exStyle, kWindowClass, Widen(title).c_str(),
                                       StyleOf({style.child, style.topmost, w.caption}),
                                       position.left, position.top, width, height, parentNative,
-<<<<<<< HEAD
                                       nullptr, static_cast<HINSTANCE>(CodeModule()), this);
-=======
-                                      nullptr, CodeModule(), this);
->>>>>>> wt-com
     creating_ = 0;
     if (!native) {
         windows_.erase(id);
