@@ -26,7 +26,7 @@ LRESULT CALLBACK MessageProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
 ::HWND CreateMessageWindow(void* owner) {
     ::HWND hwnd =
         ::CreateWindowExW(0, kMessageClass, L"", 0, 0, 0, 0, 0, korvex_win32_native::kMessageOnly,
-                          nullptr, CodeModule(), nullptr);
+                          nullptr, static_cast<HINSTANCE>(CodeModule()), nullptr);
     if (hwnd) ::SetWindowLongPtrW(hwnd, 0, reinterpret_cast<LONG_PTR>(owner));
     return hwnd;
 }
