@@ -1,0 +1,85 @@
+"""What the hosts' tests share: finding korvex_tools.dll in the MinGW tree, registering it per user
+in the Wine prefix (and always removing it again), running a Windows program with its output in
+a file, and the native korvex tool's rendering of a one-control form."""
+
+import json
+import subprocess
+import sys
+import tempfile
+from contextlib import contextmanager
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
+from wine import SKIP, find_wine, stop_wineserver, wine_env  # noqa: E402,F401
+
+TWIPS_PER_PIXEL = 15
+
+
+def skip(message):
+    print(f"SKIPPED: {message}")
+    return SKIP
+
+
+def windows_path(path):
+    """Wine maps Z: to the Unix root."""
+    return "Z:" + str(Path(path).resolve()).replace("/", "\\")
+
+
+def find_dll(mingw):
+    found = sorted(Path(mingw).glob("**/korvex_tools.dll"))
+    return found[0] if found else None
+
+
+def run(command, env=None, timeout=120):
+    """Output through a file, not a pipe: Wine's helper processes inherit the descriptors and
+    outlive the program, so reading a pipe to its end would wait for them."""
+    with tempfile.TemporaryFile(mode="w+", encoding="utf-8", errors="replace") as output:
+        try:
+            result = subprocess.run(command, env=env, check=False, stdout=output,
+                                    stderr=subprocess.STDOUT, timeout=timeout)
+            status = result.returncode
+        except subprocess.TimeoutExpired:
+            status = None
+        output.seek(0)
+        return status, output.read()
+
+
+def run_wine(wine, prefix, program, *args, timeout=120):
+    return run([wine, str(program), *map(str, args)], env=wine_env(prefix), timeout=timeout)
+
+
+@contextmanager
+def registered(wine, prefix, dll):
+    """korvex_tools.dll registered for the current user only, the way INSTALL.txt tells a user
+    without administrator rights; unregistered on the way out, whatever happened."""
+    status, text = run_wine(wine, prefix, "regsvr32", "/n", "/i:user", windows_path(dll))
+    try:
+        if status != 0:
+            raise RuntimeError(f"regsvr32 /n /i:user failed with status {status}:\n{text}")
+        yield
+    finally:
+        run_wine(wine, prefix, "regsvr32", "/u", "/n", "/i:user", windows_path(dll))
+
+
+def one_control_form(progid, width, height, properties, name="C"):
+    """A form holding one control at the top-left corner of its client area, sized in pixels."""
+    return {
+        "Form": {"Name": "F", "Caption": "F", "Width": (width + 40) * TWIPS_PER_PIXEL,
+                 "Height": (height + 60) * TWIPS_PER_PIXEL},
+        "Controls": [{"ProgID": progid, "Name": name, "Left": 0, "Top": 0,
+                      "Width": width * TWIPS_PER_PIXEL, "Height": height * TWIPS_PER_PIXEL,
+                      "TabIndex": 0, "Properties": properties}],
+    }
+
+
+def native_snapshot(korvex, out_dir, stem, progid, width, height, properties):
+    """The simulated backend's picture of the control window, through `korvex run`'s snapshot."""
+    out_dir = Path(out_dir)
+    form = out_dir / f"{stem}.form.json"
+    script = out_dir / f"{stem}.script.txt"
+    form.write_text(json.dumps(one_control_form(progid, width, height, properties), indent=1))
+    script.write_text(f"snapshot {stem}.sim.png C\n")
+    status, text = run([str(korvex), "run", str(form), "--script", str(script), "--out", str(out_dir)])
+    if status != 0:
+        raise RuntimeError(f"korvex run {form} failed ({status}):\n{text}")
+    return out_dir / f"{stem}.sim.png"
