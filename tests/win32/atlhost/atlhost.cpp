@@ -53,7 +53,8 @@ bool LoadAtl(Atl& atl) {
 
 std::wstring Widen(const std::string& text) {
     if (text.empty()) return {};
-    const int n = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
+    const int n =
+        MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), nullptr, 0);
     std::wstring out(static_cast<std::size_t>(n), L'\0');
     MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), out.data(), n);
     return out;
@@ -137,12 +138,14 @@ std::string Failure(HRESULT hr, EXCEPINFO& info) {
 DISPID IdOf(IDispatch* object, const std::wstring& name) {
     DISPID id = DISPID_UNKNOWN;
     LPOLESTR names[] = {const_cast<LPOLESTR>(name.c_str())};
-    if (FAILED(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id))) return DISPID_UNKNOWN;
+    if (FAILED(object->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id)))
+        return DISPID_UNKNOWN;
     return id;
 }
 
 // Sets and reads back one property; returns the line to print, and whether it worked.
-bool SetProperty(IDispatch* object, const std::string& name, const std::string& text, std::string& line) {
+bool SetProperty(IDispatch* object, const std::string& name, const std::string& text,
+                 std::string& line) {
     const DISPID id = IdOf(object, Widen(name));
     if (id == DISPID_UNKNOWN) {
         line = "no member " + name;
@@ -156,7 +159,8 @@ bool SetProperty(IDispatch* object, const std::string& name, const std::string& 
     DISPID named = DISPID_PROPERTYPUT;
     DISPPARAMS put{&value, &named, 1, 1};
     EXCEPINFO info{};
-    HRESULT hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &put, nullptr, &info, nullptr);
+    HRESULT hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &put,
+                                nullptr, &info, nullptr);
     VariantClear(&value);
     if (FAILED(hr)) {
         line = name + " = " + text + ": " + Failure(hr, info);
@@ -166,7 +170,8 @@ bool SetProperty(IDispatch* object, const std::string& name, const std::string& 
     VARIANT result;
     VariantInit(&result);
     EXCEPINFO getInfo{};
-    hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result, &getInfo, nullptr);
+    hr = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none, &result,
+                        &getInfo, nullptr);
     if (FAILED(hr)) {
         line = name + " read back: " + Failure(hr, getInfo);
         return false;
@@ -240,8 +245,9 @@ HWND CreateFrame(int width, int height) {
     frameClass.hbrBackground = reinterpret_cast<HBRUSH>(COLOR_BTNFACE + 1);
     frameClass.lpszClassName = L"KorvexAtlHostFrame";
     RegisterClassW(&frameClass);
-    HWND frame = CreateWindowExW(0, frameClass.lpszClassName, L"ATL host", WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN,
-                                 0, 0, width, height, nullptr, nullptr, frameClass.hInstance, nullptr);
+    HWND frame = CreateWindowExW(0, frameClass.lpszClassName, L"ATL host",
+                                 WS_OVERLAPPEDWINDOW | WS_CLIPCHILDREN, 0, 0, width, height,
+                                 nullptr, nullptr, frameClass.hInstance, nullptr);
     ShowWindow(frame, SW_SHOW);
     return frame;
 }
@@ -253,10 +259,12 @@ struct Hosted {
     std::string error;
 };
 
-Hosted Host(const Atl& atl, HWND frame, const std::wstring& progId, int x, int y, int width, int height) {
+Hosted Host(const Atl& atl, HWND frame, const std::wstring& progId, int x, int y, int width,
+            int height) {
     Hosted hosted;
-    HWND axWindow = CreateWindowExW(0, L"AtlAxWin", progId.c_str(), WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, x, y,
-                                    width, height, frame, nullptr, GetModuleHandleW(nullptr), nullptr);
+    HWND axWindow =
+        CreateWindowExW(0, L"AtlAxWin", progId.c_str(), WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN, x,
+                        y, width, height, frame, nullptr, GetModuleHandleW(nullptr), nullptr);
     if (!axWindow) {
         hosted.error = "no AtlAxWin window";
         return hosted;
@@ -326,9 +334,11 @@ int Shots(const Atl& atl, const char* casesPath, const std::string& outDir) {
             continue;
         }
         ++made;
-        std::printf("%s: %s created, in-place active in a %dx%d window\n", name.c_str(), w[1].c_str(), width, height);
+        std::printf("%s: %s created, in-place active in a %dx%d window\n", name.c_str(),
+                    w[1].c_str(), width, height);
         IDispatch* object = nullptr;
-        if (FAILED(hosted.control->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&object)))) {
+        if (FAILED(
+                hosted.control->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&object)))) {
             std::printf("%s: no IDispatch\n", name.c_str());
             ++failures;
         }
@@ -360,9 +370,11 @@ int Shots(const Atl& atl, const char* casesPath, const std::string& outDir) {
     }
     DestroyWindow(frame);
     Pump();
-    std::printf("atlhost: %d controls created and in-place active, %d properties set and read back, %d windows printed, "
-                "%d failures\n",
-                made, properties, shots, failures);
+    std::printf(
+        "atlhost: %d controls created and in-place active, %d properties set and read back, %d "
+        "windows printed, "
+        "%d failures\n",
+        made, properties, shots, failures);
     return failures ? 1 : 0;
 }
 
@@ -387,9 +399,12 @@ int Bench(const Atl& atl, int count, const std::wstring& progId) {
     }
     Pump();
     QueryPerformanceCounter(&end);
-    const double ms = 1000.0 * static_cast<double>(end.QuadPart - start.QuadPart) / static_cast<double>(frequency.QuadPart);
-    std::printf("bench: %d of %d %s created and in-place activated in the ATL host in %.1f ms (%.2f ms each)\n", active,
-                count, Narrow(progId.c_str()).c_str(), ms, ms / count);
+    const double ms = 1000.0 * static_cast<double>(end.QuadPart - start.QuadPart) /
+                      static_cast<double>(frequency.QuadPart);
+    std::printf(
+        "bench: %d of %d %s created and in-place activated in the ATL host in %.1f ms (%.2f ms "
+        "each)\n",
+        active, count, Narrow(progId.c_str()).c_str(), ms, ms / count);
     for (IUnknown* control : controls) control->Release();
     DestroyWindow(frame);
     Pump();
@@ -409,7 +424,8 @@ int main(int argc, char** argv) {
         std::printf("SKIPPED: atl.dll or its AtlAxWinInit is not available\n");
         return 77;
     }
-    const int status = mode == "shots" ? Shots(atl, argv[2], argv[3]) : Bench(atl, std::atoi(argv[2]), Widen(argv[3]));
+    const int status = mode == "shots" ? Shots(atl, argv[2], argv[3])
+                                       : Bench(atl, std::atoi(argv[2]), Widen(argv[3]));
     std::fflush(stdout);
     OleUninitialize();
     return status;

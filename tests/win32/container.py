@@ -1,0 +1,151 @@
+#!/usr/bin/env python3
+"""korvex_tools.dll in a container of our own (tests/win32/container), under Wine.
+
+  container.py --korvex EXE --container EXE --mingw DIR --prefix DIR --out DIR
+
+The container prints its own checks (ok/FAIL lines: design and run mode through the UserMode
+ambient, the bag and stream round trips, events by reference, the about box); this driver adds
+the comparisons with the native korvex tool:
+  - what each control saves into the container's property bag after loading the case's
+    properties must be exactly what `korvex bag` prints for the same form file entry: the same
+    keys in the same order, the same values and kinds;
+  - the events and property changes that mouse and key messages to a Button's windows raise
+    must be the lines `korvex run` prints for the same steps on the simulated platform.
+
+Exit status 0 all passed, 1 a failure, 77 without Wine, the container program or the DLL.
+"""
+
+import argparse
+import json
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+from hosts import (TWIPS_PER_PIXEL, find_dll, find_wine, registered, run, run_wine, skip,  # noqa: E402
+                   stop_wineserver, windows_path)
+
+# One entry per public control, in the form file's encoding.
+BAGS = [
+    {"Name": "Button", "ProgID": "Korvex_Tools.Button",
+     "Properties": {"Caption": "Senden", "OptionMode": 2, "ButtonColor": 12632319, "ToolTipText": "Schicken"}},
+    {"Name": "Label3D", "ProgID": "Korvex_Tools.Label3D",
+     "Properties": {"Caption": "Titel", "Shadow": False, "TextColor": 8388608}},
+    {"Name": "Frames", "ProgID": "Korvex_Tools.Frames",
+     "Properties": {"Caption": "Gruppe", "BorderStyle": {"Integer": 3}, "Alignment": 1}},
+    {"Name": "Hyperlink", "ProgID": "Korvex_Tools.Hyperlink",
+     "Properties": {"Caption": "korvex", "Url": "about:blank", "LinkColor": 255}},
+    {"Name": "Line3D", "ProgID": "Korvex_Tools.Line3D",
+     "Properties": {"BorderWidth": {"Integer": 3}, "Orientation": {"Integer": 1}}},
+    {"Name": "Icons", "ProgID": "Korvex_Tools.Icons", "Properties": {}},
+]
+
+# The container's input section on the simulated platform: the same Button, the same steps.
+INPUT_BUTTON = {"ProgID": "Korvex_Tools.Button", "Name": "C", "Left": 0, "Top": 0,
+                "Width": 120 * TWIPS_PER_PIXEL, "Height": 40 * TWIPS_PER_PIXEL, "TabIndex": 0,
+                "Properties": {"Caption": "Senden", "ButtonShow": 18, "BorderStyle": 5}}
+INPUT_SCRIPT = "move C 10 6\ndown\nup\nfocus C\ntype a\n"
+
+
+def form_of(controls):
+    return {"Form": {"Name": "F", "Caption": "F", "Width": 12000, "Height": 9000}, "Controls": controls}
+
+
+def native_bags(korvex, out):
+    controls = []
+    for i, entry in enumerate(BAGS):
+        controls.append({"ProgID": entry["ProgID"], "Name": entry["Name"], "Left": 120, "Top": 120 + 700 * i,
+                         "Width": 1500, "Height": 450, "TabIndex": i, "Properties": entry["Properties"]})
+    form = out / "bags.form.json"
+    form.write_text(json.dumps(form_of(controls), indent=1))
+    status, text = run([str(korvex), "bag", str(form)])
+    if status != 0:
+        raise RuntimeError(f"korvex bag failed ({status}):\n{text}")
+    return json.loads(text)
+
+
+def native_input(korvex, out):
+    form, script = out / "input.form.json", out / "input.txt"
+    form.write_text(json.dumps(form_of([INPUT_BUTTON]), indent=1))
+    script.write_text(INPUT_SCRIPT)
+    status, text = run([str(korvex), "run", str(form), "--script", str(script), "--out", str(out)])
+    if status != 0:
+        raise RuntimeError(f"korvex run failed ({status}):\n{text}")
+    return [line for line in text.splitlines() if line.startswith(("event ", "changed "))]
+
+
+def section(lines, start, end):
+    inside, found = False, []
+    for line in lines:
+        if line == start:
+            inside = True
+        elif line == end or line.startswith("section "):
+            inside = False
+        elif inside and line.startswith(("event ", "changed ")):
+            found.append(line)
+    return found
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    for name in ("korvex", "container", "mingw", "prefix", "out"):
+        parser.add_argument(f"--{name}", required=True)
+    args = parser.parse_args()
+
+    wine = find_wine()
+    if wine is None:
+        return skip("wine not found")
+    program = Path(args.container)
+    if not program.exists():
+        return skip(f"{program} not built (the MinGW tree is made by gdi-oracle-setup)")
+    dll = find_dll(args.mingw)
+    if dll is None:
+        return skip(f"no korvex_tools.dll in {args.mingw}")
+    prefix, out = Path(args.prefix), Path(args.out)
+    out.mkdir(parents=True, exist_ok=True)
+    cases, saved = out / "cases.json", out / "saved.json"
+    cases.write_text(json.dumps({"bags": BAGS}, indent=1))
+    saved.unlink(missing_ok=True)
+    try:
+        with registered(wine, prefix, dll):
+            status, text = run_wine(wine, prefix, program, windows_path(cases), windows_path(saved), timeout=180)
+    finally:
+        stop_wineserver(wine, prefix)
+    lines = text.replace("\r\n", "\n").splitlines()
+    print("\n".join(lines))
+    failed = status != 0
+    if status is None:
+        print("the container did not finish within 180 s")
+
+    # The bags, against korvex bag.
+    expected = native_bags(args.korvex, out)
+    got = json.loads(saved.read_text()) if saved.exists() else {}
+    equal = 0
+    for entry in BAGS:
+        name = entry["Name"]
+        mine, theirs = got.get(name), expected.get(name)
+        if mine == theirs:
+            equal += 1
+            print(f"  bag {name}: the same {len(theirs)} keys and values as korvex bag: {', '.join(theirs)}")
+        else:
+            failed = True
+            print(f"  MISMATCH bag {name}:\n    container  {json.dumps(mine)}\n    korvex bag {json.dumps(theirs)}")
+
+    # Input, against korvex run.
+    native = native_input(args.korvex, out)
+    hosted = section(lines, "input: mouse", "by reference:")
+    if hosted == native:
+        print(f"  input: the {len(native)} events and changes equal the simulated run's")
+    else:
+        failed = True
+        print("  MISMATCH input:\n    container:\n" + "".join(f"      {line}\n" for line in hosted)
+              + "    simulated run:\n" + "".join(f"      {line}\n" for line in native))
+    oks = sum(line.startswith("ok ") for line in lines)
+    fails = sum(line.startswith("FAIL") for line in lines)
+    print(f"container: {oks} checks passed and {fails} failed in the container, {equal} of {len(BAGS)} bags as "
+          f"korvex bag saves them, input {'equal to' if hosted == native else 'different from'} the simulated run "
+          f"({len(native)} lines)")
+    return 1 if failed or fails else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
