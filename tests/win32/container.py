@@ -43,6 +43,7 @@ BAGS = [
 INPUT_BUTTON = {"ProgID": "Korvex_Tools.Button", "Name": "C", "Left": 0, "Top": 0,
                 "Width": 120 * TWIPS_PER_PIXEL, "Height": 40 * TWIPS_PER_PIXEL, "TabIndex": 0,
                 "Properties": {"Caption": "Senden", "ButtonShow": 18, "BorderStyle": 5}}
+STOCK = "Shell.Explorer.2"
 INPUT_SCRIPT = "move C 10 6\ndown\nup\nfocus C\ntype a\n"
 
 
@@ -97,11 +98,18 @@ def main():
     program = Path(args.container)
     if not program.exists():
         return skip(f"{program} not built (the MinGW tree is made by gdi-oracle-setup)")
+    prefix, out = Path(args.prefix), Path(args.out)
+    out.mkdir(parents=True, exist_ok=True)
+    # The site on a control Wine provides first, so a broken container shows as such.
+    status, text = run_wine(wine, prefix, program, "--stock", STOCK, timeout=120)
+    stop_wineserver(wine, prefix)
+    print(text.rstrip())
+    if status != 0:
+        print(f"the container failed on Wine's own {STOCK}")
+        return 1
     dll = find_dll(args.mingw)
     if dll is None:
         return skip(f"no korvex_tools.dll in {args.mingw}")
-    prefix, out = Path(args.prefix), Path(args.out)
-    out.mkdir(parents=True, exist_ok=True)
     cases, saved = out / "cases.json", out / "saved.json"
     cases.write_text(json.dumps({"bags": BAGS}, indent=1))
     saved.unlink(missing_ok=True)
