@@ -64,6 +64,11 @@ struct Win32Gdi::Handles {
         dcIds.emplace(dc, id);
         return HDC{id};
     }
+    void ForgetDc(HDC dc) {
+        if (dc.value < 1 || dc.value > dcs.size()) return;
+        dcIds.erase(dcs[dc.value - 1]);
+        dcs[dc.value - 1] = nullptr;
+    }
     ::HDC Dc(HDC dc) const {
         return dc.value >= 1 && dc.value <= dcs.size() ? dcs[dc.value - 1] : nullptr;
     }
@@ -450,12 +455,31 @@ bool Win32Gdi::SetSysColors(std::span<const int> indices, std::span<const COLORR
     return ::SetSysColors(static_cast<int>(i.size()), i.data(), c.data()) != FALSE;
 }
 
+// No device context asks about the screen, as the controls do for its resolution.
 int Win32Gdi::GetDeviceCaps(HDC dc, int index) {
+    if (!dc) {
+        ::HDC screen = ::GetDC(nullptr);
+        const int value = ::GetDeviceCaps(screen, index);
+        ::ReleaseDC(nullptr, screen);
+        return value;
+    }
     return ::GetDeviceCaps(handles_->Dc(dc), index);
 }
 
 std::uintptr_t Win32Gdi::NativeHandle(HDC dc) {
     return reinterpret_cast<std::uintptr_t>(handles_->Dc(dc));
+}
+
+HDC Win32Gdi::AdoptDC(void* nativeDC) {
+    return handles_->WrapDc(static_cast<::HDC>(nativeDC));
+}
+
+void Win32Gdi::ReleaseAdoptedDC(HDC dc) {
+    handles_->ForgetDc(dc);
+}
+
+void* Win32Gdi::NativeObject(HGDIOBJ object) const {
+    return handles_->Unwrap(object);
 }
 
 }  // namespace korvex::platform::win32

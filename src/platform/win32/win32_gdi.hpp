@@ -92,6 +92,13 @@ class Win32Gdi final : public Gdi {
     int GetDeviceCaps(HDC dc, int index) override;
     [[nodiscard]] std::uintptr_t NativeHandle(HDC dc) override;
 
+    // The window backend's side: a device context made elsewhere (BeginPaint's, a host's) as a
+    // handle of ours until released, which forgets it without deleting it; and the system's
+    // object behind one of our handles (SetWindowRgn hands a region over).
+    HDC AdoptDC(void* nativeDC);
+    void ReleaseAdoptedDC(HDC dc);
+    [[nodiscard]] void* NativeObject(HGDIOBJ object) const;
+
   private:
     // Win32 handles are pointers; ours are 32-bit numbers, so both directions go through tables.
     struct Handles;

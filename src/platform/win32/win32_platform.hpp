@@ -21,6 +21,9 @@ struct Win32Options {
     // virtual and moves only through the driver face, as on the portable platform. A control
     // library inside a real host runs on the system's time.
     bool virtualTime = false;
+    // Nothing reaches the machine: sounds are not played and the shell opens nothing, answering
+    // as if it had (a scripted run, a test). Checks of the arguments still apply.
+    bool dryRun = false;
 };
 
 class Win32Platform final : public Platform {

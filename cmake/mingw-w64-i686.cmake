@@ -1,0 +1,15 @@
+# Cross build for 32-bit Windows with MinGW-w64 (Debian/Ubuntu: g++-mingw-w64-i686). Classic form
+# designers are 32-bit processes and load only 32-bit in-process controls.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR i686)
+
+set(KORVEX_MINGW_PREFIX i686-w64-mingw32)
+find_program(CMAKE_C_COMPILER NAMES ${KORVEX_MINGW_PREFIX}-gcc REQUIRED)
+find_program(CMAKE_CXX_COMPILER NAMES ${KORVEX_MINGW_PREFIX}-g++ ${KORVEX_MINGW_PREFIX}-g++-posix REQUIRED)
+find_program(CMAKE_RC_COMPILER NAMES ${KORVEX_MINGW_PREFIX}-windres windres)
+
+set(CMAKE_FIND_ROOT_PATH /usr/${KORVEX_MINGW_PREFIX})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)

@@ -1,0 +1,20 @@
+#pragma once
+// VARIANT and host::Variant. Numbers keep their kind (VT_I2 Integer, VT_I4 Long, VT_R4 Single,
+// ...), texts are BSTR's UTF-16 and the host's UTF-8, booleans VARIANT_BOOL, colours the Long
+// with the same bits, fonts stdole's IFontDisp and pictures IPictureDisp. A value the host has
+// no kind for is its error 13.
+
+#include "host/variant.hpp"
+#include "com/win.hpp"
+
+namespace korvex::com {
+
+// Reads through VT_BYREF. An omitted optional argument (VT_ERROR DISP_E_PARAMNOTFOUND) is
+// Missing.
+host::Variant ToHost(const VARIANT& value);
+// `out` must be empty (VariantInit) or hold nothing that needs freeing.
+void ToVariant(const host::Variant& value, VARIANT* out);
+// Stores `value` where a by-reference argument points, in that argument's own type.
+void WriteBack(const host::Variant& value, VARIANT* target);
+
+}  // namespace korvex::com
