@@ -23,6 +23,7 @@ so a broken host shows as such and not as a fault of the library. Exit status 0 
 
 import argparse
 import sys
+import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent))
@@ -142,7 +143,7 @@ def shots(args):
         dll = find_dll(args.mingw)
         if dll is None:
             return skip(f"no korvex_tools.dll in {args.mingw}")
-        with registered(wine, prefix, dll):
+        with registered(wine, prefix, dll, out):
             status, text = run_host(wine, prefix, host, out, "cases",
                                     [case_line(*case[:5]) for case in CASES])
         failed = status != 0
@@ -173,7 +174,7 @@ def bench(args):
         return skip(f"no korvex_tools.dll in {args.mingw}")
     prefix = Path(args.prefix)
     try:
-        with registered(wine, prefix, dll):
+        with tempfile.TemporaryDirectory() as scratch, registered(wine, prefix, dll, scratch):
             status, text = run_wine(wine, prefix, host, "bench", args.count, "Korvex_Tools.Button", timeout=300)
         print(text.rstrip())
         return 0 if status == 0 else 1

@@ -114,7 +114,7 @@ def main():
     cases.write_text(json.dumps({"bags": BAGS}, indent=1))
     saved.unlink(missing_ok=True)
     try:
-        with registered(wine, prefix, dll):
+        with registered(wine, prefix, dll, out):
             status, text = run_wine(wine, prefix, program, windows_path(cases), windows_path(saved), timeout=180)
     finally:
         stop_wineserver(wine, prefix)

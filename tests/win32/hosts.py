@@ -48,17 +48,65 @@ def run_wine(wine, prefix, program, *args, timeout=120):
     return run([wine, str(program), *map(str, args)], env=wine_env(prefix), timeout=timeout)
 
 
+PUBLIC_CLASSES = ("Button", "Frames", "Hyperlink", "Label3D", "Line3D", "Icons")
+
+
+def registry_keys(wine, prefix, root, out_dir):
+    """The key names under a registry key, through `reg export` (which writes UTF-16)."""
+    exported = Path(out_dir) / "exported.reg"
+    exported.unlink(missing_ok=True)
+    run_wine(wine, prefix, "reg", "export", root, windows_path(exported), "/y")
+    if not exported.exists():
+        return set()
+    text = exported.read_bytes().decode("utf-16", errors="replace")
+    return {line[1:-1].lower() for line in text.splitlines() if line.startswith("[") and line.endswith("]")}
+
+
+def progid_keys(root):
+    return {f"{root}\\korvex_tools.{name.lower()}{suffix}" for name in PUBLIC_CLASSES for suffix in ("", ".1")}
+
+
 @contextmanager
-def registered(wine, prefix, dll):
-    """korvex_tools.dll registered for the current user only, the way INSTALL.txt tells a user
-    without administrator rights; unregistered on the way out, whatever happened."""
+def registered(wine, prefix, dll, out_dir):
+    """korvex_tools.dll registered for the current user, the way INSTALL.txt tells a user without
+    administrator rights: the ProgIDs must appear under HKCU\\Software\\Classes and leave it again
+    when unregistered. Wine's COM reads classes from HKEY_LOCAL_MACHINE only (it does not merge
+    the user's classes into HKEY_CLASSES_ROOT as Windows does), so under Wine the hosts then use a
+    per-machine registration. Unregistered on the way out, whatever happened."""
+    user_root = "HKEY_CURRENT_USER\\Software\\Classes"
+    # Whatever an interrupted earlier run left registered goes first.
+    run_wine(wine, prefix, "regsvr32", "/u", windows_path(dll))
+    run_wine(wine, prefix, "regsvr32", "/u", "/n", "/i:user", windows_path(dll))
     status, text = run_wine(wine, prefix, "regsvr32", "/n", "/i:user", windows_path(dll))
+    if status != 0:
+        raise RuntimeError(f"regsvr32 /n /i:user failed with status {status}:\n{text}")
+    user = registry_keys(wine, prefix, user_root, out_dir)
+    wanted = {k.lower() for k in progid_keys(user_root)}
+    missing = sorted(wanted - user)
+    merged = bool(registry_keys(wine, prefix, "HKEY_CLASSES_ROOT\\Korvex_Tools.Button", out_dir))
+    machine = False
     try:
-        if status != 0:
-            raise RuntimeError(f"regsvr32 /n /i:user failed with status {status}:\n{text}")
+        if missing:
+            raise RuntimeError(f"regsvr32 /n /i:user wrote no {', '.join(missing)}")
+        if not merged:
+            run_wine(wine, prefix, "regsvr32", "/u", "/n", "/i:user", windows_path(dll))
+            left = wanted & registry_keys(wine, prefix, user_root, out_dir)
+            if left:
+                raise RuntimeError(f"regsvr32 /u /n /i:user left {', '.join(sorted(left))}")
+            status, text = run_wine(wine, prefix, "regsvr32", windows_path(dll))
+            if status != 0:
+                raise RuntimeError(f"regsvr32 failed with status {status}:\n{text}")
+            machine = True
+            print(f"registration: per user, {len(wanted)} ProgIDs written under HKCU\\Software\\Classes and "
+                  "removed again; Wine's COM reads HKLM only, so the hosts use a per-machine registration")
+        else:
+            print(f"registration: per user, {len(wanted)} ProgIDs, seen through HKEY_CLASSES_ROOT")
         yield
     finally:
-        run_wine(wine, prefix, "regsvr32", "/u", "/n", "/i:user", windows_path(dll))
+        if machine:
+            run_wine(wine, prefix, "regsvr32", "/u", windows_path(dll))
+        else:
+            run_wine(wine, prefix, "regsvr32", "/u", "/n", "/i:user", windows_path(dll))
 
 
 def one_control_form(progid, width, height, properties, name="C"):

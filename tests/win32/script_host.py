@@ -70,7 +70,7 @@ def main():
             return skip(f"no korvex_tools.dll in {args.mingw}")
 
         passed, total, notes = True, 0, []
-        with registered(wine, prefix, dll):
+        with registered(wine, prefix, dll, out):
             _, lines = cscript(wine, prefix, scripts / "controls.vbs")
             (out / "controls.txt").write_text("\n".join(lines) + "\n")
             ok, count, _ = checked("controls.vbs", lines, r"checks \d+ failures 0")
