@@ -28,8 +28,8 @@ from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent))
 import pixels  # noqa: E402
-from hosts import (find_dll, find_wine, native_snapshot, registered, run_wine, skip,  # noqa: E402
-                   stop_wineserver, windows_path)
+from hosts import (find_dll, find_wine, native_snapshot, registered, run_wine, script_value,  # noqa: E402
+                   simulated_colours, skip, stop_wineserver, windows_path)
 
 # Glyphs of one size drawn by two font engines: different shapes and advance widths, so a word's
 # right end moves by a few pixels; anti-aliasing adds a pixel around each stroke.
@@ -67,18 +67,8 @@ CASES = [
 STOCK = "stock Shell.Explorer.2 120 60 Silent=True"
 
 
-def host_value(value):
-    if isinstance(value, bool):
-        return "True" if value else "False"
-    if isinstance(value, str):
-        return '"' + value + '"'
-    if isinstance(value, int) and value > 0x7FFFFFFF:
-        return f"&H{value:08X}&"
-    return str(value)
-
-
 def case_line(name, cls, width, height, properties):
-    props = " ".join(f"{key}={host_value(value)}" for key, value in properties.items())
+    props = " ".join(f"{key}={script_value(value)}" for key, value in properties.items())
     return f"{name} Korvex_Tools.{cls} {width} {height} {props}".rstrip()
 
 
@@ -108,10 +98,11 @@ def compare(korvex, out, case):
         blank = dict(properties, **{key: "" for key in text_keys})
         plain = pixels.read_png(native_snapshot(korvex, out, name + "_blank", f"Korvex_Tools.{cls}",
                                                 width, height, blank))
-        allowed = pixels.grown_box(pixels.differing(sim, plain), TEXT_MARGIN, width, height)
+        allowed = pixels.grown_box(pixels.differing(sim, plain), TEXT_MARGIN, sim[0], sim[1])
     outside = mismatches - allowed
     if mismatches:
         pixels.write_png(out / f"{name}.diff.png", pixels.diff_picture(sim, host, mismatches, allowed))
+    width, height = sim[0], sim[1]
     total = width * height
     if text_keys:
         line = (f"{name}: {cls} {width}x{height}: {len(outside)} of {total - len(allowed)} pixels differ "
@@ -143,7 +134,7 @@ def shots(args):
         dll = find_dll(args.mingw)
         if dll is None:
             return skip(f"no korvex_tools.dll in {args.mingw}")
-        with registered(wine, prefix, dll, out):
+        with simulated_colours(wine, prefix, out), registered(wine, prefix, dll, out):
             status, text = run_host(wine, prefix, host, out, "cases",
                                     [case_line(*case[:5]) for case in CASES])
         failed = status != 0

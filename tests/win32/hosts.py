@@ -3,6 +3,7 @@ in the Wine prefix (and always removing it again), running a Windows program wit
 a file, and the native korvex tool's rendering of a one-control form."""
 
 import json
+import re
 import subprocess
 import sys
 import tempfile
@@ -109,6 +110,50 @@ def registered(wine, prefix, dll, out_dir):
             run_wine(wine, prefix, "regsvr32", "/u", "/n", "/i:user", windows_path(dll))
 
 
+# The registry's names of the system colours, in COLOR_SCROLLBAR .. COLOR_MENUBAR order.
+SYS_COLOR_NAMES = (
+    "Scrollbar", "Background", "ActiveTitle", "InactiveTitle", "Menu", "Window", "WindowFrame", "MenuText",
+    "WindowText", "TitleText", "ActiveBorder", "InactiveBorder", "AppWorkSpace", "Hilight", "HilightText",
+    "ButtonFace", "ButtonShadow", "GrayText", "ButtonText", "InactiveTitleText", "ButtonHilight",
+    "ButtonDkShadow", "ButtonLight", "InfoText", "InfoWindow", "ButtonAlternateFace", "HotTrackingColor",
+    "GradientActiveTitle", "GradientInactiveTitle", "MenuHilight", "MenuBar")
+
+
+def simulated_sys_colours():
+    """The simulated platform's system colours (COLORREFs), read from its source."""
+    source = Path(__file__).resolve().parents[2] / "src" / "platform" / "sys_colors.cpp"
+    table = source.read_text().split("{", 2)[2].split("}", 1)[0]
+    colours = [int(word, 16) for word in re.findall(r"0x[0-9A-Fa-f]+", table)]
+    if len(colours) != len(SYS_COLOR_NAMES):
+        raise RuntimeError(f"{source}: {len(colours)} system colours, {len(SYS_COLOR_NAMES)} expected")
+    return colours
+
+
+@contextmanager
+def simulated_colours(wine, prefix, out_dir):
+    """The prefix's system colours set to the simulated platform's for the programs run inside,
+    so that a control's system colours paint the same on both sides; the prefix's own colours
+    come back on the way out."""
+    key = "HKEY_CURRENT_USER\\Control Panel\\Colors"
+    saved = Path(out_dir) / "colours.saved.reg"
+    saved.unlink(missing_ok=True)
+    run_wine(wine, prefix, "reg", "export", key, windows_path(saved), "/y")
+    lines = ["Windows Registry Editor Version 5.00", "", f"[{key}]"]
+    for name, c in zip(SYS_COLOR_NAMES, simulated_sys_colours()):
+        lines.append(f'"{name}"="{c & 0xFF} {(c >> 8) & 0xFF} {(c >> 16) & 0xFF}"')
+    wanted = Path(out_dir) / "colours.reg"
+    wanted.write_text("\r\n".join(lines) + "\r\n", encoding="utf-16")
+    status, text = run_wine(wine, prefix, "reg", "import", windows_path(wanted))
+    if status != 0:
+        raise RuntimeError(f"reg import of the system colours failed ({status}):\n{text}")
+    try:
+        yield
+    finally:
+        run_wine(wine, prefix, "reg", "delete", key, "/f")
+        if saved.exists():
+            run_wine(wine, prefix, "reg", "import", windows_path(saved))
+
+
 def one_control_form(progid, width, height, properties, name="C"):
     """A form holding one control at the top-left corner of its client area, sized in pixels."""
     return {
@@ -120,14 +165,28 @@ def one_control_form(progid, width, height, properties, name="C"):
     }
 
 
+def script_value(value):
+    """A value as the korvex run scripts and the ATL host's case files write it."""
+    if isinstance(value, bool):
+        return "True" if value else "False"
+    if isinstance(value, str):
+        return '"' + value.replace('"', '""') + '"'
+    if isinstance(value, int) and value > 0x7FFFFFFF:
+        return f"&H{value:08X}&"
+    return str(value)
+
+
 def native_snapshot(korvex, out_dir, stem, progid, width, height, properties):
-    """The simulated backend's picture of the control window, through `korvex run`'s snapshot."""
+    """The simulated backend's picture of the control window, through `korvex run`'s snapshot.
+    The properties are in the control's bag and set again by the script, as the ATL host sets
+    them on a new control: the properties a bag does not restore end up the same."""
     out_dir = Path(out_dir)
     form = out_dir / f"{stem}.form.json"
     script = out_dir / f"{stem}.script.txt"
     form.write_text(json.dumps(one_control_form(progid, width, height, properties), indent=1))
-    script.write_text(f"snapshot {stem}.sim.png C\n")
+    sets = "".join(f"set C.{key} {script_value(value)}\n" for key, value in properties.items())
+    script.write_text(sets + f"snapshot {stem}.sim.png C\n")
     status, text = run([str(korvex), "run", str(form), "--script", str(script), "--out", str(out_dir)])
-    if status != 0:
+    if status != 0 or "error" in text:
         raise RuntimeError(f"korvex run {form} failed ({status}):\n{text}")
     return out_dir / f"{stem}.sim.png"

@@ -334,8 +334,11 @@ int Shots(const Atl& atl, const char* casesPath, const std::string& outDir) {
             continue;
         }
         ++made;
-        std::printf("%s: %s created, in-place active in a %dx%d window\n", name.c_str(),
-                    w[1].c_str(), width, height);
+        RECT first{};
+        GetClientRect(hosted.window, &first);
+        std::printf(
+            "%s: %s created, in-place active in a %dx%d host window, its own window %ldx%ld\n",
+            name.c_str(), w[1].c_str(), width, height, first.right, first.bottom);
         IDispatch* object = nullptr;
         if (FAILED(
                 hosted.control->QueryInterface(IID_IDispatch, reinterpret_cast<void**>(&object)))) {
@@ -353,7 +356,11 @@ int Shots(const Atl& atl, const char* casesPath, const std::string& outDir) {
             } else {
                 ++failures;
             }
-            std::printf("%s: %s\n", name.c_str(), text.c_str());
+            // The window's size after each property: a control that sizes itself shows when.
+            RECT client{};
+            GetClientRect(hosted.window, &client);
+            std::printf("%s: %s (window %ldx%ld)\n", name.c_str(), text.c_str(), client.right,
+                        client.bottom);
         }
         if (object) object->Release();
         Pump();

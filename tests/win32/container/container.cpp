@@ -25,6 +25,7 @@
 #include <cstdio>
 #include <fstream>
 #include <map>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -509,6 +510,7 @@ std::string FormatNumber(double value) {
 }
 
 std::string FormatArgument(const VARIANT& v) {
+    if (v.vt == (VT_BYREF | VT_VARIANT)) return v.pvarVal ? FormatArgument(*v.pvarVal) : "<null>";
     const VARTYPE type = v.vt & ~VT_BYREF;
     const bool ref = (v.vt & VT_BYREF) != 0;
     switch (type) {
@@ -569,8 +571,12 @@ class EventSink final : public Object<IDispatch> {
                                      EXCEPINFO*, UINT*) override {
         const std::string name = MemberName(events_, id);
         if (changer_) {
-            for (UINT i = 0; i < params->cArgs; ++i)
-                if (params->rgvarg[i].vt == (VT_BYREF | VT_I2)) *params->rgvarg[i].piVal += 1;
+            for (UINT i = 0; i < params->cArgs; ++i) {
+                VARIANT& arg = params->rgvarg[i];
+                if (arg.vt == (VT_BYREF | VT_I2)) *arg.piVal += 1;
+                if (arg.vt == (VT_BYREF | VT_VARIANT) && arg.pvarVal && arg.pvarVal->vt == VT_I2)
+                    arg.pvarVal->iVal += 1;
+            }
             return S_OK;
         }
         CheckTypes(id, name, *params);
@@ -600,10 +606,13 @@ class EventSink final : public Object<IDispatch> {
                         t.vt == VT_PTR ? static_cast<VARTYPE>(VT_BYREF | t.lptdesc->vt) : t.vt;
                     same = params.rgvarg[params.cArgs - 1 - static_cast<UINT>(p)].vt == declared;
                 }
-                if (!same) {
+                if (!same && reported_.insert(name).second) {
                     ++failures;
-                    Line("FAIL event " + name +
-                         ": the arguments' types differ from the type library's");
+                    std::string passed;
+                    for (UINT i = params.cArgs; i-- > 0;)
+                        passed += " " + std::to_string(params.rgvarg[i].vt);
+                    Line("FAIL event " + name + ": argument types (VARTYPEs" + passed +
+                         ") differ from the type library's declaration");
                 }
             }
             events_->ReleaseFuncDesc(desc);
@@ -612,6 +621,7 @@ class EventSink final : public Object<IDispatch> {
     }
 
     IID source_;
+    std::set<std::string> reported_;
     ITypeInfo* events_;
     std::string control_;
     std::vector<std::string>& log_;
@@ -678,7 +688,7 @@ HWND frameWindow = nullptr;
 // Creates a control the way a form designer loads one: the site first when the control asks for
 // it, then its properties from the bag (or new ones), then in-place activation in the frame.
 bool Host(Hosted& h, const std::string& progId, const std::string& name, bool userMode,
-          PropertyBag* bag, RECT rect, bool activate = true) {
+          PropertyBag* bag, RECT rect, IStream* stream = nullptr) {
     h.name = name;
     CLSID clsid;
     HRESULT hr = CLSIDFromProgID(Widen(progId).c_str(), &clsid);
@@ -694,7 +704,15 @@ bool Host(Hosted& h, const std::string& progId, const std::string& name, bool us
     h.ole->GetMiscStatus(DVASPECT_CONTENT, &misc);
     const bool siteFirst = (misc & OLEMISC_SETCLIENTSITEFIRST) != 0;
     if (siteFirst) h.ole->SetClientSite(h.site);
-    if (bag) {
+    if (stream) {
+        IPersistStreamInit* persist = nullptr;
+        hr = h.ole->QueryInterface(IID_IPersistStreamInit, reinterpret_cast<void**>(&persist));
+        if (SUCCEEDED(hr)) {
+            hr = persist->Load(stream);
+            persist->Release();
+        }
+        Check(SUCCEEDED(hr), name + ": IPersistStreamInit::Load into a new object " + Hex(hr));
+    } else if (bag) {
         IPersistPropertyBag* persist = nullptr;
         hr = h.ole->QueryInterface(IID_IPersistPropertyBag, reinterpret_cast<void**>(&persist));
         if (SUCCEEDED(hr)) {
@@ -738,7 +756,7 @@ bool Host(Hosted& h, const std::string& progId, const std::string& name, bool us
         }
         info->Release();
     }
-    if (!activate) return true;
+
     hr = h.ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, h.site, 0, frameWindow, &rect);
     IOleInPlaceObject* inPlace = nullptr;
     if (SUCCEEDED(hr) && SUCCEEDED(h.ole->QueryInterface(IID_IOleInPlaceObject,
@@ -910,28 +928,22 @@ Json Persistence(const Json& cases) {
             persist->Release();
         }
         Check(SUCCEEDED(hr), name + ": IPersistStreamInit::Save " + Hex(hr));
-        if (SUCCEEDED(hr) && Host(third, progId, name, true, nullptr, NextRect(100, 30), false)) {
-            LARGE_INTEGER zero{};
-            stream->Seek(zero, STREAM_SEEK_SET, nullptr);
-            IPersistStreamInit* load = nullptr;
-            hr = third.ole->QueryInterface(IID_IPersistStreamInit, reinterpret_cast<void**>(&load));
-            if (SUCCEEDED(hr)) {
-                hr = load->Load(stream);
-                load->Release();
-            }
-            Check(SUCCEEDED(hr), name + ": IPersistStreamInit::Load into a new object " + Hex(hr));
-            RECT rect = NextRect(100, 30);
-            third.ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, third.site, 0, frameWindow, &rect);
+        LARGE_INTEGER zero{};
+        if (stream) stream->Seek(zero, STREAM_SEEK_SET, nullptr);
+        if (SUCCEEDED(hr) && Host(third, progId, name, true, nullptr, NextRect(100, 30), stream)) {
             const Json bag3 = SaveBag(third);
             Check(bag3 == bag, name + ": a stream round trip saves the same bag" +
                                    (bag3 == bag ? "" : ": " + bag3.dump()));
-            const auto before = Properties(first), after = Properties(third);
+            // Both were loaded from what the first object saved, once through the bag and once
+            // through the stream (the first may hold more than its keys keep, such as a font
+            // size of 8.25 that an Integer key saves as 8).
+            const auto before = Properties(second), after = Properties(third);
             std::string differ;
             for (const auto& [key, value] : before)
                 if (after.count(key) == 0 || after.at(key) != value)
                     differ += " " + key + " (" + value + " / " +
                               (after.count(key) ? after.at(key) : "-") + ")";
-            Check(differ.empty(), name + ": after the stream round trip all " +
+            Check(differ.empty(), name + ": loaded from the stream and from the bag, all " +
                                       std::to_string(before.size()) +
                                       " readable properties are the same" + differ);
         }
@@ -987,9 +999,16 @@ HWND WindowAt(HWND window, POINT& point) {
 }
 
 void Mouse(HWND control, int x, int y, UINT message, WPARAM buttons) {
-    POINT screen{x, y};
-    ClientToScreen(control, &screen);
-    SetCursorPos(screen.x, screen.y);
+    if (message == WM_MOUSEMOVE) {
+        // The pointer goes there too, for the controls that ask where it is; the move the
+        // system makes of that is dropped, as the message below stands for it.
+        POINT screen{x, y};
+        ClientToScreen(control, &screen);
+        SetCursorPos(screen.x, screen.y);
+        MSG pending;
+        while (PeekMessageW(&pending, nullptr, WM_MOUSEMOVE, WM_MOUSEMOVE, PM_REMOVE)) {
+        }
+    }
     POINT local{x, y};
     HWND target = WindowAt(control, local);
     SendMessageW(target, message, buttons, MAKELPARAM(local.x, local.y));
@@ -1134,10 +1153,12 @@ void AboutBox() {
                                               &none, nullptr, &info, nullptr);
         KillTimer(nullptr, timer);
         const DWORD took = GetTickCount() - aboutStart;
-        Check(SUCCEEDED(hr) && !aboutSeen.empty(),
-              cls + ": Invoke(" + std::to_string(id) + ") opened " +
-                  (aboutSeen.empty() ? "nothing" : aboutSeen) + ", closed by the container after " +
-                  std::to_string(took / 100 * 100) + " ms or less, " + Hex(hr));
+        Check(SUCCEEDED(hr), cls + ": Invoke(" + std::to_string(id) + ") " + Hex(hr));
+        // Whether a box opened is the driver's to judge, against the simulated run.
+        Line("about " + cls + ": " +
+             (aboutSeen.empty() ? "nothing opened"
+                                : "opened " + aboutSeen + ", closed by the container within " +
+                                      std::to_string(took / 100 * 100 + 100) + " ms"));
         Close(h);
     }
 }
