@@ -84,6 +84,7 @@ def compare(korvex, out, case):
     """Returns the line to print and whether it passes."""
     name, cls, width, height, properties, text_keys = case
     host_bmp = out / f"{name}.bmp"
+    (out / f"{name}.diff.png").unlink(missing_ok=True)
     if not host_bmp.exists():
         return f"{name}: no picture from the ATL host", False
     host = pixels.read_bmp(host_bmp)
