@@ -2,16 +2,17 @@
 
 #include <vector>
 
-#include "library/library.hpp"
 #include "com/module.hpp"
+#include "library/library.hpp"
 
 namespace korvex::com {
 
 GUID ToGuid(const host::Guid& guid) {
     const auto& b = guid.bytes;
     GUID out{};
-    out.Data1 = (static_cast<unsigned long>(b[0]) << 24) | (static_cast<unsigned long>(b[1]) << 16) |
-                (static_cast<unsigned long>(b[2]) << 8) | b[3];
+    out.Data1 = (static_cast<unsigned long>(b[0]) << 24) |
+                (static_cast<unsigned long>(b[1]) << 16) | (static_cast<unsigned long>(b[2]) << 8) |
+                b[3];
     out.Data2 = static_cast<unsigned short>((b[4] << 8) | b[5]);
     out.Data3 = static_cast<unsigned short>((b[6] << 8) | b[7]);
     for (int i = 0; i < 8; ++i) out.Data4[i] = b[static_cast<std::size_t>(8 + i)];

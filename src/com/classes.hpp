@@ -5,17 +5,17 @@
 #include <span>
 #include <string>
 
+#include "com/win.hpp"
 #include "host/type_info.hpp"
 #include "host/type_library.hpp"
-#include "com/win.hpp"
 
 namespace korvex::com {
 
 struct ClassEntry {
     const host::ClassInfo* info = nullptr;
     GUID clsid{};
-    GUID iid{};        // the default dispinterface
-    GUID eventIid{};   // the event dispinterface
+    GUID iid{};       // the default dispinterface
+    GUID eventIid{};  // the event dispinterface
 };
 
 // The toolbox bitmaps are resources from here on; the string of the same id names the control.

@@ -61,7 +61,8 @@ class ConnectionPoint final : public IConnectionPoint {
         *iid = iid_;
         return S_OK;
     }
-    HRESULT STDMETHODCALLTYPE GetConnectionPointContainer(IConnectionPointContainer** out) override {
+    HRESULT STDMETHODCALLTYPE
+    GetConnectionPointContainer(IConnectionPointContainer** out) override {
         if (!out) return E_POINTER;
         *out = owner_;
         owner_->AddRef();

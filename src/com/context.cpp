@@ -1,7 +1,7 @@
 #include "com/context.hpp"
 
-#include "library/library.hpp"
 #include "com/module.hpp"
+#include "library/library.hpp"
 
 // The platform's member, not the user32 function.
 #undef TranslateAccelerator

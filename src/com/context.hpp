@@ -5,9 +5,9 @@
 
 #include <memory>
 
+#include "com/win.hpp"
 #include "host/control.hpp"
 #include "platform/win32/win32_platform.hpp"
-#include "com/win.hpp"
 
 namespace korvex::com {
 

@@ -7,10 +7,10 @@
 #include <vector>
 
 #include "base/error.hpp"
-#include "host/text.hpp"
 #include "com/convert.hpp"
 #include "com/module.hpp"
 #include "com/property_bag.hpp"
+#include "host/text.hpp"
 
 namespace korvex::com {
 
@@ -286,14 +286,15 @@ void ControlObject::ReadAmbient() {
             VARIANT value;
             VariantInit(&value);
             VariantInit(out);
-            const HRESULT hr = site->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT,
-                                            DISPATCH_PROPERTYGET, &none, &value, nullptr, nullptr);
+            const HRESULT hr = site->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET,
+                                            &none, &value, nullptr, nullptr);
             const bool ok = SUCCEEDED(hr) && SUCCEEDED(VariantChangeType(out, &value, 0, type));
             VariantClear(&value);
             return ok;
         };
         VARIANT v;
-        if (read(DISPID_AMBIENT_USERMODE, VT_BOOL, &v)) ambient.UserMode = V_BOOL(&v) != VARIANT_FALSE;
+        if (read(DISPID_AMBIENT_USERMODE, VT_BOOL, &v))
+            ambient.UserMode = V_BOOL(&v) != VARIANT_FALSE;
         if (read(DISPID_AMBIENT_BACKCOLOR, VT_I4, &v))
             ambient.BackColor = static_cast<host::OLE_COLOR>(V_I4(&v));
         if (read(DISPID_AMBIENT_FORECOLOR, VT_I4, &v))
@@ -305,7 +306,8 @@ void ControlObject::ReadAmbient() {
         if (read(DISPID_AMBIENT_FONT, VT_DISPATCH, &v)) {
             try {
                 const host::Variant font = ToHost(v);
-                if (font.Kind() == host::VarKind::Font && font.ToFont()) ambient.Font = font.ToFont();
+                if (font.Kind() == host::VarKind::Font && font.ToFont())
+                    ambient.Font = font.ToFont();
             } catch (const host::HostError&) {
                 // Not a font the host can read: the default stays.
             }
@@ -549,8 +551,8 @@ HRESULT ControlObject::InitNew(IStorage* storage) {
 HRESULT ControlObject::Load(IStorage* storage) {
     if (!storage) return E_POINTER;
     IStream* stream = nullptr;
-    HRESULT hr = storage->OpenStream(kStorageStream, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0,
-                                     &stream);
+    HRESULT hr =
+        storage->OpenStream(kStorageStream, nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, &stream);
     if (FAILED(hr)) return hr;
     hr = Load(stream);
     stream->Release();
@@ -622,8 +624,7 @@ HRESULT ControlObject::GetClipboardData(DWORD, IDataObject** data) {
     return E_NOTIMPL;
 }
 
-HRESULT ControlObject::DoVerb(LONG verb, LPMSG, IOleClientSite* activeSite, LONG, HWND,
-                              LPCRECT) {
+HRESULT ControlObject::DoVerb(LONG verb, LPMSG, IOleClientSite* activeSite, LONG, HWND, LPCRECT) {
     switch (verb) {
         case OLEIVERB_PRIMARY:
         case OLEIVERB_SHOW:
@@ -675,8 +676,8 @@ HRESULT ControlObject::Activate(IOleClientSite* activeSite, bool uiActivate) {
         RECT clip{};
         OLEINPLACEFRAMEINFO frameInfo{};
         frameInfo.cb = sizeof frameInfo;
-        if (SUCCEEDED(inPlaceSite_->GetWindowContext(&frame, &document, &position, &clip,
-                                                     &frameInfo))) {
+        if (SUCCEEDED(
+                inPlaceSite_->GetWindowContext(&frame, &document, &position, &clip, &frameInfo))) {
             ReleaseFrame();
             frame_ = frame;
             document_ = document;
@@ -832,10 +833,9 @@ HRESULT ControlObject::SetObjectRects(LPCRECT position, LPCRECT) {
     try {
         platform::Platform& p = context_->Platform();
         position_ = *position;
-        const bool resized = (position_.right - position_.left) * platform::TwipsPerPixelX(p) !=
-                                 widthTwips_ ||
-                             (position_.bottom - position_.top) * platform::TwipsPerPixelY(p) !=
-                                 heightTwips_;
+        const bool resized =
+            (position_.right - position_.left) * platform::TwipsPerPixelX(p) != widthTwips_ ||
+            (position_.bottom - position_.top) * platform::TwipsPerPixelY(p) != heightTwips_;
         if (resized)
             SetTwips((position_.right - position_.left) * platform::TwipsPerPixelX(p),
                      (position_.bottom - position_.top) * platform::TwipsPerPixelY(p));
@@ -887,9 +887,9 @@ HRESULT ControlObject::GetControlInfo(CONTROLINFO* info) {
         for (char32_t key : control_->AccessKeys())
             keys.push_back({FALT | FVIRTKEY, static_cast<WORD>(key), 0});
         if (accelerators_) DestroyAcceleratorTable(accelerators_);
-        accelerators_ =
-            keys.empty() ? nullptr
-                         : CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
+        accelerators_ = keys.empty()
+                            ? nullptr
+                            : CreateAcceleratorTableW(keys.data(), static_cast<int>(keys.size()));
         info->cb = sizeof *info;
         info->hAccel = accelerators_;
         info->cAccel = static_cast<USHORT>(accelerators_ ? keys.size() : 0);
@@ -949,14 +949,13 @@ HRESULT ControlObject::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC
         EnsureControl(nullptr);
         const platform::POINT origin{bounds ? bounds->left : 0, bounds ? bounds->top : 0};
         return context_->Platform().PrintWindow(control_->SurfaceWindow(), dc, origin) ? S_OK
-                                                                                        : E_FAIL;
+                                                                                       : E_FAIL;
     } catch (...) {
         return Failed();
     }
 }
 
-HRESULT ControlObject::GetColorSet(DWORD, LONG, void*, DVTARGETDEVICE*, HDC,
-                                   LOGPALETTE** palette) {
+HRESULT ControlObject::GetColorSet(DWORD, LONG, void*, DVTARGETDEVICE*, HDC, LOGPALETTE** palette) {
     if (palette) *palette = nullptr;
     return E_NOTIMPL;
 }

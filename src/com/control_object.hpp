@@ -8,12 +8,12 @@
 #include <cstdint>
 #include <memory>
 
-#include "host/control.hpp"
 #include "com/classes.hpp"
 #include "com/connection_point.hpp"
 #include "com/context.hpp"
 #include "com/dispatch.hpp"
 #include "com/win.hpp"
+#include "host/control.hpp"
 
 namespace korvex::com {
 
@@ -37,6 +37,13 @@ class ControlObject final : public IDispatch,
                             private EditGate {
   public:
     static HRESULT Create(const ClassEntry& entry, REFIID riid, void** ppv);
+
+    // The host control behind the object, made now if there is none yet; for programs that link
+    // the layer and compare the late-bound path with direct calls.
+    std::shared_ptr<host::Control> HostControl() {
+        EnsureControl(nullptr);
+        return control_;
+    }
 
     // IUnknown
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override;

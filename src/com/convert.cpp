@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "base/error.hpp"
-#include "host/font.hpp"
 #include "com/module.hpp"
+#include "host/font.hpp"
 
 namespace korvex::com {
 
@@ -158,7 +158,8 @@ std::shared_ptr<host::StdPicture> ReadPicture(IPicture& picture) {
     picture.get_Height(&hmHeight);
     const int width = MulDiv(hmWidth, 96, 2540);
     const int height = MulDiv(hmHeight, 96, 2540);
-    if (type <= PICTYPE_NONE || width <= 0 || height <= 0) return std::make_shared<host::StdPicture>();
+    if (type <= PICTYPE_NONE || width <= 0 || height <= 0)
+        return std::make_shared<host::StdPicture>();
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = width;
@@ -176,7 +177,8 @@ std::shared_ptr<host::StdPicture> ReadPicture(IPicture& picture) {
     HGDIOBJ old = SelectObject(dc, bitmap);
     picture.Render(dc, 0, 0, width, height, 0, hmHeight, hmWidth, -hmHeight, nullptr);
     GdiFlush();
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
+    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) *
+                                      static_cast<std::size_t>(height));
     std::memcpy(pixels.data(), bits, pixels.size() * sizeof(std::uint32_t));
     for (std::uint32_t& p : pixels) p |= 0xFF000000u;
     SelectObject(dc, old);
@@ -363,7 +365,8 @@ void WriteBack(const host::Variant& value, VARIANT* target) {
     VariantInit(&converted);
     const HRESULT hr = VariantChangeType(&converted, &fresh, 0, type);
     VariantClear(&fresh);
-    if (FAILED(hr)) throw HostError(hr == DISP_E_OVERFLOW ? host::kErrOverflow : host::kErrTypeMismatch);
+    if (FAILED(hr))
+        throw HostError(hr == DISP_E_OVERFLOW ? host::kErrOverflow : host::kErrTypeMismatch);
     switch (type) {
         case VT_BSTR:
             SysFreeString(*V_BSTRREF(target));

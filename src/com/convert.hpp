@@ -4,8 +4,8 @@
 // with the same bits, fonts stdole's IFontDisp and pictures IPictureDisp. A value the host has
 // no kind for is its error 13.
 
-#include "host/variant.hpp"
 #include "com/win.hpp"
+#include "host/variant.hpp"
 
 namespace korvex::com {
 

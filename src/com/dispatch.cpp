@@ -4,9 +4,9 @@
 #include <vector>
 
 #include "base/error.hpp"
-#include "host/text.hpp"
 #include "com/convert.hpp"
 #include "com/module.hpp"
+#include "host/text.hpp"
 
 namespace korvex::com {
 

@@ -6,8 +6,8 @@
 
 #include <string_view>
 
-#include "host/type_info.hpp"
 #include "com/win.hpp"
+#include "host/type_info.hpp"
 
 namespace korvex::com {
 

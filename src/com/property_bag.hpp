@@ -2,8 +2,8 @@
 // The host's PropertyBag over a container's IPropertyBag: the control reads and writes the same
 // keys with the same kinds as in a JSON form file, the container decides where they go.
 
-#include "host/property_bag.hpp"
 #include "com/win.hpp"
+#include "host/property_bag.hpp"
 
 namespace korvex::com {
 

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "library/library.hpp"
 #include "com/classes.hpp"
 #include "com/control_object.hpp"
 #include "com/module.hpp"
+#include "library/library.hpp"
 
 // oleaut32 exports these (Vista on); MinGW-w64's headers do not declare them.
 extern "C" HRESULT WINAPI RegisterTypeLibForUser(ITypeLib* library, OLECHAR* path, OLECHAR* help);
@@ -77,10 +77,10 @@ class Key {
     Key& operator=(const Key&) = delete;
     [[nodiscard]] HKEY Handle() const { return key_; }
     bool Set(const wchar_t* name, const std::wstring& value) {
-        return key_ && RegSetValueExW(key_, name, 0, REG_SZ,
-                                      reinterpret_cast<const BYTE*>(value.c_str()),
-                                      static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) ==
-                           ERROR_SUCCESS;
+        return key_ &&
+               RegSetValueExW(key_, name, 0, REG_SZ, reinterpret_cast<const BYTE*>(value.c_str()),
+                              static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t))) ==
+                   ERROR_SUCCESS;
     }
 
   private:
@@ -181,7 +181,8 @@ HRESULT RegisterServer(bool perUser) {
     HKEY root = OpenClassesRoot(perUser);
     if (!root) return SELFREG_E_CLASS;
     bool ok = true;
-    for (const ClassEntry& entry : PublicClasses()) ok = RegisterControlClass(root, entry, path) && ok;
+    for (const ClassEntry& entry : PublicClasses())
+        ok = RegisterControlClass(root, entry, path) && ok;
     RegCloseKey(root);
     return ok ? S_OK : SELFREG_E_CLASS;
 }
@@ -193,10 +194,12 @@ HRESULT UnregisterServer(bool perUser) {
     }
     const GUID lib = LibraryId();
     const HRESULT hr =
-        perUser ? UnRegisterTypeLibForUser(lib, kTypeLibMajor, kTypeLibMinor, LOCALE_NEUTRAL, kSystem)
-                : UnRegisterTypeLib(lib, kTypeLibMajor, kTypeLibMinor, LOCALE_NEUTRAL, kSystem);
+        perUser
+            ? UnRegisterTypeLibForUser(lib, kTypeLibMajor, kTypeLibMinor, LOCALE_NEUTRAL, kSystem)
+            : UnRegisterTypeLib(lib, kTypeLibMajor, kTypeLibMinor, LOCALE_NEUTRAL, kSystem);
     // A library that was never registered is not an error of unregistering.
-    return (SUCCEEDED(hr) || hr == TYPE_E_REGISTRYACCESS || hr == TYPE_E_LIBNOTREGISTERED) ? S_OK : hr;
+    return (SUCCEEDED(hr) || hr == TYPE_E_REGISTRYACCESS || hr == TYPE_E_LIBNOTREGISTERED) ? S_OK
+                                                                                           : hr;
 }
 
 }  // namespace korvex::com

@@ -1,14 +1,19 @@
 // korvex_tools.dll: the library's controls as an in-process ActiveX server.
 
-#include "com/server.hpp"
 #include "com/module.hpp"
+#include "com/server.hpp"
 
 extern "C" {
 
-BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID) {
+BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved) {
     if (reason == DLL_PROCESS_ATTACH) {
         korvex::com::SetModule(instance);
         DisableThreadLibraryCalls(instance);
+    } else if (reason == DLL_PROCESS_DETACH && !reserved) {
+        // Unloaded while the process goes on (DllCanUnloadNow said yes, so no window is left):
+        // the platform's window classes go with the code of their window procedures.
+        UnregisterClassW(L"KorvexWindow", instance);
+        UnregisterClassW(L"KorvexMessages", instance);
     }
     return TRUE;
 }

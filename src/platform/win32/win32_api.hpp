@@ -32,6 +32,17 @@
 #undef GetTempPath
 #undef TranslateAccelerator
 
+// The module this code is linked into: the DLL when the backend serves controls from one. Its
+// window classes are registered for it, so they never meet those of the program that loaded it
+// (which may link a backend of its own) and can go when the DLL is unloaded.
+inline ::HINSTANCE CodeModule() {
+    ::HMODULE module = nullptr;
+    ::GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
+        reinterpret_cast<LPCWSTR>(&CodeModule), &module);
+    return module;
+}
+
 // The system's special window handles, spelt where HWND is still the system's type (inside our
 // namespace it is the seam's, and these macros cast to it).
 namespace korvex_win32_native {

@@ -27,14 +27,14 @@ LRESULT CALLBACK MessageProc(::HWND hwnd, UINT message, WPARAM wParam, LPARAM lP
         wc.cbSize = sizeof(wc);
         wc.lpfnWndProc = MessageProc;
         wc.cbWndExtra = sizeof(void*);
-        wc.hInstance = ::GetModuleHandleW(nullptr);
+        wc.hInstance = CodeModule();
         wc.lpszClassName = kMessageClass;
         return ::RegisterClassExW(&wc) != 0;
     }();
     (void)registered;
     ::HWND hwnd =
         ::CreateWindowExW(0, kMessageClass, L"", 0, 0, 0, 0, 0, korvex_win32_native::kMessageOnly,
-                          nullptr, ::GetModuleHandleW(nullptr), nullptr);
+                          nullptr, CodeModule(), nullptr);
     if (hwnd) ::SetWindowLongPtrW(hwnd, 0, reinterpret_cast<LONG_PTR>(owner));
     return hwnd;
 }

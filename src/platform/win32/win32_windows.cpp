@@ -41,7 +41,7 @@ void RegisterWindowClass() {
         wc.style = CS_DBLCLKS;
         wc.lpfnWndProc = WindowProc;
         wc.cbWndExtra = sizeof(void*);
-        wc.hInstance = ::GetModuleHandleW(nullptr);
+        wc.hInstance = CodeModule();
         wc.hCursor = nullptr;  // WM_SETCURSOR sets the window's own
         wc.lpszClassName = kWindowClass;
         return ::RegisterClassExW(&wc) != 0;
@@ -213,7 +213,7 @@ HWND Win32Windows::CreateWindow(HWND parent, const RECT& position, WindowStyle s
     ::HWND native = ::CreateWindowExW(exStyle, kWindowClass, Widen(title).c_str(),
                                       StyleOf({style.child, style.topmost, w.caption}),
                                       position.left, position.top, width, height, parentNative,
-                                      nullptr, ::GetModuleHandleW(nullptr), this);
+                                      nullptr, CodeModule(), this);
     creating_ = 0;
     if (!native) {
         windows_.erase(id);
