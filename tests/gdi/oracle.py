@@ -70,6 +70,9 @@ def setup(args):
     prefix.parent.mkdir(parents=True, exist_ok=True)
     print(f"+ WINEPREFIX={prefix} {wine} wineboot -i", flush=True)
     status, text = run([wine, "wineboot", "-i"], env=wine_env(prefix), timeout=600)
+    # The server writes the registry files when it exits, which may be a while after wineboot
+    # returns on a busy machine: wait for it before looking for them.
+    wineserver(wine, prefix, "-w")
     if status != 0 or not (prefix / "system.reg").exists():
         stop_wineserver(wine, prefix)
         print(text)
