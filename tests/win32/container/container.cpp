@@ -6,11 +6,13 @@
 //   korvex-container CASES.json OUT.json
 //   korvex-container --stock PROGID      the site alone, on a control the system provides
 //
-// CASES.json: {"bags": [{"Name": N, "ProgID": P, "Properties": {...}}, ...]} in the form file's
-// encoding of values. OUT.json gets what each control saved into our property bag after loading
-// those properties, in the same encoding, for comparison with `korvex bag`. Everything else is
-// printed, one line per fact: "event C.Name(args)", "changed C.Property", "ok ...", "FAIL ...".
-// Exit status: 0 no FAIL, 1 a FAIL, 2 usage or unreadable cases, 3 the about box did not close.
+// CASES.json: {"bags": [{"Name": N, "ProgID": P, "Properties": {...}}, ...], "input": [{"Name",
+// "ProgID", "Properties", "Width", "Height" (pixels), "Point": [X, Y], "ByReference"}, ...]},
+// values in the form file's encoding. OUT.json gets what each control saved into our property bag
+// after loading those properties, in the same encoding, for comparison with `korvex bag`.
+// Everything else is printed, one line per fact: "event C.Name(args)", "changed C.Property", "ok
+// ...", "FAIL ...". Exit status: 0 no FAIL, 1 a FAIL, 2 usage or unreadable cases, 3 the about box
+// did not close.
 
 #include <windows.h>
 
@@ -1021,46 +1023,13 @@ void Key(UINT message, WPARAM code) {
     Pump(30);
 }
 
-// Mouse and keys as messages to a run-mode Button's windows; the events and property changes
-// are printed for comparison with the simulated run of the same steps. Then the same key with a
-// second sink before the logger that changes every by-reference argument.
-void Input() {
-    Hosted button;
-    std::vector<std::string> log;
-    PropertyBag* bag = new PropertyBag;
-    bag->Add("Caption", "Senden");
-    bag->Add("ButtonShow", 18);
-    bag->Add("BorderStyle", 5);
-    if (!Host(button, "Korvex_Tools.Button", "C", true, bag, RECT{200, 300, 320, 340})) return;
-    EventSink* sink = new EventSink(button.source, button.events, "C", log, false);
-    PropertySink* changes = new PropertySink(button.members, "C", log);
-    const bool advised = Advise(button.ole, button.source, sink) != 0;
-    const bool notified = Advise(button.ole, IID_IPropertyNotifySink, changes) != 0;
-    Check(advised, "the Button's event interface takes a sink");
-    Check(notified, "the Button takes an IPropertyNotifySink");
-    Pump(50);
-    Line("input: mouse");
-    Mouse(button.window, 10, 6, WM_MOUSEMOVE, 0);
-    Mouse(button.window, 10, 6, WM_LBUTTONDOWN, MK_LBUTTON);
-    Mouse(button.window, 10, 6, WM_LBUTTONUP, 0);
-    for (const std::string& entry : log) Line(entry);
-    log.clear();
-
-    Line("input: keys");
-    button.ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, button.site, 0, frameWindow, nullptr);
-    Pump(30);
-    log.clear();
-    Key(WM_KEYDOWN, 'A');
-    Key(WM_CHAR, 'a');
-    Key(WM_KEYUP, 'A');
-    for (const std::string& entry : log) Line(entry);
-    log.clear();
-
-    // A changer ahead of the logger: the logger must see what the changer made of the arguments.
+// A changer ahead of the logger: the logger must see what the changer made of the arguments,
+// as a script's handler sees the value an earlier handler left in a ByRef argument.
+void ByReference(Hosted& control, EventSink* logger, std::vector<std::string>& log) {
     IConnectionPointContainer* points = nullptr;
     IConnectionPoint* point = nullptr;
-    button.ole->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&points));
-    if (points && SUCCEEDED(points->FindConnectionPoint(button.source, &point))) {
+    control.ole->QueryInterface(IID_IConnectionPointContainer, reinterpret_cast<void**>(&points));
+    if (points && SUCCEEDED(points->FindConnectionPoint(control.source, &point))) {
         IEnumConnections* list = nullptr;
         point->EnumConnections(&list);
         CONNECTDATA data;
@@ -1071,10 +1040,10 @@ void Input() {
         }
         if (list) list->Release();
         for (DWORD cookie : cookies) point->Unadvise(cookie);
-        EventSink* changer = new EventSink(button.source, button.events, "C", log, true);
+        EventSink* changer = new EventSink(control.source, control.events, "C", log, true);
         DWORD first = 0, second = 0;
         point->Advise(changer, &first);
-        point->Advise(sink, &second);
+        point->Advise(logger, &second);
         Key(WM_KEYDOWN, 'A');
         Key(WM_CHAR, 'a');
         Key(WM_KEYUP, 'A');
@@ -1086,7 +1055,64 @@ void Input() {
         point->Release();
     }
     if (points) points->Release();
-    Close(button);
+}
+
+// Mouse and keys as messages to each case's control, in run mode: a move, a left click at the
+// case's point, then "a" typed into the focused control. The events and property changes are
+// printed for comparison with the simulated run of the same steps.
+void Input(const Json& cases) {
+    for (const Json& c : cases) {
+        const std::string cls = c["Name"].get<std::string>();
+        Hosted control;
+        std::vector<std::string> log;
+        PropertyBag* bag = new PropertyBag;
+        for (const auto& [key, value] : c["Properties"].items()) bag->Add(key, value);
+        const int width = c["Width"].get<int>(), height = c["Height"].get<int>();
+        const int x = c["Point"][0].get<int>(), y = c["Point"][1].get<int>();
+        if (!Host(control, c["ProgID"].get<std::string>(), "C", true, bag,
+                  RECT{200, 300, 200 + width, 300 + height}))
+            continue;
+        EventSink* sink = new EventSink(control.source, control.events, "C", log, false);
+        PropertySink* changes = new PropertySink(control.members, "C", log);
+        Check(Advise(control.ole, control.source, sink) != 0,
+              cls + ": the event interface takes a sink");
+        Check(Advise(control.ole, IID_IPropertyNotifySink, changes) != 0,
+              cls + ": the control takes an IPropertyNotifySink");
+        Pump(50);
+        log.clear();
+        Line("input " + cls + ": mouse");
+        Mouse(control.window, x, y, WM_MOUSEMOVE, 0);
+        Mouse(control.window, x, y, WM_LBUTTONDOWN, MK_LBUTTON);
+        Mouse(control.window, x, y, WM_LBUTTONUP, 0);
+        for (const std::string& entry : log) Line(entry);
+        log.clear();
+
+        Line("input " + cls + ": keys");
+        control.ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, control.site, 0, frameWindow, nullptr);
+        Pump(30);
+        log.clear();
+        // A control that does not take the focus on UI activation (a label) gets it the way the
+        // korvex run script's "focus" gives it, so that the keys go to its window.
+        const auto inside = [&control](HWND w) {
+            return w == control.window || IsChild(control.window, w);
+        };
+        std::string focus = inside(GetFocus()) ? "taken on UI activation" : "";
+        if (focus.empty()) {
+            SetFocus(control.window);
+            Pump(30);
+            log.clear();
+            focus =
+                inside(GetFocus()) ? "not taken on UI activation, given by SetFocus" : "refused";
+        }
+        Line("focus " + cls + ": " + focus);
+        Key(WM_KEYDOWN, 'A');
+        Key(WM_CHAR, 'a');
+        Key(WM_KEYUP, 'A');
+        for (const std::string& entry : log) Line(entry);
+        log.clear();
+        if (c.value("ByReference", false)) ByReference(control, sink, log);
+        Close(control);
+    }
 }
 
 // The about box under a modal loop: a timer finds the new top-level window, notes it and closes
@@ -1239,7 +1265,7 @@ int main(int argc, char** argv) {
     Line("section mode");
     DesignAndRunMode();
     Line("section input");
-    Input();
+    Input(cases["input"]);
     Line("section about");
     AboutBox();
     Line("container: " + std::to_string(failures) + " failures");
