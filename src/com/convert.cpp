@@ -1,5 +1,6 @@
 #include "com/convert.hpp"
 
+#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -114,52 +115,7 @@ IDispatch* MakeFont(const std::shared_ptr<host::StdFont>& font) {
     return disp;
 }
 
-// A 32-bit top-down DIB section with the picture's pixels, as an OLE bitmap picture.
-IDispatch* MakePicture(const host::StdPicture& picture) {
-    IDispatch* disp = nullptr;
-    if (picture.Type() == host::PictureType::None || picture.PixelWidth() <= 0 ||
-        picture.PixelHeight() <= 0) {
-        if (FAILED(OleCreatePictureIndirect(nullptr, IID_IPictureDisp, TRUE,
-                                            reinterpret_cast<void**>(&disp))))
-            throw HostError(host::kErrOutOfMemory);
-        return disp;
-    }
-    BITMAPINFO info{};
-    info.bmiHeader.biSize = sizeof info.bmiHeader;
-    info.bmiHeader.biWidth = picture.PixelWidth();
-    info.bmiHeader.biHeight = -picture.PixelHeight();
-    info.bmiHeader.biPlanes = 1;
-    info.bmiHeader.biBitCount = 32;
-    info.bmiHeader.biCompression = BI_RGB;
-    void* bits = nullptr;
-    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    if (!bitmap) throw HostError(host::kErrOutOfMemory);
-    std::memcpy(bits, picture.Pixels().data(), picture.Pixels().size() * sizeof(std::uint32_t));
-    PICTDESC desc{};
-    desc.cbSizeofstruct = sizeof desc;
-    desc.picType = PICTYPE_BITMAP;
-    desc.bmp.hbitmap = bitmap;
-    if (FAILED(OleCreatePictureIndirect(&desc, IID_IPictureDisp, TRUE,
-                                        reinterpret_cast<void**>(&disp)))) {
-        DeleteObject(bitmap);
-        throw HostError(host::kErrOutOfMemory);
-    }
-    return disp;
-}
-
-// Any OLE picture, rendered into 32-bit pixels (opaque: the OLE picture keeps no alpha that
-// Render would hand over).
-std::shared_ptr<host::StdPicture> ReadPicture(IPicture& picture) {
-    SHORT type = PICTYPE_NONE;
-    picture.get_Type(&type);
-    OLE_XSIZE_HIMETRIC hmWidth = 0;
-    OLE_YSIZE_HIMETRIC hmHeight = 0;
-    picture.get_Width(&hmWidth);
-    picture.get_Height(&hmHeight);
-    const int width = MulDiv(hmWidth, 96, 2540);
-    const int height = MulDiv(hmHeight, 96, 2540);
-    if (type <= PICTYPE_NONE || width <= 0 || height <= 0)
-        return std::make_shared<host::StdPicture>();
+BITMAPINFO TopDown32(int width, int height) {
     BITMAPINFO info{};
     info.bmiHeader.biSize = sizeof info.bmiHeader;
     info.bmiHeader.biWidth = width;
@@ -167,6 +123,136 @@ std::shared_ptr<host::StdPicture> ReadPicture(IPicture& picture) {
     info.bmiHeader.biPlanes = 1;
     info.bmiHeader.biBitCount = 32;
     info.bmiHeader.biCompression = BI_RGB;
+    return info;
+}
+
+// A 32-bit DIB section holding the pixels as they are (alpha included).
+HBITMAP PixelBitmap(int width, int height, const std::uint32_t* pixels) {
+    const BITMAPINFO info = TopDown32(width, height);
+    void* bits = nullptr;
+    HBITMAP bitmap = CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    if (!bitmap) throw HostError(host::kErrOutOfMemory);
+    std::memcpy(bits, pixels,
+                static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+    return bitmap;
+}
+
+// A bitmap's pixels, 32 bits top-down; false for a bitmap that is no longer there.
+bool BitmapPixels(HBITMAP bitmap, int& width, int& height, std::vector<std::uint32_t>& pixels,
+                  WORD& depth) {
+    BITMAP header{};
+    if (!bitmap || !GetObjectW(bitmap, sizeof header, &header)) return false;
+    width = header.bmWidth;
+    height = std::abs(header.bmHeight);
+    depth = header.bmBitsPixel;
+    BITMAPINFO info = TopDown32(width, height);
+    pixels.assign(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0);
+    HDC dc = CreateCompatibleDC(nullptr);
+    const int rows =
+        GetDIBits(dc, bitmap, 0, static_cast<UINT>(height), pixels.data(), &info, DIB_RGB_COLORS);
+    DeleteDC(dc);
+    return rows == height;
+}
+
+// An OLE picture of the host's: icons as icons (the alpha of each pixel kept in the colour
+// bitmap, the mask where it is 0), every other kind as a 32-bit bitmap.
+IDispatch* MakePicture(const host::StdPicture& picture) {
+    IDispatch* disp = nullptr;
+    const int width = picture.PixelWidth();
+    const int height = picture.PixelHeight();
+    if (picture.Type() == host::PictureType::None || width <= 0 || height <= 0) {
+        if (FAILED(OleCreatePictureIndirect(nullptr, IID_IPictureDisp, TRUE,
+                                            reinterpret_cast<void**>(&disp))))
+            throw HostError(host::kErrOutOfMemory);
+        return disp;
+    }
+    HBITMAP color = PixelBitmap(width, height, picture.Pixels().data());
+    PICTDESC desc{};
+    desc.cbSizeofstruct = sizeof desc;
+    if (picture.Type() == host::PictureType::Icon) {
+        // The mask: one bit a pixel, rows padded to 16 bits, set where the pixel is transparent.
+        const int stride = ((width + 15) / 16) * 2;
+        std::vector<std::uint8_t> bits(
+            static_cast<std::size_t>(stride) * static_cast<std::size_t>(height), 0);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < width; ++x)
+                if ((picture.Pixels()[static_cast<std::size_t>(y * width + x)] >> 24) == 0)
+                    bits[static_cast<std::size_t>(y * stride + x / 8)] |=
+                        static_cast<std::uint8_t>(0x80 >> (x % 8));
+        HBITMAP mask = CreateBitmap(width, height, 1, 1, bits.data());
+        ICONINFO icon{TRUE, 0, 0, mask, color};
+        desc.picType = PICTYPE_ICON;
+        desc.icon.hicon = CreateIconIndirect(&icon);
+        DeleteObject(mask);
+        DeleteObject(color);
+        if (!desc.icon.hicon) throw HostError(host::kErrOutOfMemory);
+    } else {
+        desc.picType = PICTYPE_BITMAP;
+        desc.bmp.hbitmap = color;
+    }
+    if (FAILED(OleCreatePictureIndirect(&desc, IID_IPictureDisp, TRUE,
+                                        reinterpret_cast<void**>(&disp)))) {
+        if (desc.picType == PICTYPE_ICON)
+            DestroyIcon(desc.icon.hicon);
+        else
+            DeleteObject(color);
+        throw HostError(host::kErrOutOfMemory);
+    }
+    return disp;
+}
+
+// Any OLE picture as the host's pixels: bitmaps and icons read from their handles (an icon's
+// transparency from its alpha, or from its mask when it has none), other kinds rendered.
+std::shared_ptr<host::StdPicture> ReadPicture(IPicture& picture) {
+    SHORT type = PICTYPE_NONE;
+    picture.get_Type(&type);
+    OLE_HANDLE handle = 0;
+    picture.get_Handle(&handle);
+    int width = 0;
+    int height = 0;
+    WORD depth = 0;
+    std::vector<std::uint32_t> pixels;
+    const auto made = [&](host::PictureType kind) {
+        return std::make_shared<host::StdPicture>(kind, width, height, std::move(pixels));
+    };
+    if (type == PICTYPE_BITMAP &&
+        BitmapPixels(reinterpret_cast<HBITMAP>(static_cast<UINT_PTR>(handle)), width, height,
+                     pixels, depth)) {
+        if (depth != 32)
+            for (std::uint32_t& p : pixels) p |= 0xFF000000u;
+        return made(host::PictureType::Bitmap);
+    }
+    if (type == PICTYPE_ICON) {
+        ICONINFO icon{};
+        if (GetIconInfo(reinterpret_cast<HICON>(static_cast<UINT_PTR>(handle)), &icon)) {
+            std::vector<std::uint32_t> mask;
+            int maskWidth = 0;
+            int maskHeight = 0;
+            WORD maskDepth = 0;
+            const bool ok = BitmapPixels(icon.hbmColor, width, height, pixels, depth) &&
+                            BitmapPixels(icon.hbmMask, maskWidth, maskHeight, mask, maskDepth);
+            if (icon.hbmColor) DeleteObject(icon.hbmColor);
+            if (icon.hbmMask) DeleteObject(icon.hbmMask);
+            if (ok) {
+                bool alpha = false;
+                for (std::uint32_t p : pixels) alpha = alpha || (p >> 24) != 0;
+                for (std::size_t i = 0; i < pixels.size(); ++i) {
+                    if (!alpha) pixels[i] |= 0xFF000000u;
+                    if (i < mask.size() && (mask[i] & 0xFFFFFFu) != 0) pixels[i] &= 0x00FFFFFFu;
+                }
+                return made(host::PictureType::Icon);
+            }
+        }
+    }
+    OLE_XSIZE_HIMETRIC hmWidth = 0;
+    OLE_YSIZE_HIMETRIC hmHeight = 0;
+    picture.get_Width(&hmWidth);
+    picture.get_Height(&hmHeight);
+    width = MulDiv(hmWidth, 96, 2540);
+    height = MulDiv(hmHeight, 96, 2540);
+    if (type <= PICTYPE_NONE || width <= 0 || height <= 0)
+        return std::make_shared<host::StdPicture>();
+    const BITMAPINFO info = TopDown32(width, height);
     void* bits = nullptr;
     HDC dc = CreateCompatibleDC(nullptr);
     HBITMAP bitmap = CreateDIBSection(dc, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
@@ -177,15 +263,13 @@ std::shared_ptr<host::StdPicture> ReadPicture(IPicture& picture) {
     HGDIOBJ old = SelectObject(dc, bitmap);
     picture.Render(dc, 0, 0, width, height, 0, hmHeight, hmWidth, -hmHeight, nullptr);
     GdiFlush();
-    std::vector<std::uint32_t> pixels(static_cast<std::size_t>(width) *
-                                      static_cast<std::size_t>(height));
+    pixels.resize(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
     std::memcpy(pixels.data(), bits, pixels.size() * sizeof(std::uint32_t));
     for (std::uint32_t& p : pixels) p |= 0xFF000000u;
     SelectObject(dc, old);
     DeleteObject(bitmap);
     DeleteDC(dc);
-    return std::make_shared<host::StdPicture>(static_cast<host::PictureType>(type), width, height,
-                                              std::move(pixels));
+    return made(static_cast<host::PictureType>(type));
 }
 
 host::Variant ObjectToHost(IUnknown* unknown) {

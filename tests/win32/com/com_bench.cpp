@@ -96,18 +96,25 @@ int main(int argc, char** argv) {
             },
             seconds);
         const std::string which = property;
-        const double direct = Rate(
-            [&](int n) {
-                for (int i = 0; i < n; ++i) {
-                    if (which == "TextColor")
-                        gSink = gSink + label.TextColor();
-                    else if (which == "FontSize")
-                        gSink = gSink + static_cast<std::uint64_t>(label.FontSize());
-                    else
-                        gSink = gSink + label.Caption().size();
-                }
-            },
-            seconds);
+        const auto direct =
+            which == "TextColor" ? Rate(
+                                       [&](int n) {
+                                           for (int i = 0; i < n; ++i)
+                                               gSink = gSink + label.TextColor();
+                                       },
+                                       seconds)
+            : which == "FontSize"
+                ? Rate(
+                      [&](int n) {
+                          for (int i = 0; i < n; ++i)
+                              gSink = gSink + static_cast<std::uint64_t>(label.FontSize());
+                      },
+                      seconds)
+                : Rate(
+                      [&](int n) {
+                          for (int i = 0; i < n; ++i) gSink = gSink + label.Caption().size();
+                      },
+                      seconds);
         const host::MemberInfo* member = entry->info->FindMember(property);
         const double table = Rate(
             [&](int n) {
