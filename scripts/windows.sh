@@ -2,12 +2,24 @@
 # Builds the Windows control library into dist/: korvex_tools.dll (x86-64, cross-built with
 # MinGW-w64), its type library korvex_tools.tlb, INSTALL.txt and the sample script. Installs the
 # Debian packages it needs (only the missing ones), as scripts/deps.sh does.
+#
+#   bash scripts/windows.sh           dist/ for 64-bit Windows
+#   bash scripts/windows.sh --i686    also dist/i686/korvex_tools.dll, for 32-bit hosts
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+i686=no
+for option in "$@"; do
+    case "$option" in
+        --i686) i686=yes ;;
+        *) echo "usage: windows.sh [--i686]" >&2; exit 2 ;;
+    esac
+done
 
 # The cross compiler, widl for the type library (its stdole2.tlb import comes with Wine), the
 # header-only JSON library the layers use.
 packages=(cmake ninja-build g++-mingw-w64-x86-64 mingw-w64-tools nlohmann-json3-dev wine64)
+[ "$i686" = no ] || packages+=(g++-mingw-w64-i686)
 
 missing=()
 for p in "${packages[@]}"; do
@@ -16,7 +28,8 @@ done
 as_root() { if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi; }
 if [ "${#missing[@]}" -gt 0 ]; then
     as_root apt-get update -qq
-    DEBIAN_FRONTEND=noninteractive as_root apt-get install -y -qq --no-install-recommends "${missing[@]}"
+    export DEBIAN_FRONTEND=noninteractive
+    as_root apt-get install -y -qq --no-install-recommends "${missing[@]}"
 fi
 
 cmake --preset mingw
@@ -33,5 +46,11 @@ mkdir -p dist
 cp "$dll" "$tlb" dist/
 cp scripts/windows/INSTALL.txt dist/INSTALL.txt
 cp examples/windows_button.vbs dist/
+if [ "$i686" = yes ]; then
+    cmake --preset mingw32
+    cmake --build --preset mingw32 --target korvex_tools -j "$(nproc)"
+    mkdir -p dist/i686
+    cp "$(find build/mingw32 -name korvex_tools.dll -print -quit)" dist/i686/
+fi
 echo "dist/:"
 ls -l dist
