@@ -8,13 +8,16 @@
 
 namespace korvex::com {
 
+namespace {
+// A plain pointer: a thread_local with a destructor would leave the thread a call into this DLL
+// to make at its exit, after the DLL may have been unloaded.
+thread_local ThreadContext* tCurrent = nullptr;
+}  // namespace
+
 std::shared_ptr<ThreadContext> ThreadContext::Current() {
-    thread_local std::weak_ptr<ThreadContext> current;
-    std::shared_ptr<ThreadContext> context = current.lock();
-    if (!context) {
-        context = std::make_shared<ThreadContext>();
-        current = context;
-    }
+    if (tCurrent) return tCurrent->shared_from_this();
+    auto context = std::make_shared<ThreadContext>();
+    tCurrent = context.get();
     return context;
 }
 
@@ -24,6 +27,7 @@ ThreadContext::ThreadContext() : host_(&platform_) {
 }
 
 ThreadContext::~ThreadContext() {
+    if (tCurrent == this) tCurrent = nullptr;
     if (typeLib_) typeLib_->Release();
 }
 

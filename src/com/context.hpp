@@ -11,7 +11,7 @@
 
 namespace korvex::com {
 
-class ThreadContext {
+class ThreadContext : public std::enable_shared_from_this<ThreadContext> {
   public:
     // The calling thread's context, made on first use.
     static std::shared_ptr<ThreadContext> Current();

@@ -43,6 +43,65 @@ HRESULT ReadAll(IStream* stream, void* data, ULONG size) {
     return read == size ? S_OK : E_FAIL;
 }
 
+// The object's two connection points, in turn. Holding them holds the object.
+class PointEnumerator final : public IEnumConnectionPoints {
+  public:
+    PointEnumerator(std::vector<IConnectionPoint*> points, std::size_t at)
+        : points_(std::move(points)), at_(at) {
+        for (IConnectionPoint* point : points_) point->AddRef();
+    }
+    ~PointEnumerator() {
+        for (IConnectionPoint* point : points_) point->Release();
+    }
+    PointEnumerator(const PointEnumerator&) = delete;
+    PointEnumerator& operator=(const PointEnumerator&) = delete;
+
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
+        if (!ppv) return E_POINTER;
+        if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IEnumConnectionPoints)) {
+            *ppv = static_cast<IEnumConnectionPoints*>(this);
+            AddRef();
+            return S_OK;
+        }
+        *ppv = nullptr;
+        return E_NOINTERFACE;
+    }
+    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++refs_); }
+    ULONG STDMETHODCALLTYPE Release() override {
+        const long left = --refs_;
+        if (left == 0) delete this;
+        return static_cast<ULONG>(left);
+    }
+    HRESULT STDMETHODCALLTYPE Next(ULONG count, IConnectionPoint** out, ULONG* fetched) override {
+        if (!out) return E_POINTER;
+        ULONG got = 0;
+        for (; got < count && at_ < points_.size(); ++got) {
+            out[got] = points_[at_++];
+            out[got]->AddRef();
+        }
+        if (fetched) *fetched = got;
+        return got == count ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
+        at_ = std::min(points_.size(), at_ + count);
+        return at_ < points_.size() ? S_OK : S_FALSE;
+    }
+    HRESULT STDMETHODCALLTYPE Reset() override {
+        at_ = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE Clone(IEnumConnectionPoints** out) override {
+        if (!out) return E_POINTER;
+        *out = new (std::nothrow) PointEnumerator(points_, at_);
+        return *out ? S_OK : E_OUTOFMEMORY;
+    }
+
+  private:
+    long refs_ = 1;
+    std::vector<IConnectionPoint*> points_;
+    std::size_t at_;
+};
+
 }  // namespace
 
 HRESULT ControlObject::Create(const ClassEntry& entry, REFIID riid, void** ppv) {
@@ -433,8 +492,9 @@ HRESULT ControlObject::GetGUID(DWORD kind, GUID* guid) {
 // IConnectionPointContainer
 
 HRESULT ControlObject::EnumConnectionPoints(IEnumConnectionPoints** out) {
-    if (out) *out = nullptr;
-    return E_NOTIMPL;
+    if (!out) return E_POINTER;
+    *out = new (std::nothrow) PointEnumerator({&events_, &notify_}, 0);
+    return *out ? S_OK : E_OUTOFMEMORY;
 }
 
 HRESULT ControlObject::FindConnectionPoint(REFIID riid, IConnectionPoint** out) {
@@ -996,6 +1056,29 @@ HRESULT ControlObject::GetExtent(DWORD aspect, LONG, DVTARGETDEVICE*, LPSIZEL si
 HRESULT ControlObject::QuickActivate(QACONTAINER* container, QACONTROL* control) {
     if (!container || !control) return E_POINTER;
     SetClientSite(container->pClientSite);
+    // A site that answers no ambient property through IDispatch hands them over here.
+    IDispatch* ambient = nullptr;
+    if (container->pClientSite && SUCCEEDED(container->pClientSite->QueryInterface(
+                                      IID_IDispatch, reinterpret_cast<void**>(&ambient))))
+        ambient->Release();
+    else {
+        ambient_.UserMode = (container->dwAmbientFlags & QACONTAINER_USERMODE) != 0;
+        ambient_.ForeColor = container->colorFore;
+        ambient_.BackColor = container->colorBack;
+        if (container->pFont) {
+            VARIANT font;
+            VariantInit(&font);
+            V_VT(&font) = VT_UNKNOWN;
+            V_UNKNOWN(&font) = container->pFont;
+            try {
+                const host::Variant read = ToHost(font);
+                if (read.Kind() == host::VarKind::Font && read.ToFont())
+                    ambient_.Font = read.ToFont();
+            } catch (const host::HostError&) {
+                // Not a font the host can read: the default stays.
+            }
+        }
+    }
     if (container->pAdviseSink) SetAdvise(DVASPECT_CONTENT, 0, container->pAdviseSink);
     control->cbSize = sizeof *control;
     control->dwEventCookie = 0;

@@ -25,6 +25,8 @@ const host::MemberInfo* FindMember(const host::ClassInfo& info, DISPID id) {
 HRESULT GetIdsOfNames(const host::ClassInfo& info, LPOLESTR* names, UINT count, DISPID* ids) {
     if (!names || !ids) return E_POINTER;
     if (count == 0) return S_OK;
+    for (UINT i = 0; i < count; ++i)
+        if (!names[i]) return E_POINTER;
     const host::MemberInfo* member = info.FindMember(Narrow(names[0], wcslen(names[0])));
     ids[0] = member ? member->dispId : DISPID_UNKNOWN;
     HRESULT hr = member ? S_OK : DISP_E_UNKNOWNNAME;
@@ -77,7 +79,8 @@ bool Has(WORD flags, WORD flag) {
 HRESULT InvokeMember(host::Object& object, const host::ClassInfo& info, DISPID id, WORD flags,
                      DISPPARAMS* params, VARIANT* result, EXCEPINFO* exception, UINT* argError,
                      std::string_view source, EditGate* gate) {
-    if (!params) return E_INVALIDARG;
+    DISPPARAMS none{};
+    if (!params) params = &none;
     const host::MemberInfo* member = FindMember(info, id);
     if (!member) return DISP_E_MEMBERNOTFOUND;
     const bool put = Has(flags, DISPATCH_PROPERTYPUT) || Has(flags, DISPATCH_PROPERTYPUTREF);

@@ -11,6 +11,7 @@
 // the outcome records below (a false positive, as with -Wrestrict in KorvexWin32.cmake).
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -718,6 +719,20 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
     Check(points && SUCCEEDED(points->FindConnectionPoint(entry.eventIid, &point)), group,
           info.name + " event connection point");
     if (!point) return;
+    Ptr<IEnumConnectionPoints> all;
+    std::vector<IID> iids;
+    if (SUCCEEDED(points->EnumConnectionPoints(&all.p))) {
+        IConnectionPoint* each = nullptr;
+        while (all->Next(1, &each, nullptr) == S_OK) {
+            IID iid{};
+            each->GetConnectionInterface(&iid);
+            iids.push_back(iid);
+            each->Release();
+        }
+    }
+    Check(iids.size() == 2 && IsEqualIID(iids[0], entry.eventIid) &&
+              IsEqualIID(iids[1], IID_IPropertyNotifySink),
+          group, info.name + " EnumConnectionPoints: the events and IPropertyNotifySink");
     auto* sink = new EventSink(entry.eventIid);
     sink->writeFirst = true;
     DWORD cookie = 0;
@@ -1068,6 +1083,38 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
               info.name + " closed");
     }
     Check(site.refs == 0, group, info.name + " lets go of its site");
+
+    // Quick activation: the site, the event sink and the notification sink in one call.
+    {
+        Ptr<IDispatch> object = server.Create(entry);
+        auto* sink = new EventSink(entry.eventIid);
+        auto* notify = new NotifySink;
+        QACONTAINER container{};
+        container.cbSize = sizeof container;
+        container.pClientSite = &site;
+        container.pUnkEventSink = sink;
+        container.pPropertyNotifySink = notify;
+        container.dwAmbientFlags = QACONTAINER_USERMODE;
+        QACONTROL control{};
+        control.cbSize = sizeof control;
+        Check(Query<IQuickActivate>(object.p, IID_IQuickActivate)
+                          ->QuickActivate(&container, &control) == S_OK &&
+                  control.dwEventCookie != 0 && control.dwPropNotifyCookie != 0 &&
+                  control.dwMiscStatus == com::kMiscStatus,
+              group, info.name + " QuickActivate connects both sinks");
+        Query<IPersistStreamInit>(object.p, IID_IPersistStreamInit)->InitNew();
+        if (const host::MemberInfo* caption = info.FindMember("Caption")) {
+            Dispatch(object.p, caption->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant("Schnell"))});
+            Check(std::find(notify->changed.begin(), notify->changed.end(), caption->dispId) !=
+                      notify->changed.end(),
+                  group, info.name + " its notification sink hears Caption");
+        }
+        Query<IOleObject>(object.p, IID_IOleObject)->SetClientSite(nullptr);
+        sink->Release();
+        notify->Release();
+    }
+    Check(site.refs == 0, group, info.name + " lets go of its site after quick activation");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -1228,9 +1275,18 @@ int main(int argc, char** argv) {
                 Check(false, "property bags", std::string(argv[i]) + ": " + e.what());
             }
         }
-        CoFreeUnusedLibraries();
         Check(server.canUnloadNow() == S_OK, "classes",
               "DllCanUnloadNow once every object is gone");
+        // Unloaded and loaded again, it serves as before: nothing of the first load is left.
+        CoFreeUnusedLibrariesEx(0, 0);
+        FreeLibrary(server.module);
+        Check(GetModuleHandleW(server.path.c_str()) == nullptr, "classes", "the DLL unloads");
+        Server again;
+        Check(again.Load(argv[1]), "classes", "the DLL loads again");
+        if (again.module) {
+            CheckInPlace(again, com::PublicClasses().back());
+            Check(again.canUnloadNow() == S_OK, "classes", "DllCanUnloadNow after the second load");
+        }
         for (const std::string& note : gNotes) std::printf("note: %s\n", note.c_str());
         int total = 0;
         for (const auto& [group, count] : gChecked) {
