@@ -13,8 +13,9 @@ The comparison: where a control draws no text, every pixel must be equal. Where 
 the two systems' fonts differ (the simulated platform rasterises with FreeType, Wine with its own
 font engine and substitute faces), so glyph shapes and advance widths differ: pixels may differ
 only inside the text's box, found as the pixels that change between the native renderings with
-and without the text, grown by TEXT_MARGIN pixels each side; outside it every pixel must be
-equal. Mismatching pictures get a diff PNG (red: a real mismatch, yellow: inside the text box).
+and without the text, grown by TEXT_MARGIN (4) pixels each side; outside it every pixel must be
+equal. Inside it the host must still draw text: at least TEXT_INK (half) as many pixels must
+differ from the rendering without text as the simulated text changes. Mismatching pictures get a diff PNG (red: a real mismatch, yellow: inside the text box).
 
 Before any of it the host is tried on a control Wine itself provides (its web browser control),
 so a broken host shows as such and not as a fault of the library. Exit status 0 all equal,
@@ -34,6 +35,9 @@ from hosts import (find_dll, find_wine, native_snapshot, registered, run_wine, s
 # Glyphs of one size drawn by two font engines: different shapes and advance widths, so a word's
 # right end moves by a few pixels; anti-aliasing adds a pixel around each stroke.
 TEXT_MARGIN = 4
+# ... but text there must be: the share of the simulated text's pixels the host's text must match
+# in number (changed from the rendering without text).
+TEXT_INK = 0.5
 
 # name, class, width and height in pixels, properties in the order the host sets them, the
 # properties that carry text (left empty for the text box).
@@ -103,12 +107,17 @@ def compare(korvex, out, case):
         return (f"{name}: {cls} window {host[0]}x{host[1]} in the ATL host, {sim[0]}x{sim[1]} in the "
                 f"simulated run"), False
     mismatches = pixels.differing(host, sim)
-    allowed = set()
+    allowed, drawn = set(), True
     if text_keys:
         blank = dict(properties, **{key: "" for key in text_keys})
         plain = pixels.read_png(native_snapshot(korvex, out, name + "_blank", f"Korvex_Tools.{cls}",
                                                 width, height, blank))
-        allowed = pixels.grown_box(pixels.differing(sim, plain), TEXT_MARGIN, sim[0], sim[1])
+        ink = pixels.differing(sim, plain)
+        allowed = pixels.grown_box(ink, TEXT_MARGIN, sim[0], sim[1])
+        # The freedom inside the box is for other glyphs, not for none: the host's text must
+        # change at least TEXT_INK of the pixels the simulated text changes.
+        host_ink = pixels.differing(host, plain) & allowed
+        drawn = len(host_ink) >= TEXT_INK * len(ink)
     outside = mismatches - allowed
     if mismatches:
         pixels.write_png(out / f"{name}.diff.png", pixels.diff_picture(sim, host, mismatches, allowed))
@@ -116,10 +125,11 @@ def compare(korvex, out, case):
     total = width * height
     if text_keys:
         line = (f"{name}: {cls} {width}x{height}: {len(outside)} of {total - len(allowed)} pixels differ "
-                f"outside the text box, {len(mismatches) - len(outside)} of {len(allowed)} inside it")
+                f"outside the text box, {len(mismatches) - len(outside)} of {len(allowed)} inside it"
+                + ("" if drawn else "; the ATL host's picture has (almost) no text in the box"))
     else:
         line = f"{name}: {cls} {width}x{height}: {len(mismatches)} of {total} pixels differ"
-    return line, not outside
+    return line, not outside and drawn
 
 
 def shots(args):
