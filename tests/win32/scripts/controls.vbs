@@ -173,6 +173,33 @@ Err.Clear
 On Error GoTo 0
 Check "Icons.Icon(""keine Zahl"", ...) error", number, 13
 
+' Without a site a control is at run time (UserMode defaults to True): the hyperlink takes
+' Clicked, which the designer refuses (387), and Refresh clears it.
+On Error Resume Next
+lnk.Clicked = True
+number = Err.Number
+Err.Clear
+On Error GoTo 0
+Check "Hyperlink.Clicked = True without a site: error", number, 0
+Check "Hyperlink.Clicked", lnk.Clicked, True
+lnk.Refresh
+Check "Hyperlink.Clicked after Refresh", lnk.Clicked, False
+
+' Methods, a property of a property's object, a picture handed from one control to another.
+lin.DrawLine
+btn.Refresh
+btn.DrawRectB True
+btn.NotFrmFocus True
+Check "methods DrawLine, Refresh, DrawRectB, NotFrmFocus", "called", "called"
+btn.Font.Bold = True
+Check "Button.Font.Bold through the font object", btn.Font.Bold, True
+Set pic = ico.Icon("1", "32", 5)
+Check "Icons.Icon(1, 32, 5) is an icon (type 3)", pic.Type, 3
+Check "Icons.Icon(1, 32, 5) width (HIMETRIC of 32 px)", pic.Width, 847
+Set btn.PictureUp = pic
+Check "Set Button.PictureUp = a picture", btn.PictureUp Is Nothing, False
+Check "Button.PictureUp keeps its size", btn.PictureUp.Height, 847
+
 ' A name no control has: the host's own error.
 On Error Resume Next
 btn.NoSuchMember = 1
