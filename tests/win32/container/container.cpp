@@ -7,7 +7,8 @@
 //   korvex-container --stock PROGID      the site alone, on a control the system provides
 //
 // CASES.json: {"bags": [{"Name": N, "ProgID": P, "Properties": {...}}, ...], "input": [{"Name",
-// "ProgID", "Properties", "Width", "Height" (pixels), "Point": [X, Y], "ByReference"}, ...]},
+// "ProgID", "Properties", "Width", "Height" (pixels), "Point": [X, Y], "ByReference"}, ...],
+// "mnemonics": [{"Name", "ProgID", "Properties", "Key": "T"}, ...]},
 // values in the form file's encoding. OUT.json gets what each control saved into our property bag
 // after loading those properties, in the same encoding, for comparison with `korvex bag`.
 // Everything else is printed, one line per fact: "event C.Name(args)", "changed C.Property", "ok
@@ -1115,6 +1116,50 @@ void Input(const Json& cases) {
     }
 }
 
+// Access keys the way a form does it: the control's accelerator table (IOleControl::
+// GetControlInfo) must hold Alt and the caption's letter; the Alt+letter message then goes to
+// IOleControl::OnMnemonic, and what the control raises is printed for comparison with the
+// simulated run's "key alt".
+void Mnemonics(const Json& cases) {
+    for (const Json& c : cases) {
+        const std::string cls = c["Name"].get<std::string>();
+        const auto letter = static_cast<WORD>(c["Key"].get<std::string>().at(0));
+        Hosted control;
+        std::vector<std::string> log;
+        PropertyBag* bag = new PropertyBag;
+        for (const auto& [key, value] : c["Properties"].items()) bag->Add(key, value);
+        if (!Host(control, c["ProgID"].get<std::string>(), "C", true, bag,
+                  RECT{200, 300, 320, 360}))
+            continue;
+        EventSink* sink = new EventSink(control.source, control.events, "C", log, false);
+        Advise(control.ole, control.source, sink);
+        Advise(control.ole, IID_IPropertyNotifySink, new PropertySink(control.members, "C", log));
+        IOleControl* ole = nullptr;
+        control.ole->QueryInterface(IID_IOleControl, reinterpret_cast<void**>(&ole));
+        CONTROLINFO info{};
+        info.cb = sizeof info;
+        bool listed = false;
+        if (ole && SUCCEEDED(ole->GetControlInfo(&info)) && info.hAccel && info.cAccel > 0) {
+            std::vector<ACCEL> keys(info.cAccel);
+            CopyAcceleratorTableW(info.hAccel, keys.data(), static_cast<int>(keys.size()));
+            for (const ACCEL& k : keys)
+                listed |= k.key == letter && (k.fVirt & (FALT | FVIRTKEY)) == (FALT | FVIRTKEY);
+        }
+        Check(listed, cls + ": GetControlInfo lists Alt+" + c["Key"].get<std::string>() + " (" +
+                          std::to_string(info.cAccel) + " keys)");
+        Pump(30);
+        log.clear();
+        Line("mnemonic " + cls + ":");
+        MSG message{frameWindow, WM_SYSKEYDOWN, letter, 0x20000001, GetTickCount(), {0, 0}};
+        const HRESULT hr = ole ? ole->OnMnemonic(&message) : E_NOINTERFACE;
+        Pump(30);
+        for (const std::string& entry : log) Line(entry);
+        Check(SUCCEEDED(hr), cls + ": OnMnemonic " + Hex(hr));
+        if (ole) ole->Release();
+        Close(control);
+    }
+}
+
 // The about box under a modal loop: a timer finds the new top-level window, notes it and closes
 // it (WM_CLOSE, then Escape); after ten seconds the program gives up rather than hang.
 std::vector<HWND> known;
@@ -1266,6 +1311,8 @@ int main(int argc, char** argv) {
     DesignAndRunMode();
     Line("section input");
     Input(cases["input"]);
+    Line("section mnemonics");
+    Mnemonics(cases["mnemonics"]);
     Line("section about");
     AboutBox();
     Line("container: " + std::to_string(failures) + " failures");
