@@ -4,13 +4,16 @@
   container.py --korvex EXE --container EXE --mingw DIR --prefix DIR --out DIR
 
 The container prints its own checks (ok/FAIL lines: design and run mode through the UserMode
-ambient, the bag and stream round trips, events by reference, the about box); this driver adds
-the comparisons with the native korvex tool:
+ambient, the bag, stream and storage round trips, events by reference, IQuickActivate, access
+keys, the about box); this driver adds the comparisons with the native korvex tool:
   - what each control saves into the container's property bag after loading the case's
     properties must be exactly what `korvex bag` prints for the same form file entry: the same
     keys in the same order, the same values and kinds;
-  - the events and property changes that mouse and key messages to a Button's windows raise
-    must be the lines `korvex run` prints for the same steps on the simulated platform.
+  - the events and property changes that mouse and key messages to a control's windows raise,
+    and those of its access key (OnMnemonic), must be the lines `korvex run` prints for the same
+    steps on the simulated platform;
+  - a control's ShowAboutBox opens a box where the simulated run's does, and none where it does
+    not.
 
 Exit status 0 all passed, 1 a failure, 77 without Wine, the container program or the DLL.
 """

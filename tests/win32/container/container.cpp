@@ -1,7 +1,8 @@
 // A container of our own for korvex_tools.dll, for what Wine's ATL host and script host do not
-// reach: the UserMode ambient (design and run mode), persistence through a property bag and a
-// stream, events with by-reference arguments, property change notifications, the about box under
-// a modal loop, and mouse and key input sent as messages to the control's windows.
+// reach: the UserMode ambient (design and run mode), persistence through a property bag, a stream
+// and a storage, events with by-reference arguments, property change notifications, creation
+// through IQuickActivate, access keys, the about box under a modal loop, and mouse and key input
+// sent as messages to the control's windows.
 //
 //   korvex-container CASES.json OUT.json
 //   korvex-container --stock PROGID      the site alone, on a control the system provides
@@ -718,7 +719,7 @@ void ReadClassInfo(Hosted& h) {
 // Creates a control the way a form designer loads one: the site first when the control asks for
 // it, then its properties from the bag (or new ones), then in-place activation in the frame.
 bool Host(Hosted& h, const std::string& progId, const std::string& name, bool userMode,
-          PropertyBag* bag, RECT rect, IStream* stream = nullptr) {
+          PropertyBag* bag, RECT rect, IStream* stream = nullptr, IStorage* storage = nullptr) {
     h.name = name;
     CLSID clsid;
     HRESULT hr = CLSIDFromProgID(Widen(progId).c_str(), &clsid);
@@ -734,7 +735,15 @@ bool Host(Hosted& h, const std::string& progId, const std::string& name, bool us
     h.ole->GetMiscStatus(DVASPECT_CONTENT, &misc);
     const bool siteFirst = (misc & OLEMISC_SETCLIENTSITEFIRST) != 0;
     if (siteFirst) h.ole->SetClientSite(h.site);
-    if (stream) {
+    if (storage) {
+        IPersistStorage* persist = nullptr;
+        hr = h.ole->QueryInterface(IID_IPersistStorage, reinterpret_cast<void**>(&persist));
+        if (SUCCEEDED(hr)) {
+            hr = persist->Load(storage);
+            persist->Release();
+        }
+        Check(SUCCEEDED(hr), name + ": IPersistStorage::Load into a new object " + Hex(hr));
+    } else if (stream) {
         IPersistStreamInit* persist = nullptr;
         hr = h.ole->QueryInterface(IID_IPersistStreamInit, reinterpret_cast<void**>(&persist));
         if (SUCCEEDED(hr)) {
@@ -956,9 +965,35 @@ Json Persistence(const Json& cases) {
                                       " readable properties are the same" + differ);
         }
         if (stream) stream->Release();
+
+        // And through a compound document's storage, as an OLE document holds its objects.
+        Hosted fourth;
+        ILockBytes* bytes = nullptr;
+        IStorage* storage = nullptr;
+        CreateILockBytesOnHGlobal(nullptr, TRUE, &bytes);
+        hr = StgCreateDocfileOnILockBytes(
+            bytes, STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, &storage);
+        IPersistStorage* store = nullptr;
+        if (SUCCEEDED(hr))
+            hr = first.ole->QueryInterface(IID_IPersistStorage, reinterpret_cast<void**>(&store));
+        if (SUCCEEDED(hr)) {
+            hr = store->Save(storage, FALSE);
+            store->SaveCompleted(nullptr);
+            store->Release();
+        }
+        Check(SUCCEEDED(hr), name + ": IPersistStorage::Save " + Hex(hr));
+        if (SUCCEEDED(hr) &&
+            Host(fourth, progId, name, true, nullptr, NextRect(100, 30), nullptr, storage)) {
+            const Json bag4 = SaveBag(fourth);
+            Check(bag4 == bag, name + ": a storage round trip saves the same bag" +
+                                   (bag4 == bag ? "" : ": " + bag4.dump()));
+        }
+        if (storage) storage->Release();
+        if (bytes) bytes->Release();
         Close(first);
         Close(second);
         Close(third);
+        Close(fourth);
     }
     return saved;
 }
