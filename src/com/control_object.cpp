@@ -201,7 +201,6 @@ void ControlObject::EnsureControl(host::PropertyBag* bag) {
     if (control_) return;
     const HWND site = SiteWindow();
     parent_ = site ? context_->Platform().AdoptWindow(site) : platform::HWND{};
-    if (!site) position_ = RECT{};
     host::HostContext& host = context_->Host();
     std::shared_ptr<host::Control> control;
     {
@@ -703,7 +702,8 @@ HRESULT ControlObject::DoVerb(LONG verb, LPMSG, IOleClientSite* activeSite, LONG
             }
             return S_OK;
         default:
-            return OLEOBJ_S_INVALIDVERB;
+            // Verbs of its own it has none; the standard ones it does not take are not there.
+            return verb > 0 ? OLEOBJ_S_INVALIDVERB : E_NOTIMPL;
     }
 }
 
@@ -1007,9 +1007,33 @@ HRESULT ControlObject::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC
     if (!dc) return E_INVALIDARG;
     try {
         EnsureControl(nullptr);
-        const platform::POINT origin{bounds ? bounds->left : 0, bounds ? bounds->top : 0};
-        return context_->Platform().PrintWindow(control_->SurfaceWindow(), dc, origin) ? S_OK
-                                                                                       : E_FAIL;
+        platform::win32::Win32Platform& p = context_->Platform();
+        const platform::HWND window = control_->SurfaceWindow();
+        RECT client{};
+        GetClientRect(NativeControlWindow(), &client);
+        const RECTL at = bounds ? *bounds : RECTL{0, 0, client.right, client.bottom};
+        const DWORD kind = GetObjectType(dc);
+        const bool direct = at.right - at.left == client.right &&
+                            at.bottom - at.top == client.bottom && kind != OBJ_METADC &&
+                            kind != OBJ_ENHMETADC;
+        if (direct) return p.PrintWindow(window, dc, {at.left, at.top}) ? S_OK : E_FAIL;
+        // Another size, or a metafile: the window's picture at its own size, stretched there.
+        HDC memory = CreateCompatibleDC(nullptr);
+        BITMAPINFO info{};
+        info.bmiHeader = {
+            sizeof info.bmiHeader, client.right, -client.bottom, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+        void* bits = nullptr;
+        HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+        const HGDIOBJ old = bitmap ? SelectObject(memory, bitmap) : nullptr;
+        const bool ok = bitmap && p.PrintWindow(window, memory, {0, 0}) &&
+                        StretchBlt(dc, at.left, at.top, at.right - at.left, at.bottom - at.top,
+                                   memory, 0, 0, client.right, client.bottom, SRCCOPY);
+        if (bitmap) {
+            SelectObject(memory, old);
+            DeleteObject(bitmap);
+        }
+        DeleteDC(memory);
+        return ok ? S_OK : E_FAIL;
     } catch (...) {
         return Failed();
     }

@@ -20,23 +20,29 @@ using host::HostError;
     throw HostError(host::kErrTypeMismatch);
 }
 
-// The host font's attributes from an OLE font.
-void CopyFont(IFont& from, host::StdFont& to) {
-    BSTR name = nullptr;
-    if (SUCCEEDED(from.get_Name(&name))) {
-        to.Name(Narrow(name));
+// The host font's attributes from an OLE font: all of them, or the one a change notification
+// names (reading only that one keeps the others as the host has them, not as the system
+// realises them).
+void CopyFont(IFont& from, host::StdFont& to, DISPID which = DISPID_UNKNOWN) {
+    const auto wanted = [which](DISPID id) { return which == DISPID_UNKNOWN || which == id; };
+    BOOL flag = FALSE;
+    if (wanted(DISPID_FONT_NAME)) {
+        BSTR name = nullptr;
+        if (SUCCEEDED(from.get_Name(&name))) to.Name(Narrow(name));
         SysFreeString(name);
     }
     CY size{};
-    if (SUCCEEDED(from.get_Size(&size))) to.Size(static_cast<double>(size.int64) / 10000.0);
-    SHORT weight = 0;
-    if (SUCCEEDED(from.get_Weight(&weight))) to.Weight(weight);
-    BOOL flag = FALSE;
-    if (SUCCEEDED(from.get_Italic(&flag))) to.Italic(flag != FALSE);
-    if (SUCCEEDED(from.get_Underline(&flag))) to.Underline(flag != FALSE);
-    if (SUCCEEDED(from.get_Strikethrough(&flag))) to.Strikethrough(flag != FALSE);
-    SHORT charset = 0;
-    if (SUCCEEDED(from.get_Charset(&charset))) to.Charset(charset);
+    if (wanted(DISPID_FONT_SIZE) && SUCCEEDED(from.get_Size(&size)))
+        to.Size(static_cast<double>(size.int64) / 10000.0);
+    SHORT number = 0;
+    if (wanted(DISPID_FONT_WEIGHT) && SUCCEEDED(from.get_Weight(&number))) to.Weight(number);
+    if (which == DISPID_FONT_BOLD && SUCCEEDED(from.get_Bold(&flag))) to.Bold(flag != FALSE);
+    if (wanted(DISPID_FONT_ITALIC) && SUCCEEDED(from.get_Italic(&flag))) to.Italic(flag != FALSE);
+    if (wanted(DISPID_FONT_UNDER) && SUCCEEDED(from.get_Underline(&flag)))
+        to.Underline(flag != FALSE);
+    if (wanted(DISPID_FONT_STRIKE) && SUCCEEDED(from.get_Strikethrough(&flag)))
+        to.Strikethrough(flag != FALSE);
+    if (wanted(DISPID_FONT_CHARSET) && SUCCEEDED(from.get_Charset(&number))) to.Charset(number);
 }
 
 // Keeps a host font in step with the OLE font handed out for it, so `ctl.Font.Bold = True`
@@ -63,10 +69,10 @@ class FontLink final : public IPropertyNotifySink {
         if (left == 0) delete this;
         return static_cast<ULONG>(left);
     }
-    HRESULT STDMETHODCALLTYPE OnChanged(DISPID) override {
+    HRESULT STDMETHODCALLTYPE OnChanged(DISPID id) override {
         if (std::shared_ptr<host::StdFont> target = target_.lock()) {
             try {
-                CopyFont(*source_, *target);
+                CopyFont(*source_, *target, id);
             } catch (const std::exception&) {
                 return S_OK;  // a value the host refuses leaves its font as it was
             }

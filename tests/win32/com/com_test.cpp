@@ -560,6 +560,71 @@ void CheckDispatch(const Server& server, const com::ClassEntry& entry) {
                   host::DisplayText(want.value));
     }
 
+    // A font handed out is the control's: a change made through it reaches the control, and
+    // only the attribute changed moves.
+    for (const host::MemberInfo& m : info.members) {
+        if (m.type.code != host::TypeCode::Font || m.kind != host::MemberInfo::Kind::Property)
+            continue;
+        // The face and size as the control keeps them, where the class shows them: a face the
+        // system lacks and a size between its pixel heights, which an OLE font would realise.
+        const host::MemberInfo* size = info.FindMember("FontSize");
+        const host::MemberInfo* face = info.FindMember("FontName");
+        if (size) {
+            HostPut(*control, *size, host::Variant(16.0f));
+            Dispatch(object.p, size->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant(16.0f))});
+        }
+        if (face) {
+            HostPut(*control, *face, host::Variant("Arial"));
+            Dispatch(object.p, face->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant("Arial"))});
+        }
+        const auto kept = [&] {
+            std::string text;
+            if (size)
+                text += host::DisplayText(
+                    Dispatch(object.p, size->dispId, DISPATCH_PROPERTYGET, {}).value);
+            if (face)
+                text += " " + host::DisplayText(
+                                  Dispatch(object.p, face->dispId, DISPATCH_PROPERTYGET, {}).value);
+            return text;
+        };
+        const std::string keptBefore = kept();
+        VARIANT font;
+        VariantInit(&font);
+        DISPPARAMS none{};
+        object->Invoke(m.dispId, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, &font, nullptr, nullptr);
+        Ptr<IFont> ole =
+            Query<IFont>(V_VT(&font) == VT_DISPATCH ? V_DISPATCH(&font) : nullptr, IID_IFont);
+        const host::Variant before = Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value;
+        if (ole && before.ToFont()) {
+            ole->put_Bold(before.ToFont()->Bold() ? FALSE : TRUE);
+            ole->put_Italic(TRUE);
+            const host::Variant after =
+                Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value;
+            const auto f = after.ToFont();
+            Check(f && f->Bold() != before.ToFont()->Bold() && f->Italic() &&
+                      f->Size() == before.ToFont()->Size() && f->Name() == before.ToFont()->Name(),
+                  group, info.name + "." + m.name + " changed through the font it handed out");
+            Check(kept() == keptBefore, group,
+                  info.name + "." + m.name + " keeps its face and size: " + kept() + ", was " +
+                      keptBefore);
+            ole->put_Bold(before.ToFont()->Bold() ? TRUE : FALSE);
+            ole->put_Italic(before.ToFont()->Italic() ? TRUE : FALSE);
+            Check(
+                host::SameValue(Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value,
+                                before) ||
+                    Realized(*Dispatch(object.p, m.dispId, DISPATCH_PROPERTYGET, {}).value.ToFont())
+                        .SameAttributes(Realized(*before.ToFont())),
+                group, info.name + "." + m.name + " changed back");
+        } else {
+            Check(false, group, info.name + "." + m.name + " reads as an OLE font");
+        }
+        VariantClear(&font);
+        Dispatch(object.p, m.dispId, DISPATCH_PROPERTYPUTREF,
+                 {ToVariant(HostGet(*control, m).value)});
+    }
+
     // Every writable property takes or refuses what the host takes or refuses, with its number;
     // a refused value changes nothing.
     for (const host::MemberInfo& m : info.members) {
@@ -985,27 +1050,51 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
                   extent.cy == MulDiv((now.bottom - now.top) * 15, 2540, 1440),
               group, info.name + " extent in himetric");
 
-        // Drawn into a device context of the container's.
-        const BITMAPINFO bi{{sizeof(BITMAPINFOHEADER), 200, -100, 1, 32, BI_RGB, 0, 0, 0, 0, 0},
-                            {}};
-        void* bits = nullptr;
-        HDC dc = CreateCompatibleDC(nullptr);
-        HBITMAP bitmap = CreateDIBSection(dc, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
-        HGDIOBJ old = SelectObject(dc, bitmap);
-        std::memset(bits, 0x5A, 200 * 100 * 4);
-        const RECTL bounds{0, 0, 120, 40};
-        const HRESULT drawn = Query<IViewObject2>(object.p, IID_IViewObject2)
-                                  ->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc,
-                                         &bounds, nullptr, nullptr, 0);
-        GdiFlush();
+        // Drawn into a device context of the container's: at its own size, and at twice that,
+        // where every pixel is its own pixel doubled.
+        const int w = now.right - now.left;
+        const int h = now.bottom - now.top;
+        const auto draw = [&](int scale, std::vector<std::uint32_t>& pixels) {
+            const BITMAPINFO bi{
+                {sizeof(BITMAPINFOHEADER), 2 * w + 8, -(2 * h + 8), 1, 32, BI_RGB, 0, 0, 0, 0, 0},
+                {}};
+            void* bits = nullptr;
+            HDC dc = CreateCompatibleDC(nullptr);
+            HBITMAP bitmap = CreateDIBSection(dc, &bi, DIB_RGB_COLORS, &bits, nullptr, 0);
+            HGDIOBJ old = SelectObject(dc, bitmap);
+            std::memset(bits, 0x5A, static_cast<std::size_t>((2 * w + 8) * (2 * h + 8) * 4));
+            const RECTL bounds{0, 0, scale * w, scale * h};
+            const HRESULT hr = Query<IViewObject2>(object.p, IID_IViewObject2)
+                                   ->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, dc,
+                                          &bounds, nullptr, nullptr, 0);
+            GdiFlush();
+            const auto* p = static_cast<const std::uint32_t*>(bits);
+            pixels.assign(p, p + (2 * w + 8) * (2 * h + 8));
+            SelectObject(dc, old);
+            DeleteObject(bitmap);
+            DeleteDC(dc);
+            return hr;
+        };
+        std::vector<std::uint32_t> natural;
+        std::vector<std::uint32_t> doubled;
+        const HRESULT drawn = draw(1, natural);
         int painted = 0;
-        for (int y = 0; y < 40; ++y)
-            for (int x = 0; x < 120; ++x)
-                if (static_cast<const std::uint32_t*>(bits)[y * 200 + x] != 0x5A5A5A5Au) ++painted;
-        Check(drawn == S_OK && painted > 0, group, info.name + " IViewObject::Draw paints");
-        SelectObject(dc, old);
-        DeleteObject(bitmap);
-        DeleteDC(dc);
+        for (int y = 0; y < h; ++y)
+            for (int x = 0; x < w; ++x)
+                if (natural[static_cast<std::size_t>(y * (2 * w + 8) + x)] != 0x5A5A5A5Au)
+                    ++painted;
+        Check(drawn == S_OK && painted == w * h, group,
+              info.name + " IViewObject::Draw paints its whole rectangle");
+        int same = 0;
+        if (draw(2, doubled) == S_OK)
+            for (int y = 0; y < h; ++y)
+                for (int x = 0; x < w; ++x)
+                    if (doubled[static_cast<std::size_t>(2 * y * (2 * w + 8) + 2 * x)] ==
+                        natural[static_cast<std::size_t>(y * (2 * w + 8) + x)])
+                        ++same;
+        Check(same == w * h, group,
+              info.name + " drawn at twice its size: " + std::to_string(same) + " of " +
+                  std::to_string(w * h) + " pixels");
 
         // A click on its window reaches the event sink.
         if (const host::EventInfo* click = info.FindEvent("Click")) {
@@ -1046,11 +1135,51 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
         Check(ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, site.window, &moved) == S_OK &&
                   site.uiActivated == 1,
               group, info.name + " UI-activated");
-        CONTROLINFO controlInfo{};
-        controlInfo.cb = sizeof controlInfo;
-        Check(
-            SUCCEEDED(Query<IOleControl>(object.p, IID_IOleControl)->GetControlInfo(&controlInfo)),
-            group, info.name + " GetControlInfo");
+        // Access keys: the container learns them from GetControlInfo, as the control declares
+        // them, and hands a mnemonic back through OnMnemonic.
+        if (const host::MemberInfo* caption = info.FindMember("Caption")) {
+            Ptr<IDispatch> local;
+            com::ControlObject::Create(entry, IID_IDispatch, reinterpret_cast<void**>(&local.p));
+            const std::shared_ptr<host::Control> reference =
+                static_cast<com::ControlObject*>(local.p)->HostControl();
+            HostPut(*reference, *caption, host::Variant("&Klick"));
+            Dispatch(object.p, caption->dispId, DISPATCH_PROPERTYPUT,
+                     {ToVariant(host::Variant("&Klick"))});
+            const std::u32string keys = reference->AccessKeys();
+            CONTROLINFO controlInfo{};
+            controlInfo.cb = sizeof controlInfo;
+            Ptr<IOleControl> control = Query<IOleControl>(object.p, IID_IOleControl);
+            Check(SUCCEEDED(control->GetControlInfo(&controlInfo)) &&
+                      controlInfo.cAccel == keys.size(),
+                  group, info.name + " GetControlInfo lists its access keys");
+            std::vector<ACCEL> table(controlInfo.cAccel);
+            if (controlInfo.hAccel)
+                CopyAcceleratorTableW(controlInfo.hAccel, table.data(),
+                                      static_cast<int>(table.size()));
+            bool listed = keys.empty();
+            for (const ACCEL& a : table) listed = listed || (a.key == 'K' && (a.fVirt & FALT));
+            Check(listed, group, info.name + " Alt+K among its accelerators");
+            MSG mnemonic{window, WM_SYSKEYDOWN, 'K', 0, 0, {}};
+            auto* sink = new EventSink(entry.eventIid);
+            Ptr<IConnectionPoint> point;
+            Query<IConnectionPointContainer>(object.p, IID_IConnectionPointContainer)
+                ->FindConnectionPoint(entry.eventIid, &point);
+            DWORD cookie = 0;
+            point->Advise(sink, &cookie);
+            const HRESULT taken = control->OnMnemonic(&mnemonic);
+            point->Unadvise(cookie);
+            Check(taken == (keys.empty() ? S_FALSE : S_OK), group,
+                  info.name + " OnMnemonic " + Hex(taken));
+            // A button-like control clicks itself on its access key.
+            if (info.name == "Button") {
+                const host::EventInfo* click = info.FindEvent("Click");
+                bool clicked = false;
+                for (const EventSink::Call& call : sink->calls)
+                    clicked = clicked || call.id == click->id;
+                Check(clicked, group, info.name + " its access key clicks it");
+            }
+            sink->Release();
+        }
 
         // The designer's switch: the control is made again in the new mode, keeping its values.
         const host::MemberInfo* persisted = nullptr;
