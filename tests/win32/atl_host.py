@@ -13,7 +13,8 @@ The comparison: where a control draws no text, every pixel must be equal. Where 
 the two systems' fonts differ (the simulated platform rasterises with FreeType, Wine with its own
 font engine and substitute faces), so glyph shapes and advance widths differ: pixels may differ
 only inside the text's box, found as the pixels that change between the native renderings with
-and without the text, grown by TEXT_MARGIN (4) pixels each side; outside it every pixel must be
+and without the text (a picture that moves with its caption is inside it too), grown by
+TEXT_MARGIN (4) pixels each side; outside it every pixel must be
 equal. Inside it the host must still draw text: at least TEXT_INK (half) as many pixels must
 differ from the rendering without text as the simulated text changes. Mismatching pictures get a diff PNG (red: a real mismatch, yellow: inside the text box).
 
@@ -66,6 +67,19 @@ CASES = [
      {"AutoSizeH": False, "Caption": "korvex", "BackColorH": 0xFFFFFF, "LinkColor": 0xFF0000,
       "Url": "about:blank"}, ["Caption"]),
     ("icons", "Icons", 40, 40, {}, []),
+    ("line_thick", "Line3D", 150, 20,
+     {"Orientation": 0, "BorderWidth": 4, "BorderColor": 0x404080, "BorderForeColor": 0xC0C0FF}, []),
+    ("button_disabled", "Button", 90, 32,
+     {"Caption": "", "ButtonShow": 27, "BorderStyle": 2, "ToolTip": False, "EnabledB": False}, []),
+    ("button_picture_caption", "Button", 110, 36,
+     {"Caption": "Öffnen", "ButtonShow": 22, "BorderStyle": 1, "ToolTip": False}, ["Caption"]),
+    ("frames_centred", "Frames", 140, 70,
+     {"Caption": "Mitte", "Alignment": 1, "BorderStyle": 9, "BackColorF": 0xF0F0F0}, ["Caption"]),
+    ("label_flat", "Label3D", 120, 24,
+     {"Caption": "Flach", "Shadow": False, "TextColor": 0x008000, "BackColorL": 0xE0FFFF}, ["Caption"]),
+    ("hyperlink_border", "Hyperlink", 130, 26,
+     {"AutoSizeH": False, "Caption": "Verweis", "BorderStyle": 1, "Alignment": 1, "BackColorH": 0xE0FFFF},
+     ["Caption"]),
 ]
 
 # Differences whose cause is known to lie in korvex_tools.dll and is not fixed yet: printed as
