@@ -14,9 +14,11 @@ the two systems' fonts differ (the simulated platform rasterises with FreeType, 
 font engine and substitute faces), so glyph shapes and advance widths differ: pixels may differ
 only inside the text's box, found as the pixels that change between the native renderings with
 and without the text (a picture that moves with its caption is inside it too), grown by
-TEXT_MARGIN (4) pixels each side; outside it every pixel must be
-equal. Inside it the host must still draw text: at least TEXT_INK (half) as many pixels must
-differ from the rendering without text as the simulated text changes. Mismatching pictures get a diff PNG (red: a real mismatch, yellow: inside the text box).
+TEXT_MARGIN (4) pixels each side; outside it every pixel must be equal. Inside it the host must
+still draw text: at least TEXT_INK (half) as many pixels must differ from the rendering without
+text as the simulated text changes. Both sides paint with the same system colours (the prefix
+gets the simulated platform's for the run). Mismatching pictures get a diff PNG (red: a real
+mismatch, yellow: inside the text box).
 
 Before any of it the host is tried on a control Wine itself provides (its web browser control),
 so a broken host shows as such and not as a fault of the library. Exit status 0 all equal,
