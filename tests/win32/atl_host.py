@@ -2,7 +2,8 @@
 """korvex_tools.dll in Wine's ATL control host, compared with the simulated backend.
 
   atl_host.py shots --korvex EXE --host EXE --mingw DIR --prefix DIR --out DIR
-      Registers the DLL per user, has the ATL host (tests/win32/atlhost) create and in-place
+      Registers the DLL (per user, and per machine for Wine's COM: see hosts.registered), has
+      the ATL host (tests/win32/atlhost) create and in-place
       activate every public control by ProgID, set the case's properties through IDispatch and
       print the control window; renders the same control with the same properties and size with
       the native korvex tool, and compares the two pictures.

@@ -4,7 +4,8 @@
   script_host.py --mingw DIR --prefix DIR --scripts DIR --example FILE --out DIR
 
 First stock.vbs checks the host on an object Wine provides (Scripting.Dictionary). Then the DLL
-is registered per user (`regsvr32 /n /i:user`) and controls.vbs (creation by both ProgIDs,
+is registered (per user with `regsvr32 /n /i:user`, checked in the registry, and per machine for
+Wine's COM, which reads no user classes: see hosts.registered) and controls.vbs (creation by both ProgIDs,
 properties, numbered errors, refused values changing nothing), events.vbs (WScript.ConnectObject)
 and the example examples/windows_button.vbs run; after unregistering, a script must no longer be
 able to create a control (429). Each script prints "ok ..." / "FAIL ..." lines and a closing
