@@ -83,7 +83,7 @@ class PointEnumerator final : public IEnumConnectionPoints {
         return got == count ? S_OK : S_FALSE;
     }
     HRESULT STDMETHODCALLTYPE Skip(ULONG count) override {
-        at_ = std::min(points_.size(), at_ + count);
+        at_ = std::min<std::size_t>(points_.size(), at_ + count);
         return at_ < points_.size() ? S_OK : S_FALSE;
     }
     HRESULT STDMETHODCALLTYPE Reset() override {
