@@ -4,7 +4,7 @@
 # Debian packages it needs (only the missing ones), as scripts/deps.sh does.
 #
 #   bash scripts/windows.sh           dist/ for 64-bit Windows
-#   bash scripts/windows.sh --i686    also dist/i686/korvex_tools.dll, for 32-bit hosts
+#   bash scripts/windows.sh --i686    also dist/i686/ (the DLL and type library for 32-bit hosts)
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -50,7 +50,9 @@ if [ "$i686" = yes ]; then
     cmake --preset mingw32
     cmake --build --preset mingw32 --target korvex_tools -j "$(nproc)"
     mkdir -p dist/i686
-    cp "$(find build/mingw32 -name korvex_tools.dll -print -quit)" dist/i686/
+    # The DLL and its type library, compiled for 32-bit Windows.
+    cp "$(find build/mingw32 -name korvex_tools.dll -print -quit)" \
+       "$(find build/mingw32 -name korvex_tools.tlb -print -quit)" dist/i686/
 fi
 echo "dist/:"
 ls -l dist
