@@ -1,8 +1,13 @@
 #pragma once
 // VARIANT and host::Variant. Numbers keep their kind (VT_I2 Integer, VT_I4 Long, VT_R4 Single,
 // ...), texts are BSTR's UTF-16 and the host's UTF-8, booleans VARIANT_BOOL, colours the Long
-// with the same bits, fonts stdole's IFontDisp and pictures IPictureDisp. A value the host has
-// no kind for is its error 13.
+// with the same bits, fonts stdole's IFontDisp and pictures IPictureDisp (icons as icons, other
+// pictures as 32-bit bitmaps). A value the host has no kind for is its error 13.
+//
+// Fonts cross as copies: an OLE font read back carries the face and size the system realises
+// (a face that is not installed reads as its substitute, a size as the nearest its pixel height
+// gives). A font handed out stays linked to the host font it came from, so a change made
+// through it (`ctl.Font.Bold = True`) reaches the control, one attribute at a time.
 
 #include "com/win.hpp"
 #include "host/variant.hpp"
