@@ -395,7 +395,7 @@ bool ControlObject::MayEdit(const host::MemberInfo& member) {
 
 void ControlObject::RaiseEvent(const host::EventInfo& event, std::span<host::Variant> args) {
     if (frozen_ > 0 || events_.Empty()) return;
-    const std::size_t n = args.size();
+    const std::size_t n = std::min(args.size(), event.params.size());
     std::vector<VARIANT> values(n);
     std::vector<VARIANT> refs(n);
     for (std::size_t i = 0; i < n; ++i) VariantInit(&values[i]);
@@ -405,29 +405,41 @@ void ControlObject::RaiseEvent(const host::EventInfo& event, std::span<host::Var
             for (VARIANT& v : values) VariantClear(&v);
         }
     } clear{values};
-    // Every argument goes by reference, last to first, so a handler's change comes back.
+    // Every argument as the type library declares it, by reference ([in, out] T*), last to
+    // first: the handler writes into the object's own storage, which comes back afterwards.
     for (std::size_t i = 0; i < n; ++i) {
-        ToVariant(args[i], &values[i]);
+        ToDeclared(args[i], event.params[i].type, &values[i]);
         VARIANT& ref = refs[n - 1 - i];
         VariantInit(&ref);
-        V_VT(&ref) = VT_BYREF | VT_VARIANT;
-        V_VARIANTREF(&ref) = &values[i];
+        const VARTYPE declared = DeclaredVarType(event.params[i].type);
+        V_VT(&ref) = static_cast<VARTYPE>(VT_BYREF | declared);
+        if (declared == VT_VARIANT)
+            V_VARIANTREF(&ref) = &values[i];
+        else
+            V_BYREF(&ref) = &V_UI1(&values[i]);
     }
     DISPPARAMS params{refs.data(), nullptr, static_cast<UINT>(n), 0};
     // The object may be released by a handler; it stays until the round is over.
     AddRef();
     events_.ForEach([&](IDispatch* sink) {
+        // A sink that fails or reports an error of its own stops nothing: the next one hears
+        // the event too.
         VARIANT result;
         VariantInit(&result);
+        EXCEPINFO exception{};
+        UINT argError = 0;
         sink->Invoke(event.id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &params, &result,
-                     nullptr, nullptr);
+                     &exception, &argError);
         VariantClear(&result);
+        SysFreeString(exception.bstrSource);
+        SysFreeString(exception.bstrDescription);
+        SysFreeString(exception.bstrHelpFile);
     });
     for (std::size_t i = 0; i < n; ++i) {
         try {
-            args[i] = ToHost(values[i]);
+            args[i] = FromDeclared(values[i], event.params[i].type);
         } catch (const host::HostError&) {
-            // A value the host has no kind for leaves the argument as it was.
+            // A value the declared type cannot hold leaves the argument as it was.
         }
     }
     Release();

@@ -500,4 +500,81 @@ void WriteBack(const host::Variant& value, VARIANT* target) {
     }
 }
 
+namespace {
+
+host::Variant Same(const host::Variant& value) {
+    return value;
+}
+
+// One row per declared type: its VARTYPE and the host's conversion into it.
+struct Declared {
+    host::TypeCode code;
+    VARTYPE type;
+    host::Variant (*convert)(const host::Variant&);
+};
+
+constexpr Declared kDeclared[] = {
+    {host::TypeCode::Variant, VT_VARIANT, Same},
+    {host::TypeCode::Boolean, VT_BOOL,
+     [](const host::Variant& v) { return host::Variant(v.ToBool()); }},
+    {host::TypeCode::Integer, VT_I2,
+     [](const host::Variant& v) { return host::Variant(v.ToInteger()); }},
+    {host::TypeCode::Long, VT_I4, [](const host::Variant& v) { return host::Variant(v.ToLong()); }},
+    {host::TypeCode::Single, VT_R4,
+     [](const host::Variant& v) { return host::Variant(v.ToSingle()); }},
+    {host::TypeCode::Double, VT_R8,
+     [](const host::Variant& v) { return host::Variant(v.ToDouble()); }},
+    {host::TypeCode::String, VT_BSTR,
+     [](const host::Variant& v) { return host::Variant(v.ToString()); }},
+    {host::TypeCode::Color, VT_UI4,
+     [](const host::Variant& v) { return host::Variant(v.ToLong()); }},
+    {host::TypeCode::Enum, VT_I4, [](const host::Variant& v) { return host::Variant(v.ToLong()); }},
+    {host::TypeCode::Font, VT_DISPATCH,
+     [](const host::Variant& v) { return host::Variant(v.ToFont()); }},
+    {host::TypeCode::Picture, VT_DISPATCH,
+     [](const host::Variant& v) { return host::Variant(v.ToPicture()); }},
+    {host::TypeCode::Object, VT_DISPATCH,
+     [](const host::Variant& v) { return host::Variant(v.ToObject()); }},
+};
+
+const Declared& Row(const host::TypeRef& type) {
+    for (const Declared& row : kDeclared)
+        if (row.code == type.code) return row;
+    return kDeclared[0];
+}
+
+}  // namespace
+
+VARTYPE DeclaredVarType(const host::TypeRef& type) {
+    return Row(type).type;
+}
+
+void ToDeclared(const host::Variant& value, const host::TypeRef& type, VARIANT* out) {
+    const Declared& row = Row(type);
+    const host::Variant converted = row.convert(value);
+    VariantInit(out);
+    if (row.type == VT_UI4) {
+        // A colour is the Long with the same bits; a system colour's high bit is no overflow.
+        V_VT(out) = VT_UI4;
+        V_UI4(out) = static_cast<ULONG>(converted.ToLong());
+        return;
+    }
+    ToVariant(converted, out);
+    if (row.type == VT_VARIANT || V_VT(out) == row.type) return;
+    VARIANT fresh;
+    VariantInit(&fresh);
+    const HRESULT hr = VariantChangeType(&fresh, out, 0, row.type);
+    VariantClear(out);
+    if (FAILED(hr))
+        throw HostError(hr == DISP_E_OVERFLOW ? host::kErrOverflow : host::kErrTypeMismatch);
+    *out = fresh;
+}
+
+host::Variant FromDeclared(const VARIANT& value, const host::TypeRef& type) {
+    const Declared& row = Row(type);
+    if (row.type == VT_UI4 && V_VT(&value) == VT_UI4)
+        return host::Variant(static_cast<std::uint32_t>(V_UI4(&value)));
+    return row.convert(ToHost(value));
+}
+
 }  // namespace korvex::com

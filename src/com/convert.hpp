@@ -10,6 +10,7 @@
 // through it (`ctl.Font.Bold = True`) reaches the control, one attribute at a time.
 
 #include "com/win.hpp"
+#include "host/type_info.hpp"
 #include "host/variant.hpp"
 
 namespace korvex::com {
@@ -21,5 +22,13 @@ host::Variant ToHost(const VARIANT& value);
 void ToVariant(const host::Variant& value, VARIANT* out);
 // Stores `value` where a by-reference argument points, in that argument's own type.
 void WriteBack(const host::Variant& value, VARIANT* target);
+
+// Values of a declared type as the type library gives them to a caller that reads it: a VARIANT
+// argument as it is, an OLE_COLOR as its unsigned bits, an enumeration as a long, the rest as
+// their own VARTYPE. ToDeclared fills `out` (empty) with the value converted by the host's rules;
+// FromDeclared reads such storage, or whatever a caller left in it, back the same way.
+VARTYPE DeclaredVarType(const host::TypeRef& type);
+void ToDeclared(const host::Variant& value, const host::TypeRef& type, VARIANT* out);
+host::Variant FromDeclared(const VARIANT& value, const host::TypeRef& type);
 
 }  // namespace korvex::com

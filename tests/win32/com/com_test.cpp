@@ -16,6 +16,7 @@
 #include <cstring>
 #include <fstream>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <sstream>
 #include <string>
@@ -124,7 +125,9 @@ class Bag final : public Unknown<IPropertyBag> {
     bool Accepts(REFIID riid) const override { return IsEqualIID(riid, IID_IPropertyBag); }
 };
 
-// An event sink: records each call and its arguments; may write into the first argument.
+// An event sink as a script engine is one: it reads each argument as a VARIANT, through whatever
+// reference it gets, records the call, the types and the values (as numbers), and may write 7
+// into the first argument as an assignment to a ByRef parameter does.
 class EventSink final : public Unknown<IDispatch> {
   public:
     explicit EventSink(const IID& iid) : iid_(iid) {}
@@ -137,25 +140,54 @@ class EventSink final : public Unknown<IDispatch> {
         return E_NOTIMPL;
     }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*,
-                                     EXCEPINFO*, UINT*) override {
-        Call call{id, {}};
-        for (UINT i = params->cArgs; i-- > 0;) call.types.push_back(V_VT(&params->rgvarg[i]));
-        calls.push_back(call);
-        if (writeFirst && params->cArgs > 0 &&
-            V_VT(&params->rgvarg[params->cArgs - 1]) == (VT_BYREF | VT_VARIANT)) {
-            VARIANT* first = V_VARIANTREF(&params->rgvarg[params->cArgs - 1]);
-            VariantClear(first);
-            V_VT(first) = VT_I2;
-            V_I2(first) = 7;
+                                     EXCEPINFO* exception, UINT*) override {
+        if (result == DISP_E_EXCEPTION && exception) {
+            *exception = EXCEPINFO{};
+            exception->scode = E_INVALIDARG;
+            exception->bstrSource = SysAllocString(L"Sink");
+            exception->bstrDescription = SysAllocString(L"the handler failed");
         }
-        return S_OK;
+        Call call{id, {}, {}};
+        for (UINT i = params->cArgs; i-- > 0;) {
+            VARIANT& arg = params->rgvarg[i];
+            call.types.push_back(V_VT(&arg));
+            VARIANT number;
+            VariantInit(&number);
+            // VariantChangeType reads through VT_BYREF, as a script engine's copy does.
+            call.values.push_back(
+                SUCCEEDED(VariantChangeType(&number, &arg, 0, VT_R8)) ? V_R8(&number) : -99999);
+        }
+        calls.push_back(call);
+        if (writeFirst && params->cArgs > 0) {
+            VARIANT& first = params->rgvarg[params->cArgs - 1];
+            VARIANT seven;
+            VariantInit(&seven);
+            V_VT(&seven) = VT_I2;
+            V_I2(&seven) = 7;
+            if (V_VT(&first) == (VT_BYREF | VT_VARIANT)) {
+                VariantClear(V_VARIANTREF(&first));
+                *V_VARIANTREF(&first) = seven;
+            } else if (V_VT(&first) & VT_BYREF) {
+                // Assigned to a typed ByRef parameter, the value takes the parameter's type.
+                VARIANT typed;
+                VariantInit(&typed);
+                if (SUCCEEDED(VariantChangeType(&typed, &seven, 0, V_VT(&first) & ~VT_BYREF))) {
+                    if (V_VT(&typed) == VT_I2) *V_I2REF(&first) = V_I2(&typed);
+                    if (V_VT(&typed) == VT_R4) *V_R4REF(&first) = V_R4(&typed);
+                    if (V_VT(&typed) == VT_BOOL) *V_BOOLREF(&first) = V_BOOL(&typed);
+                }
+            }
+        }
+        return result;
     }
     struct Call {
         DISPID id;
         std::vector<VARTYPE> types;
+        std::vector<double> values;
     };
     std::vector<Call> calls;
     bool writeFirst = false;
+    HRESULT result = S_OK;  // what Invoke answers, after recording the call
 
   protected:
     bool Accepts(REFIID riid) const override {
@@ -164,6 +196,160 @@ class EventSink final : public Unknown<IDispatch> {
 
   private:
     IID iid_;
+};
+
+// An event interface's handlers as a C++ class implements them, in vtable slots, one per list of
+// argument types; each changes what it is given: an Integer by one, a Single by a half, a
+// Boolean to its opposite.
+class Handlers {
+  public:
+    virtual HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void** out) {
+        *out = nullptr;
+        return E_NOINTERFACE;
+    }
+    virtual ULONG STDMETHODCALLTYPE AddRef() { return 1; }
+    virtual ULONG STDMETHODCALLTYPE Release() { return 1; }
+    virtual HRESULT STDMETHODCALLTYPE None() { return Heard(); }
+    virtual HRESULT STDMETHODCALLTYPE Mouse(short* button, short* shift, float* x, float* y) {
+        *button += 1;
+        *shift += 1;
+        *x += 0.5f;
+        *y += 0.5f;
+        return Heard();
+    }
+    virtual HRESULT STDMETHODCALLTYPE Key(short* code, short* shift) {
+        *code += 1;
+        *shift += 1;
+        return Heard();
+    }
+    virtual HRESULT STDMETHODCALLTYPE Ascii(short* key) {
+        *key += 1;
+        return Heard();
+    }
+    virtual HRESULT STDMETHODCALLTYPE Flag(VARIANT_BOOL* value) {
+        *value = *value ? VARIANT_FALSE : VARIANT_TRUE;
+        return Heard();
+    }
+    int heard = 0;
+
+  protected:
+    ~Handlers() = default;
+
+  private:
+    HRESULT Heard() {
+        ++heard;
+        return S_OK;
+    }
+};
+
+class HandlerObject final : public Handlers {};
+
+// The vtable slot of the handler for a list of argument types (by reference, as declared).
+int HandlerSlot(const std::vector<VARTYPE>& types) {
+    constexpr VARTYPE i2 = VT_BYREF | VT_I2, r4 = VT_BYREF | VT_R4, flag = VT_BYREF | VT_BOOL;
+    static const std::vector<std::pair<std::vector<VARTYPE>, int>> slots = {
+        {{}, 3}, {{i2, i2, r4, r4}, 4}, {{i2, i2}, 5}, {{i2}, 6}, {{flag}, 7}};
+    for (const auto& [list, slot] : slots)
+        if (list == types) return slot;
+    return -1;
+}
+
+// The argument types an event interface declares for one of its events, first to last.
+std::vector<VARTYPE> DeclaredTypes(ITypeInfo* events, DISPID id) {
+    std::vector<VARTYPE> types;
+    TYPEATTR* attr = nullptr;
+    if (!events || FAILED(events->GetTypeAttr(&attr))) return types;
+    for (WORD f = 0; f < attr->cFuncs; ++f) {
+        FUNCDESC* desc = nullptr;
+        if (FAILED(events->GetFuncDesc(f, &desc))) continue;
+        if (desc->memid == id)
+            for (SHORT p = 0; p < desc->cParams; ++p) {
+                const TYPEDESC& t = desc->lprgelemdescParam[p].tdesc;
+                types.push_back(t.vt == VT_PTR ? static_cast<VARTYPE>(VT_BYREF | t.lptdesc->vt)
+                                               : t.vt);
+            }
+        events->ReleaseFuncDesc(desc);
+    }
+    events->ReleaseTypeAttr(attr);
+    return types;
+}
+
+// An event sink the way ATL's IDispEventImpl or a CreateStdDispatch object is one: a type
+// description of the handlers' vtable, made from the event interface's own declarations, and
+// IDispatch::Invoke handed to DispInvoke, which converts the arguments to the declared types
+// and calls the handler in its slot.
+class TypedSink final : public Unknown<IDispatch> {
+  public:
+    TypedSink(const IID& iid, ITypeInfo* events) : iid_(iid) {
+        TYPEATTR* attr = nullptr;
+        if (!events || FAILED(events->GetTypeAttr(&attr))) return;
+        for (WORD f = 0; f < attr->cFuncs; ++f) {
+            FUNCDESC* desc = nullptr;
+            if (FAILED(events->GetFuncDesc(f, &desc))) continue;
+            const DISPID id = desc->memid;
+            events->ReleaseFuncDesc(desc);
+            const std::vector<VARTYPE> types = DeclaredTypes(events, id);
+            const int slot = HandlerSlot(types);
+            if (slot < 0) {
+                unhandled.push_back(id);
+                continue;
+            }
+            names_.push_back(L"On" + std::to_wstring(id));
+            params_.emplace_back();
+            for (VARTYPE t : types) params_.back().push_back({const_cast<OLECHAR*>(L"a"), t});
+            methods_.push_back({nullptr, nullptr, id, static_cast<UINT>(slot), CC_STDCALL,
+                                static_cast<UINT>(types.size()), DISPATCH_METHOD, VT_HRESULT});
+        }
+        events->ReleaseTypeAttr(attr);
+        for (std::size_t i = 0; i < methods_.size(); ++i) {
+            methods_[i].szName = names_[i].data();
+            methods_[i].ppdata = params_[i].empty() ? nullptr : params_[i].data();
+        }
+        INTERFACEDATA data{methods_.data(), static_cast<UINT>(methods_.size())};
+        ITypeInfo* described = nullptr;
+        if (FAILED(CreateDispTypeInfo(&data, LOCALE_SYSTEM_DEFAULT, &described))) return;
+        // The description is a class around the interface; the handlers are the interface's.
+        HREFTYPE ref = 0;
+        if (FAILED(described->GetRefTypeOfImplType(0, &ref)) ||
+            FAILED(described->GetRefTypeInfo(ref, &info_)))
+            info_ = nullptr;
+        described->Release();
+    }
+    ~TypedSink() override {
+        if (info_) info_->Release();
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return E_NOTIMPL;
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params,
+                                     VARIANT* result, EXCEPINFO* exception,
+                                     UINT* argError) override {
+        if (!info_) return E_UNEXPECTED;
+        answer = DispInvoke(&handlers, info_, id, flags, params, result, exception, argError);
+        return answer;
+    }
+    [[nodiscard]] bool Ready() const { return info_ != nullptr; }
+
+    HandlerObject handlers;
+    HRESULT answer = S_OK;
+    std::vector<DISPID> unhandled;
+
+  protected:
+    bool Accepts(REFIID riid) const override {
+        return IsEqualIID(riid, IID_IDispatch) || IsEqualIID(riid, iid_);
+    }
+
+  private:
+    IID iid_;
+    ITypeInfo* info_ = nullptr;
+    std::vector<std::wstring> names_;
+    std::vector<std::vector<PARAMDATA>> params_;
+    std::vector<METHODDATA> methods_;
 };
 
 class NotifySink final : public Unknown<IPropertyNotifySink> {
@@ -798,10 +984,76 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
     Check(iids.size() == 2 && IsEqualIID(iids[0], entry.eventIid) &&
               IsEqualIID(iids[1], IID_IPropertyNotifySink),
           group, info.name + " EnumConnectionPoints: the events and IPropertyNotifySink");
+    // The event interface as a sink's type information describes it: the DLL's type library.
+    Ptr<ITypeLib> library;
+    Ptr<ITypeInfo> events;
+    if (SUCCEEDED(LoadTypeLibEx(server.path.c_str(), REGKIND_NONE, &library.p)))
+        library->GetTypeInfoOfGuid(entry.eventIid, &events.p);
+    Check(events.p != nullptr, group, info.name + " the event interface in the type library");
+    if (!events) return;
+
+    // In order: a sink that reports an exception, one that fails, a typed sink (DispInvoke onto
+    // vtable handlers) and a script's sink. The failures stop nothing; the typed handlers'
+    // changes reach the script's sink and come back to the control.
+    auto* throwing = new EventSink(entry.eventIid);
+    throwing->result = DISP_E_EXCEPTION;
+    auto* failing = new EventSink(entry.eventIid);
+    failing->result = E_FAIL;
+    auto* typed = new TypedSink(entry.eventIid, events.p);
     auto* sink = new EventSink(entry.eventIid);
+    Check(typed->Ready() && typed->unhandled.empty(), group,
+          info.name + " a typed handler for every event's argument list");
+    std::vector<DWORD> cookies;
+    for (IDispatch* each : std::initializer_list<IDispatch*>{throwing, failing, typed, sink}) {
+        DWORD cookie = 0;
+        Check(SUCCEEDED(point->Advise(each, &cookie)) && cookie != 0, group, info.name + " Advise");
+        cookies.push_back(cookie);
+    }
+    const DWORD cookie = cookies.back();
+    for (const host::EventInfo& event : info.events) {
+        // What each argument is given, and what the typed handler makes of it.
+        std::vector<host::Variant> args, changed;
+        for (const host::ParamInfo& p : event.params) {
+            switch (p.type.code) {
+                case host::TypeCode::Single:
+                    args.emplace_back(1.5f);
+                    changed.emplace_back(2.0f);
+                    break;
+                case host::TypeCode::Boolean:
+                    args.emplace_back(true);
+                    changed.emplace_back(false);
+                    break;
+                default:
+                    args.emplace_back(std::int16_t{1});
+                    changed.emplace_back(std::int16_t{2});
+            }
+        }
+        sink->calls.clear();
+        throwing->calls.clear();
+        failing->calls.clear();
+        const int heard = typed->handlers.heard;
+        object->RaiseEvent(event, args);
+        const std::string name = info.name + "." + event.name;
+        Check(typed->answer == S_OK && typed->handlers.heard == heard + 1, group,
+              name + " reaches the typed handler through DispInvoke (" + Hex(typed->answer) + ")");
+        Check(throwing->calls.size() == 1 && failing->calls.size() == 1 && sink->calls.size() == 1,
+              group, name + " reaches every sink, past one that throws and one that fails");
+        const bool arrived = sink->calls.size() == 1 && sink->calls[0].id == event.id;
+        Check(arrived && sink->calls[0].types == DeclaredTypes(events.p, event.id), group,
+              name + " arrives with the argument types the type library declares");
+        bool seen = arrived && sink->calls[0].values.size() == changed.size();
+        for (std::size_t i = 0; seen && i < changed.size(); ++i)
+            seen = sink->calls[0].values[i] == changed[i].ToDouble();
+        Check(seen, group, name + ": the next sink reads what the typed handler wrote");
+        bool back = true;
+        for (std::size_t i = 0; i < args.size(); ++i)
+            back = back && args[i].Kind() == changed[i].Kind() && args[i] == changed[i];
+        Check(back, group, name + ": the control takes back what the typed handler wrote");
+    }
+    for (std::size_t i = 0; i + 1 < cookies.size(); ++i) point->Unadvise(cookies[i]);
+
+    // A script's handler assigning to a ByRef argument, alone.
     sink->writeFirst = true;
-    DWORD cookie = 0;
-    Check(SUCCEEDED(point->Advise(sink, &cookie)) && cookie != 0, group, info.name + " Advise");
     for (const host::EventInfo& event : info.events) {
         std::vector<host::Variant> args;
         for (const host::ParamInfo& p : event.params)
@@ -810,15 +1062,13 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
                                   : host::Variant(std::int16_t{1}));
         sink->calls.clear();
         object->RaiseEvent(event, args);
-        bool byReference = sink->calls.size() == 1 && sink->calls[0].id == event.id &&
-                           sink->calls[0].types.size() == args.size();
-        if (byReference)
-            for (VARTYPE t : sink->calls[0].types)
-                byReference = byReference && t == (VT_BYREF | VT_VARIANT);
-        Check(byReference, group, info.name + "." + event.name + " reaches the sink by reference");
+        Check(sink->calls.size() == 1 && sink->calls[0].id == event.id, group,
+              info.name + "." + event.name + " reaches a script's sink");
         if (!args.empty())
-            Check(args[0].Kind() == host::VarKind::Integer && args[0].ToInteger() == 7, group,
-                  info.name + "." + event.name + " takes back what the handler wrote");
+            Check(host::ValueEquals(args[0], event.params[0].type.code == host::TypeCode::Boolean
+                                                 ? host::Variant(true)
+                                                 : host::Variant(std::int16_t{7})),
+                  group, info.name + "." + event.name + " takes back what the script wrote");
         Ptr<IOleControl> control = Query<IOleControl>(local.p, IID_IOleControl);
         control->FreezeEvents(TRUE);
         control->FreezeEvents(TRUE);
@@ -830,6 +1080,9 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
         object->RaiseEvent(event, args);
         Check(sink->calls.size() == 1, group, info.name + "." + event.name + " after thawing");
     }
+    throwing->Release();
+    failing->Release();
+    typed->Release();
     Check(SUCCEEDED(point->Unadvise(cookie)), group, info.name + " Unadvise");
     Check(point->Unadvise(cookie) == CONNECT_E_NOCONNECTION, group, info.name + " Unadvise twice");
     sink->Release();
