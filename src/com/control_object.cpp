@@ -229,7 +229,18 @@ void ControlObject::EnsureControl(host::PropertyBag* bag) {
         throw;
     }
     Place();
-    control->UserControl_Resize();
+    // A form sizes a control before its first Resize. A container may give the extent after
+    // InitNew or Load (ATL sets it from its window then), or only with the in-place position:
+    // the first Resize waits for it, or for the first use of the control without one.
+    resizePending_ = true;
+    if (extentGiven_) Settle();
+}
+
+void ControlObject::Settle() {
+    if (!control_ || !resizePending_) return;
+    resizePending_ = false;
+    Place();
+    control_->UserControl_Resize();
 }
 
 void ControlObject::DestroyControl() {
@@ -281,8 +292,9 @@ void ControlObject::SetTwips(std::int32_t width, std::int32_t height) {
     const bool changed = width != widthTwips_ || height != heightTwips_;
     widthTwips_ = width;
     heightTwips_ = height;
-    if (!control_ || !changed) return;
+    if (!control_ || (!changed && !resizePending_)) return;
     control_->SetExtent(width, height);
+    resizePending_ = false;
     Place();
     control_->UserControl_Resize();
 }
@@ -469,12 +481,11 @@ HRESULT ControlObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, 
 HRESULT ControlObject::Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS* params,
                               VARIANT* result, EXCEPINFO* exception, UINT* argError) {
     if (!IsEqualIID(riid, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-    if (!control_) {
-        try {
-            EnsureControl(nullptr);
-        } catch (...) {
-            return ExceptionResult(exception, source_);
-        }
+    try {
+        EnsureControl(nullptr);
+        Settle();
+    } catch (...) {
+        return ExceptionResult(exception, source_);
     }
     // A handler the call runs may release the object or re-create its control.
     AddRef();
@@ -759,9 +770,14 @@ HRESULT ControlObject::Activate(IOleClientSite* activeSite, bool uiActivate) {
         MoveInto(window);
         platform::Platform& p = context_->Platform();
         visible_ = true;
-        SetTwips((position_.right - position_.left) * platform::TwipsPerPixelX(p),
-                 (position_.bottom - position_.top) * platform::TwipsPerPixelY(p));
+        // An empty position is none yet: the extent stays, and SetObjectRects brings the size.
+        if (position_.right > position_.left && position_.bottom > position_.top) {
+            extentGiven_ = true;
+            SetTwips((position_.right - position_.left) * platform::TwipsPerPixelX(p),
+                     (position_.bottom - position_.top) * platform::TwipsPerPixelY(p));
+        }
         Place();
+        if (extentGiven_) Settle();
         if (uiActivate && !uiActive_) {
             uiActive_ = true;
             inPlaceSite_->OnUIActivate();
@@ -811,6 +827,7 @@ HRESULT ControlObject::SetExtent(DWORD aspect, SIZEL* size) {
     try {
         const std::int32_t width = HimetricToTwips(size->cx);
         const std::int32_t height = HimetricToTwips(size->cy);
+        extentGiven_ = true;
         if (!inPlaceSite_) {
             platform::Platform& p = context_->Platform();
             position_.right = position_.left + width / platform::TwipsPerPixelX(p);
@@ -905,6 +922,7 @@ HRESULT ControlObject::SetObjectRects(LPCRECT position, LPCRECT) {
     try {
         platform::Platform& p = context_->Platform();
         position_ = *position;
+        extentGiven_ = true;
         const bool resized =
             (position_.right - position_.left) * platform::TwipsPerPixelX(p) != widthTwips_ ||
             (position_.bottom - position_.top) * platform::TwipsPerPixelY(p) != heightTwips_;
@@ -913,6 +931,7 @@ HRESULT ControlObject::SetObjectRects(LPCRECT position, LPCRECT) {
                      (position_.bottom - position_.top) * platform::TwipsPerPixelY(p));
         else
             Place();
+        Settle();
         return S_OK;
     } catch (...) {
         return Failed();
@@ -1019,6 +1038,7 @@ HRESULT ControlObject::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC
     if (!dc) return E_INVALIDARG;
     try {
         EnsureControl(nullptr);
+        Settle();
         platform::win32::Win32Platform& p = context_->Platform();
         const platform::HWND window = control_->SurfaceWindow();
         RECT client{};

@@ -3,7 +3,8 @@
 // OLE interfaces. The object is the control's host::ControlSite: ambient properties come from
 // the client site, property changes go to IPropertyNotifySink, events to the event sinks. The
 // control itself is made on first need (InitNew, Load, activation, or a script's first call),
-// following the host's order: Initialize, siting, InitProperties or ReadProperties, Resize.
+// following the host's order: Initialize, siting, InitProperties or ReadProperties, Resize; the
+// first Resize comes at the container's extent, whenever the container gives it.
 
 #include <cstdint>
 #include <memory>
@@ -42,6 +43,7 @@ class ControlObject final : public IDispatch,
     // the layer and compare the late-bound path with direct calls.
     std::shared_ptr<host::Control> HostControl() {
         EnsureControl(nullptr);
+        Settle();
         return control_;
     }
 
@@ -160,6 +162,8 @@ class ControlObject final : public IDispatch,
     // Makes the control if there is none yet: restored from `bag`, or new.
     void EnsureControl(host::PropertyBag* bag);
     void DestroyControl();
+    // The control's first Resize, if it has not had it yet.
+    void Settle();
     // Re-creates the control from its own bag, as a designer does when it switches modes.
     void Recreate();
     void ReadAmbient();
@@ -201,6 +205,8 @@ class ControlObject final : public IDispatch,
     bool visible_ = false;
     bool uiActive_ = false;
     bool loading_ = false;
+    bool extentGiven_ = false;  // by SetExtent or a position; the first Resize waits for it
+    bool resizePending_ = false;
     bool dirty_ = false;
     int frozen_ = 0;
 };

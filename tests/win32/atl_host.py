@@ -85,15 +85,6 @@ CASES = [
      ["Caption"]),
 ]
 
-# Differences whose cause is known to lie in korvex_tools.dll and is not fixed yet: printed as
-# KNOWN with the cause, not failed; when one no longer shows, that is printed too.
-KNOWN = {
-    "line_vertical": "the DLL gives a new control its first Resize at its default extent, before the "
-                     "host's SetExtent; Line3D's lAuto settles on horizontal there, and Orientation = 1 "
-                     "keeps the 2-pixel length measured then (the simulated form sizes a control before "
-                     "its first Resize)",
-}
-
 STOCK = "stock Shell.Explorer.2 120 60 Silent=True"
 
 
@@ -176,22 +167,15 @@ def shots(args):
                                     [case_line(*case[:5]) for case in CASES])
         failed = status != 0
         exact = tolerated = 0
-        known = 0
         for case in CASES:
             line, ok = compare(args.korvex, out, case)
-            if not ok and case[0] in KNOWN:
-                known += 1
-                print(f"  KNOWN {line}\n    cause: {KNOWN[case[0]]}")
-                continue
-            if ok and case[0] in KNOWN:
-                print(f"  {case[0]}: the known difference no longer shows; its KNOWN entry can go")
             print(("  " if ok else "  MISMATCH ") + line)
             failed |= not ok
             if ok:
                 exact += not case[5]
                 tolerated += bool(case[5])
         print(f"atl_host: {len(CASES)} controls in the ATL host, {exact} equal pixel for pixel, "
-              f"{tolerated} equal outside their text box (margin {TEXT_MARGIN} px), {known} known differences; "
+              f"{tolerated} equal outside their text box (margin {TEXT_MARGIN} px); "
               f"pictures in {out}")
         return 1 if failed else 0
     finally:

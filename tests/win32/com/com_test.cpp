@@ -1524,6 +1524,96 @@ host::json::Json SaveToBag(IUnknown* object) {
     return out;
 }
 
+// A form sizes a control before its first Resize, and the object keeps that rule whatever order
+// a container takes: a Line3D left to find its orientation (lAuto) turns vertical in a tall
+// place and horizontal in a wide one, however the place reaches it. Used without any place (a
+// script's first call) it settles at its default extent, which is wide.
+void CheckSizingOrder(const Server& server) {
+    const std::string group = "sizing order";
+    const com::ClassEntry* line = nullptr;
+    for (const com::ClassEntry& entry : com::PublicClasses())
+        if (entry.info->name == "Line3D") line = &entry;
+    Check(line != nullptr, group, "Line3D is served");
+    if (!line) return;
+    const host::MemberInfo* orientation = line->info->FindMember("Orientation");
+    const auto himetric = [](const RECT& r) {
+        return SIZEL{MulDiv(r.right - r.left, 2540, 96), MulDiv(r.bottom - r.top, 2540, 96)};
+    };
+    using Steps = std::function<void(IDispatch*, Container&, const RECT&)>;
+    const auto initNew = [](IDispatch* object) {
+        Query<IPersistStreamInit>(object, IID_IPersistStreamInit)->InitNew();
+    };
+    const auto inPlace = [](IDispatch* object, Container& site, RECT position) {
+        Ptr<IOleObject> ole = Query<IOleObject>(object, IID_IOleObject);
+        site.position = position;
+        ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, &site, 0, site.window, &position);
+    };
+    const std::vector<std::pair<std::string, Steps>> orders = {
+        {"SetExtent, InitNew",
+         [&](IDispatch* object, Container&, const RECT& place) {
+             SIZEL size = himetric(place);
+             Query<IOleObject>(object, IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &size);
+             initNew(object);
+         }},
+        {"InitNew, SetExtent (the ATL host's order)",
+         [&](IDispatch* object, Container&, const RECT& place) {
+             initNew(object);
+             SIZEL size = himetric(place);
+             Query<IOleObject>(object, IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &size);
+         }},
+        {"SetClientSite, Load from a bag, SetExtent",
+         [&](IDispatch* object, Container& site, const RECT& place) {
+             Query<IOleObject>(object, IID_IOleObject)->SetClientSite(&site);
+             auto* bag = new Bag;
+             Query<IPersistPropertyBag>(object, IID_IPersistPropertyBag)->Load(bag, nullptr);
+             bag->Release();
+             SIZEL size = himetric(place);
+             Query<IOleObject>(object, IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &size);
+         }},
+        {"SetClientSite, InitNew, in place at its position",
+         [&](IDispatch* object, Container& site, const RECT& place) {
+             Query<IOleObject>(object, IID_IOleObject)->SetClientSite(&site);
+             initNew(object);
+             inPlace(object, site, place);
+         }},
+        {"SetClientSite, InitNew, in place without a position, SetObjectRects",
+         [&](IDispatch* object, Container& site, const RECT& place) {
+             Query<IOleObject>(object, IID_IOleObject)->SetClientSite(&site);
+             initNew(object);
+             inPlace(object, site, RECT{place.left, place.top, place.left, place.top});
+             site.position = place;
+             Query<IOleInPlaceObject>(object, IID_IOleInPlaceObject)
+                 ->SetObjectRects(&place, &place);
+         }},
+    };
+    const std::vector<std::pair<RECT, int>> places = {{{10, 10, 40, 100}, 1},
+                                                      {{10, 10, 100, 40}, 0}};
+    for (const auto& [name, steps] : orders) {
+        for (const auto& [place, expected] : places) {
+            Container site;
+            {
+                Ptr<IDispatch> object = server.Create(*line);
+                steps(object.p, site, place);
+                const Outcome read =
+                    Dispatch(object.p, orientation->dispId, DISPATCH_PROPERTYGET, {});
+                Check(read.number == 0 && read.value.ToLong() == expected, group,
+                      name + ": " + std::to_string(place.right - place.left) + "x" +
+                          std::to_string(place.bottom - place.top) + " gives Orientation " +
+                          std::to_string(expected) + " (read " + host::DisplayText(read.value) +
+                          ")");
+                Ptr<IOleObject> ole = Query<IOleObject>(object.p, IID_IOleObject);
+                ole->Close(OLECLOSE_NOSAVE);
+                ole->SetClientSite(nullptr);
+            }
+        }
+    }
+    Ptr<IDispatch> object = server.Create(*line);
+    initNew(object.p);
+    const Outcome read = Dispatch(object.p, orientation->dispId, DISPATCH_PROPERTYGET, {});
+    Check(read.number == 0 && read.value.ToLong() == 0, group,
+          "InitNew, then a script's first call: settled at the default extent, horizontal");
+}
+
 void CheckPersistence(const Server& server, const host::json::Json& controls,
                       const host::json::Json& expected) {
     for (const host::json::Json& c : controls) {
@@ -1647,6 +1737,7 @@ int main(int argc, char** argv) {
             CheckWithoutInit(server, entry);
             CheckInPlace(server, entry);
         }
+        CheckSizingOrder(server);
         for (int i = 2; i + 1 < argc; i += 2) {
             try {
                 const auto form = host::json::Json::parse(ReadFile(argv[i]));
