@@ -867,8 +867,12 @@ HRESULT ControlObject::EnumAdvise(IEnumSTATDATA** out) {
 
 HRESULT ControlObject::GetMiscStatus(DWORD, DWORD* status) {
     if (!status) return E_POINTER;
-    *status = kMiscStatus;
+    *status = MiscStatus();
     return S_OK;
+}
+
+DWORD ControlObject::MiscStatus() const {
+    return kMiscStatus | (control_ && control_->ForwardFocus() ? OLEMISC_ACTSLIKELABEL : 0);
 }
 
 HRESULT ControlObject::SetColorScheme(LOGPALETTE*) {
@@ -997,7 +1001,11 @@ HRESULT ControlObject::OnMnemonic(MSG* message) {
     const auto key = static_cast<char32_t>(message->wParam);
     if (control_->AccessKeys().find(key) == std::u32string::npos) return S_FALSE;
     try {
+        Settle();
         const std::shared_ptr<host::Control> control = control_;
+        // A control that hands the focus on (a frame, a plain label) neither takes it nor hears
+        // the key: the next control is the container's to find, as OLEMISC_ACTSLIKELABEL says.
+        if (control->ForwardFocus()) return S_OK;
         if (control->CanGetFocus())
             context_->Platform().windows().SetFocus(control->SurfaceWindow());
         control->UserControl_AccessKeyPress(static_cast<std::int16_t>(key));
@@ -1142,7 +1150,7 @@ HRESULT ControlObject::QuickActivate(QACONTAINER* container, QACONTROL* control)
     if (container->pUnkEventSink) events_.Advise(container->pUnkEventSink, &control->dwEventCookie);
     if (container->pPropertyNotifySink)
         notify_.Advise(container->pPropertyNotifySink, &control->dwPropNotifyCookie);
-    control->dwMiscStatus = kMiscStatus;
+    control->dwMiscStatus = MiscStatus();
     control->dwViewStatus = 0;
     control->dwPointerActivationPolicy = 0;
     return S_OK;

@@ -173,6 +173,8 @@ class ControlObject final : public IDispatch,
     [[nodiscard]] HWND SiteWindow() const;
     void MoveInto(HWND site);
     HRESULT Activate(IOleClientSite* activeSite, bool uiActivate);
+    // The class's status, and OLEMISC_ACTSLIKELABEL for a control that hands the focus on.
+    [[nodiscard]] DWORD MiscStatus() const;
     void ReleaseFrame();
     void SetTwips(std::int32_t width, std::int32_t height);
     host::JsonPropertyBag SaveBag() const;

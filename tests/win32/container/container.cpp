@@ -8,8 +8,9 @@
 //   korvex-container --stock PROGID      the site alone, on a control the system provides
 //
 // CASES.json: {"bags": [{"Name": N, "ProgID": P, "Properties": {...}}, ...], "input": [{"Name",
-// "ProgID", "Properties", "Width", "Height" (pixels), "Point": [X, Y], "ByReference"}, ...],
-// "mnemonics": [{"Name", "ProgID", "Properties", "Key": "T"}, ...]},
+// "ProgID", "Properties", "Width", "Height" (pixels), "Point": [X, Y], "ByReference",
+// "TakesFocus"},
+// ...], "mnemonics": [{"Name", "ProgID", "Properties", "Key": "T", "ActsLikeLabel"}, ...]},
 // values in the form file's encoding. OUT.json gets what each control saved into our property bag
 // after loading those properties, in the same encoding, for comparison with `korvex bag`.
 // Everything else is printed, one line per fact: "event C.Name(args)", "changed C.Property", "ok
@@ -1138,6 +1139,9 @@ void Input(const Json& cases) {
             return w == control.window || IsChild(control.window, w);
         };
         std::string focus = inside(GetFocus()) ? "taken on UI activation" : "";
+        Check(!focus.empty() == c.value("TakesFocus", true),
+              cls + (focus.empty() ? ": the focus not taken on UI activation"
+                                   : ": the focus taken on UI activation"));
         if (focus.empty()) {
             SetFocus(control.window);
             Pump(30);
@@ -1265,6 +1269,13 @@ void Mnemonics(const Json& cases) {
         }
         Check(listed, cls + ": GetControlInfo lists Alt+" + c["Key"].get<std::string>() + " (" +
                           std::to_string(info.cAccel) + " keys)");
+        // A control whose access key hands the focus on says so: the next control is the
+        // container's to find.
+        DWORD misc = 0;
+        control.ole->GetMiscStatus(DVASPECT_CONTENT, &misc);
+        const bool label = (misc & OLEMISC_ACTSLIKELABEL) != 0;
+        Check(label == c.value("ActsLikeLabel", false),
+              cls + (label ? ": acts like a label" : ": does not act like a label"));
         Pump(30);
         log.clear();
         Line("mnemonic " + cls + ":");
