@@ -31,6 +31,7 @@
 
 #include "platform/driver.hpp"
 #include "platform/sound.hpp"
+#include "platform/virtual_timers.hpp"
 #include "platform/win32/win32_gdi.hpp"
 #include "platform/window.hpp"
 
@@ -41,8 +42,8 @@ namespace korvex::platform::win32 {
 // order, ties in creation order, a timer as often as it is due, 10 ms at least.
 class Win32Clock final : public Clock {
   public:
-    static constexpr std::uint32_t kMinimumInterval = 10;  // USER_TIMER_MINIMUM
-    static constexpr std::uint32_t kMaximumInterval = 0x7FFFFFFF;
+    static constexpr std::uint32_t kMinimumInterval = VirtualTimers::kMinimumInterval;
+    static constexpr std::uint32_t kMaximumInterval = VirtualTimers::kMaximumInterval;
 
     Win32Clock(bool virtualTime, void* messageWindow);
     ~Win32Clock() override;
@@ -57,20 +58,15 @@ class Win32Clock final : public Clock {
     // Virtual time: moves forward, firing due timers in order. System time: nothing (the
     // event loop's Wait lets real time pass).
     void Advance(std::int64_t ms);
-    [[nodiscard]] std::int64_t NextDue();
+    [[nodiscard]] std::int64_t NextDue() { return timers_.NextDue(); }
     // WM_TIMER on the message window, system time only.
     void Tick(std::uintptr_t id);
 
   private:
-    struct Timer {
-        std::uint32_t interval = kMinimumInterval;
-        std::int64_t due = 0;
-        std::shared_ptr<std::function<void()>> tick;
-    };
     bool virtual_;
     void* messageWindow_;
-    std::map<TimerId, Timer> timers_;
-    TimerId nextId_ = 1;
+    // On the system's time too: the system's timer only says when, the tick is kept here.
+    VirtualTimers timers_;
     std::int64_t now_ = 0;     // virtual time
     std::uint64_t start_ = 0;  // GetTickCount64 at construction
 };

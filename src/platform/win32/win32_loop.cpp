@@ -20,8 +20,7 @@ Win32Clock::Win32Clock(bool virtualTime, void* messageWindow)
 
 Win32Clock::~Win32Clock() {
     if (!virtual_)
-        for (const auto& [id, timer] : timers_)
-            ::KillTimer(static_cast<::HWND>(messageWindow_), id);
+        for (const TimerId id : timers_.Ids()) ::KillTimer(static_cast<::HWND>(messageWindow_), id);
 }
 
 std::int64_t Win32Clock::Now() {
@@ -30,54 +29,24 @@ std::int64_t Win32Clock::Now() {
 }
 
 Clock::TimerId Win32Clock::SetTimer(std::uint32_t intervalMs, std::function<void()> tick) {
-    const std::uint32_t interval = std::clamp(intervalMs, kMinimumInterval, kMaximumInterval);
-    const TimerId id = nextId_++;
-    timers_[id] =
-        Timer{interval, Now() + interval, std::make_shared<std::function<void()>>(std::move(tick))};
+    std::uint32_t interval = 0;
+    const TimerId id = timers_.Add(Now(), intervalMs, std::move(tick), &interval);
     if (!virtual_) ::SetTimer(static_cast<::HWND>(messageWindow_), id, interval, nullptr);
     return id;
 }
 
 bool Win32Clock::KillTimer(TimerId id) {
-    if (!timers_.erase(id)) return false;
+    if (!timers_.Remove(id)) return false;
     if (!virtual_) ::KillTimer(static_cast<::HWND>(messageWindow_), id);
     return true;
 }
 
-std::int64_t Win32Clock::NextDue() {
-    std::int64_t best = -1;
-    for (const auto& [id, timer] : timers_)
-        if (best < 0 || timer.due < best) best = timer.due;
-    return best;
-}
-
-// As the portable clock: each round looks the earliest timer up afresh (a tick may kill or make
-// timers, or advance the clock again from a nested modal loop), and re-arms it before its tick.
 void Win32Clock::Advance(std::int64_t ms) {
-    if (!virtual_ || ms < 0) return;
-    const std::int64_t target = now_ + ms;
-    for (;;) {
-        auto next = timers_.end();
-        for (auto it = timers_.begin(); it != timers_.end(); ++it)
-            if (it->second.due <= target &&
-                (next == timers_.end() || it->second.due < next->second.due))
-                next = it;
-        if (next == timers_.end()) break;
-        Timer& timer = next->second;
-        now_ = std::max(now_, timer.due);
-        timer.due += timer.interval;
-        const std::shared_ptr<std::function<void()>> tick = timer.tick;
-        if (*tick) (*tick)();
-    }
-    now_ = std::max(now_, target);
+    if (virtual_) timers_.Advance(now_, ms);
 }
 
 void Win32Clock::Tick(std::uintptr_t id) {
-    auto it = timers_.find(static_cast<TimerId>(id));
-    if (it == timers_.end()) return;
-    it->second.due = Now() + it->second.interval;
-    const std::shared_ptr<std::function<void()>> tick = it->second.tick;
-    if (*tick) (*tick)();
+    timers_.Fire(static_cast<TimerId>(id), Now());
 }
 
 // ---------------------------------------------------------------------------------------------
