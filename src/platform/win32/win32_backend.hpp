@@ -29,6 +29,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/driven_loop.hpp"
 #include "platform/driver.hpp"
 #include "platform/sound.hpp"
 #include "platform/virtual_timers.hpp"
@@ -265,29 +266,14 @@ class Win32Windows final : public Windows {
     void* tipWindow_ = nullptr;
 };
 
-class Win32EventLoop final : public EventLoop {
+class Win32EventLoop final : public DrivenEventLoop<Win32Windows, Win32Clock> {
   public:
-    static constexpr std::int64_t kIdleLimitMs = 60'000;
-
     Win32EventLoop(Win32Windows& windows, Win32Clock& clock, void* messageWindow);
-    Win32EventLoop(const Win32EventLoop&) = delete;
-    Win32EventLoop& operator=(const Win32EventLoop&) = delete;
 
     int DoEvents() override;
     void Post(std::function<void()> task) override;
     void Wait(std::int64_t ms) override;
     void RunModal(const std::function<bool()>& stillOpen, std::string_view what) override;
-    std::uint32_t AddKeyFilter(KeyFilter filter) override;
-    void RemoveKeyFilter(std::uint32_t id) override;
-
-    // The driver's side.
-    void MouseMove(POINT screen);
-    void MouseDown(int button, int shift);
-    void MouseUp(int button, int shift);
-    void KeyDown(int keyCode, int shift);
-    void KeyUp(int keyCode, int shift);
-    void KeyPress(int character);
-    void SetInputSource(InputSource* source) { source_ = source; }
 
     // A queued keyboard message (MSG*) offered to the filters; true when one consumed it.
     bool FilterKeyMessage(const void* nativeMsg);
@@ -295,20 +281,10 @@ class Win32EventLoop final : public EventLoop {
     void RunPostedFromMessage();
 
   private:
-    bool Filter(const KeyEvent& event);
-    void Key(KeyEvent::Kind kind, int keyCode, int shift);
-    void RunPosted();
     // Dispatches what the queue holds; with virtual input, queued input is dropped.
     void Pump();
 
-    Win32Windows& windows_;
-    Win32Clock& clock_;
     void* messageWindow_;
-    InputSource* source_ = nullptr;
-    std::deque<std::function<void()>> posted_;
-    std::vector<std::pair<std::uint32_t, KeyFilter>> keyFilters_;
-    std::uint32_t nextKeyFilter_ = 1;
-    int modalDepth_ = 0;
 };
 
 // winmm's sounds; with dryRun nothing is played and a well-formed request answers true.
