@@ -4,8 +4,8 @@
 // the bar that works as a push button.
 
 #include <algorithm>
-#include <cmath>
 
+#include "platform/shell_font.hpp"
 #include "platform/sim/sim_windows.hpp"
 
 namespace korvex::platform::sim {
@@ -33,16 +33,6 @@ void Fill(Gdi& gdi, HDC dc, const RECT& r, COLORREF color) {
 }
 
 }  // namespace
-
-HFONT CreateShellFont(Gdi& gdi, int weight) {
-    LOGFONT font;
-    font.lfHeight =
-        -static_cast<std::int32_t>(std::lround(8 * gdi.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
-    font.lfWeight = weight;
-    font.lfCharSet = ANSI_CHARSET;
-    font.lfFaceName = "Tahoma";
-    return gdi.CreateFontIndirect(font);
-}
 
 RECT SimWindows::ClientArea(const Window& w) {
     const std::int32_t width = w.rect.Width(), height = w.rect.Height();

@@ -41,7 +41,18 @@ std::size_t IndexOf(const std::deque<std::uint32_t>& list, std::uint32_t value) 
 // Construction
 
 SimWindows::SimWindows(Gdi& gdi, SIZE screen, Clock* clock)
-    : gdi_(gdi), screen_(screen), clock_(clock) {
+    : gdi_(gdi),
+      screen_(screen),
+      clock_(clock),
+      tip_(gdi, clock,
+           {.textOf =
+                [this](std::uint32_t window) -> const std::string* {
+                    const Window* w = Find(window);
+                    return w ? &w->toolTip : nullptr;
+                },
+            .pointer = [this] { return cursor_; },
+            .screen = [this] { return screen_; },
+            .changed = {}}) {
     Window desktop;
     desktop.visible = true;
     desktop.rect = {0, 0, screen.cx, screen.cy};
@@ -50,7 +61,6 @@ SimWindows::SimWindows(Gdi& gdi, SIZE screen, Clock* clock)
 }
 
 SimWindows::~SimWindows() {
-    if (clock_ && tip_.timer) clock_->KillTimer(tip_.timer);
     for (auto& [handle, window] : windows_)
         if (window.region) gdi_.DeleteObject(window.region);
 }
@@ -112,7 +122,7 @@ bool SimWindows::DestroyWindow(HWND window) {
             if (Find(handle)->owner == doomed[i]) doomed.push_back(handle);
     }
     for (std::uint32_t handle : doomed) {
-        DropToolTip(handle);
+        tip_.Drop(handle);
         if (handle == focus_) DropFocus(false);
         if (handle == capture_) DropCapture(false);
         if (handle == lastClick_.window) lastClick_ = {};
@@ -368,7 +378,7 @@ bool SimWindows::ShowWindow(HWND window, bool visible) {
     w->visible = visible;
     if (!visible) {
         w->closePressed = false;
-        if (tip_.tool && IsSelfOrDescendant(window.value, tip_.tool)) DropToolTip(tip_.tool);
+        if (tip_.Tool() && IsSelfOrDescendant(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (focus_ && IsSelfOrDescendant(window.value, focus_)) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -387,7 +397,7 @@ bool SimWindows::EnableWindow(HWND window, bool enabled) {
     const bool wasDisabled = !w->enabled;
     w->enabled = enabled;
     if (!enabled) {
-        if (tip_.tool && IsSelfOrDescendant(window.value, tip_.tool)) DropToolTip(tip_.tool);
+        if (tip_.Tool() && IsSelfOrDescendant(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (focus_ == window.value) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -600,7 +610,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
         event.time = time;
         Deliver(target, event);
     }
-    TrackToolTip(Find(target) ? target : 0);
+    tip_.Track(Find(target) ? target : 0);
 }
 
 // Step table for the buttons (one press and release; the capture is the implicit one):
@@ -612,7 +622,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
 //            implicit capture ends (without OnCaptureLost: the release reached the window)
 // Input for a disabled window is dropped; the button state still changes.
 void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
-    if (down) ToolTipPress();
+    if (down) tip_.Press();
     buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
@@ -691,7 +701,7 @@ std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, P
             for (auto it = order.rbegin(); it != order.rend(); ++it)
                 if (const Window* w = Find(*it); w && w->visible)
                     ComposeInto(dc, *it, Origin(*it), {});
-            PaintToolTip(dc);
+            tip_.Paint(dc);
         } else {
             ComposeInto(dc, window, origin, {});
         }
@@ -794,6 +804,21 @@ void SimWindows::PaintClient(HDC dc, WindowHandler* handler, const RECT& client)
         gdi_.DeleteDC(target);
         gdi_.DeleteObject(bitmap);
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tooltips: ToolTipState keeps the tip; the text lives with its window.
+
+void SimWindows::SetToolTip(HWND window, std::string_view text) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop || w->toolTip == text) return;
+    w->toolTip = std::string(text);
+    tip_.TextChanged(window.value, text);
+}
+
+std::string SimWindows::GetToolTip(HWND window) {
+    const Window* w = Find(window);
+    return w ? w->toolTip : std::string();
 }
 
 }  // namespace korvex::platform::sim

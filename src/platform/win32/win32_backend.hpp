@@ -31,7 +31,9 @@
 
 #include "platform/driven_loop.hpp"
 #include "platform/driver.hpp"
+#include "platform/shell_font.hpp"
 #include "platform/sound.hpp"
+#include "platform/tooltip_state.hpp"
 #include "platform/virtual_timers.hpp"
 #include "platform/win32/win32_gdi.hpp"
 #include "platform/window.hpp"
@@ -78,12 +80,6 @@ class Win32Windows final : public Windows {
     static constexpr std::int64_t kDoubleClickTime = 500;
     static constexpr std::int32_t kDoubleClickWidth = 4;
     static constexpr std::int32_t kDoubleClickHeight = 4;
-    // Tooltip timing and look, as the portable platform's (the tooltip control's defaults).
-    static constexpr std::int64_t kToolTipInitial = 500;
-    static constexpr std::int64_t kToolTipReshow = 100;
-    static constexpr std::int64_t kToolTipAutoPop = 5000;
-    static constexpr std::int32_t kToolTipBelowPointer = 20;
-    static constexpr std::int32_t kToolTipMargin = 2;
 
     Win32Windows(Win32Gdi& gdi, Win32Clock& clock, bool virtualInput);
     ~Win32Windows() override;
@@ -138,7 +134,7 @@ class Win32Windows final : public Windows {
 
     void SetToolTip(HWND window, std::string_view text) override;
     std::string GetToolTip(HWND window) override;
-    [[nodiscard]] Driver::ShownToolTip ToolTipOnScreen() const;
+    [[nodiscard]] Driver::ShownToolTip ToolTipOnScreen() const { return tip_.OnScreen(); }
 
     SIZE ScreenSize() override;
 
@@ -184,14 +180,6 @@ class Win32Windows final : public Windows {
         void* customCursor = nullptr;  // HCURSOR made from cursorPixels
         std::string toolTip;
     };
-    struct ToolTipState {
-        std::uint32_t tool = 0;
-        bool shown = false;
-        bool spent = false;
-        std::string text;
-        RECT screen;
-        Clock::TimerId timer = 0;
-    };
     struct Click {
         std::uint32_t window = 0;
         int button = 0;
@@ -228,13 +216,7 @@ class Win32Windows final : public Windows {
     bool SetCursorFor(std::uint32_t id);
     void* CursorHandle(std::uint32_t id);
 
-    // Tooltips (win32_input.cpp).
-    void TrackToolTip(std::uint32_t target);
-    void ToolTipPress();
-    void DropToolTip(std::uint32_t window);
-    void HideToolTip(bool spent);
-    void StartToolTipTimer(std::int64_t ms, bool show);
-    void ShowToolTip();
+    // Tooltips (win32_input.cpp): the shared state's look into a native device context.
     void PaintToolTip(void* nativeDC);
     // The tip on a real screen: a topmost popup that the pointer passes through.
     void PlaceToolTipWindow();
@@ -313,19 +295,6 @@ class Win32Shell final : public Shell {
     Win32Windows& windows_;
     bool dryRun_;
 };
-
-// The shell's font for captions and tips, Tahoma 8 pt at the screen's resolution, as the
-// portable platform makes it; the caller deletes it. Here, before <windows.h> makes LOGFONT a
-// macro.
-inline HFONT CreateShellFont(Gdi& gdi, int weight) {
-    LOGFONT font;
-    font.lfHeight =
-        -static_cast<std::int32_t>(std::lround(8 * gdi.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
-    font.lfWeight = weight;
-    font.lfCharSet = ANSI_CHARSET;
-    font.lfFaceName = "Tahoma";
-    return gdi.CreateFontIndirect(font);
-}
 
 // The module this code is linked into (korvex.exe, or a DLL inside its host): the window classes
 // belong to it. They are registered while a platform lives and unregistered with the last one,
