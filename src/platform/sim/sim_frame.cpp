@@ -58,24 +58,8 @@ RECT SimWindows::CloseBoxRect(const Window& w) {
 
 void SimWindows::NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow) {
     const bool inside = Inside(CloseBoxRect(w), inWindow);
-    switch (event.kind) {
-        case MouseEvent::Kind::Down:
-        case MouseEvent::Kind::DoubleClick:
-            if (event.button == kButtonLeft && inside) {
-                w.closePressed = true;
-                w.closeHot = true;
-            }
-            break;
-        case MouseEvent::Kind::Move:
-            if (w.closePressed && inside != w.closeHot) w.closeHot = inside;
-            break;
-        case MouseEvent::Kind::Up:
-            if (event.button == kButtonLeft && w.closePressed) {
-                w.closePressed = false;
-                if (inside && w.handler) w.handler->OnClose();
-            }
-            break;
-    }
+    if (CloseBoxInput(w.closePressed, w.closeHot, event, inside) && w.handler)
+        w.handler->OnClose();
 }
 
 void SimWindows::CaptureLost(std::uint32_t window) {

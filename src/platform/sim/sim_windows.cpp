@@ -125,7 +125,7 @@ bool SimWindows::DestroyWindow(HWND window) {
         tip_.Drop(handle);
         if (handle == focus_) DropFocus(false);
         if (handle == capture_) DropCapture(false);
-        if (handle == lastClick_.window) lastClick_ = {};
+        clicks_.Forget(handle);
     }
     // A doomed window's sibling list goes with its parent when that is doomed too.
     const std::set<std::uint32_t> doomedSet(doomed.begin(), doomed.end());
@@ -616,7 +616,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
 // Step table for the buttons (one press and release; the capture is the implicit one):
 //   press    target = capture window, else the window hit; the target takes the capture; the
 //            event is DoubleClick when the previous press (same button, same window) is less
-//            than kDoubleClickTime ago and within the double-click rectangle, else Down; a
+//            than DoubleClickTracker::kTime ago and within the double-click rectangle, else Down; a
 //            double click does not start another one
 //   release  Up goes to the capture window, else the window hit; once no button is held the
 //            implicit capture ends (without OnCaptureLost: the release reached the window)
@@ -626,7 +626,7 @@ void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t
     buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
-        if (down) lastClick_ = {};
+        if (down) clicks_.Reset();
         return;
     }
     MouseEvent event;
@@ -635,13 +635,8 @@ void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t
     event.screen = cursor_;
     event.time = time;
     if (down) {
-        const bool doubleClick =
-            lastClick_.window == target && lastClick_.button == button &&
-            time - lastClick_.time < kDoubleClickTime &&
-            std::abs(cursor_.x - lastClick_.screen.x) <= kDoubleClickWidth / 2 &&
-            std::abs(cursor_.y - lastClick_.screen.y) <= kDoubleClickHeight / 2;
-        event.kind = doubleClick ? MouseEvent::Kind::DoubleClick : MouseEvent::Kind::Down;
-        lastClick_ = doubleClick ? Click{} : Click{target, button, time, cursor_};
+        event.kind = clicks_.Press(target, button, time, cursor_) ? MouseEvent::Kind::DoubleClick
+                                                                  : MouseEvent::Kind::Down;
         if (!capture_) {
             capture_ = target;
             implicitCapture_ = true;

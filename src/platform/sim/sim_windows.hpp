@@ -32,6 +32,7 @@
 
 #include "platform/driver.hpp"
 #include "platform/gdi.hpp"
+#include "platform/pointer_rules.hpp"
 #include "platform/tooltip_state.hpp"
 #include "platform/window.hpp"
 
@@ -39,13 +40,6 @@ namespace korvex::platform::sim {
 
 class SimWindows final : public Windows {
   public:
-    // The platform's double-click defaults (GetDoubleClickTime, SM_CXDOUBLECLK/SM_CYDOUBLECLK):
-    // a second press of the same button on the same window less than 500 ms after the first,
-    // inside the 4 x 4 rectangle centred on it, is a double click.
-    static constexpr std::int64_t kDoubleClickTime = 500;
-    static constexpr std::int32_t kDoubleClickWidth = 4;
-    static constexpr std::int32_t kDoubleClickHeight = 4;
-
     // Classic metrics of a captioned window, in pixels (SM_CXFIXEDFRAME, SM_CYCAPTION less its
     // separator line, the caption buttons' size). Window layout, W x H its outer size:
     //   frame        3 px on every side (raised 3D edge, then one pixel of face colour)
@@ -158,12 +152,6 @@ class SimWindows final : public Windows {
         std::deque<std::uint32_t> children;
     };
 
-    struct Click {
-        std::uint32_t window = 0;  // zero when no press can start a double click
-        int button = 0;
-        std::int64_t time = 0;
-        POINT screen;
-    };
 
     Window* Find(std::uint32_t handle);
     Window* Find(HWND window) { return Find(window.value); }
@@ -222,7 +210,7 @@ class SimWindows final : public Windows {
     POINT cursor_;
     int buttons_ = 0;  // kButton* held
     std::array<bool, 256> keys_{};
-    Click lastClick_;
+    DoubleClickTracker clicks_;
 };
 
 }  // namespace korvex::platform::sim

@@ -31,6 +31,7 @@
 
 #include "platform/driven_loop.hpp"
 #include "platform/driver.hpp"
+#include "platform/pointer_rules.hpp"
 #include "platform/shell_font.hpp"
 #include "platform/sound.hpp"
 #include "platform/tooltip_state.hpp"
@@ -76,11 +77,6 @@ class Win32Clock final : public Clock {
 
 class Win32Windows final : public Windows {
   public:
-    // The double-click rules a script's input follows (the system's defaults).
-    static constexpr std::int64_t kDoubleClickTime = 500;
-    static constexpr std::int32_t kDoubleClickWidth = 4;
-    static constexpr std::int32_t kDoubleClickHeight = 4;
-
     Win32Windows(Win32Gdi& gdi, Win32Clock& clock, bool virtualInput);
     ~Win32Windows() override;
     Win32Windows(const Win32Windows&) = delete;
@@ -180,12 +176,6 @@ class Win32Windows final : public Windows {
         void* customCursor = nullptr;  // HCURSOR made from cursorPixels
         std::string toolTip;
     };
-    struct Click {
-        std::uint32_t window = 0;
-        int button = 0;
-        std::int64_t time = 0;
-        POINT screen;
-    };
 
     Window* Find(std::uint32_t id);
     Window* Find(HWND window) { return Find(window.value); }
@@ -243,7 +233,7 @@ class Win32Windows final : public Windows {
     POINT cursor_;
     int buttons_ = 0;
     std::array<bool, 256> keys_{};
-    Click lastClick_;
+    DoubleClickTracker clicks_;
     ToolTipState tip_;
     void* tipWindow_ = nullptr;
 };

@@ -333,24 +333,8 @@ void Win32Windows::Deliver(std::uint32_t window, MouseEvent event) {
 // it asks the window to close (WM_CLOSE), released elsewhere does nothing.
 void Win32Windows::NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow) {
     const bool inside = Inside(CloseBoxRect(w.native), inWindow);
-    switch (event.kind) {
-        case MouseEvent::Kind::Down:
-        case MouseEvent::Kind::DoubleClick:
-            if (event.button == kButtonLeft && inside) {
-                w.closePressed = true;
-                w.closeHot = true;
-            }
-            break;
-        case MouseEvent::Kind::Move:
-            if (w.closePressed) w.closeHot = inside;
-            break;
-        case MouseEvent::Kind::Up:
-            if (event.button == kButtonLeft && w.closePressed) {
-                w.closePressed = false;
-                if (inside) ::SendMessageW(H(w.native), WM_CLOSE, 0, 0);
-            }
-            break;
-    }
+    if (CloseBoxInput(w.closePressed, w.closeHot, event, inside))
+        ::SendMessageW(H(w.native), WM_CLOSE, 0, 0);
 }
 
 // The tooltip follows the move once the window has seen it, so a window that sets the text of
@@ -379,7 +363,7 @@ void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64
     buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
-        if (down) lastClick_ = {};
+        if (down) clicks_.Reset();
         return;
     }
     MouseEvent event;
@@ -388,13 +372,8 @@ void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64
     event.screen = cursor_;
     event.time = time;
     if (down) {
-        const bool doubleClick =
-            lastClick_.window == target && lastClick_.button == button &&
-            time - lastClick_.time < kDoubleClickTime &&
-            std::abs(cursor_.x - lastClick_.screen.x) <= kDoubleClickWidth / 2 &&
-            std::abs(cursor_.y - lastClick_.screen.y) <= kDoubleClickHeight / 2;
-        event.kind = doubleClick ? MouseEvent::Kind::DoubleClick : MouseEvent::Kind::Down;
-        lastClick_ = doubleClick ? Click{} : Click{target, button, time, cursor_};
+        event.kind = clicks_.Press(target, button, time, cursor_) ? MouseEvent::Kind::DoubleClick
+                                                                  : MouseEvent::Kind::Down;
         if (!GetCapture()) {
             const Quiet quiet(quietCapture_);
             ::SetCapture(H(Native(HWND{target})));

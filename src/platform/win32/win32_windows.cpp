@@ -179,7 +179,7 @@ void Win32Windows::Forget(void* native) {
     if (it == ids_.end()) return;
     const std::uint32_t id = it->second;
     tip_.Drop(id);
-    if (lastClick_.window == id) lastClick_ = {};
+    clicks_.Forget(id);
     if (Window* w = Find(id); w && w->customCursor)
         ::DestroyCursor(static_cast<HCURSOR>(w->customCursor));
     windows_.erase(id);

@@ -1,0 +1,40 @@
+// The double click and the close box.
+
+#include "platform/pointer_rules.hpp"
+
+#include <cstdlib>
+
+namespace korvex::platform {
+
+bool DoubleClickTracker::Press(std::uint32_t window, int button, std::int64_t time, POINT screen) {
+    const bool doubleClick = last_.window == window && last_.button == button &&
+                             time - last_.time < kTime &&
+                             std::abs(screen.x - last_.screen.x) <= kWidth / 2 &&
+                             std::abs(screen.y - last_.screen.y) <= kHeight / 2;
+    last_ = doubleClick ? Click{} : Click{window, button, time, screen};
+    return doubleClick;
+}
+
+bool CloseBoxInput(bool& pressed, bool& hot, const MouseEvent& event, bool inside) {
+    switch (event.kind) {
+        case MouseEvent::Kind::Down:
+        case MouseEvent::Kind::DoubleClick:
+            if (event.button == kButtonLeft && inside) {
+                pressed = true;
+                hot = true;
+            }
+            break;
+        case MouseEvent::Kind::Move:
+            if (pressed) hot = inside;
+            break;
+        case MouseEvent::Kind::Up:
+            if (event.button == kButtonLeft && pressed) {
+                pressed = false;
+                return inside;
+            }
+            break;
+    }
+    return false;
+}
+
+}  // namespace korvex::platform
