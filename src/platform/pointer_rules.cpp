@@ -15,6 +15,31 @@ bool DoubleClickTracker::Press(std::uint32_t window, int button, std::int64_t ti
     return doubleClick;
 }
 
+MouseEvent DoubleClickTracker::ButtonEvent(bool down, std::uint32_t window, int button, int shift,
+                                           POINT screen, std::int64_t time) {
+    MouseEvent event;
+    event.button = button;
+    event.shift = shift;
+    event.screen = screen;
+    event.time = time;
+    if (!down)
+        event.kind = MouseEvent::Kind::Up;
+    else
+        event.kind = Press(window, button, time, screen) ? MouseEvent::Kind::DoubleClick
+                                                         : MouseEvent::Kind::Down;
+    return event;
+}
+
+MouseEvent MoveEvent(int buttons, int shift, POINT screen, std::int64_t time) {
+    MouseEvent event;
+    event.kind = MouseEvent::Kind::Move;
+    event.button = buttons;
+    event.shift = shift;
+    event.screen = screen;
+    event.time = time;
+    return event;
+}
+
 bool CloseBoxInput(bool& pressed, bool& hot, const MouseEvent& event, bool inside) {
     switch (event.kind) {
         case MouseEvent::Kind::Down:

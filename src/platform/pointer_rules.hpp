@@ -19,6 +19,9 @@ class DoubleClickTracker {
 
     // A press of button on window; true when it is the second press of a double click.
     bool Press(std::uint32_t window, int button, std::int64_t time, POINT screen);
+    // The event of a press (Down or DoubleClick) or a release (Up) of button on window.
+    MouseEvent ButtonEvent(bool down, std::uint32_t window, int button, int shift, POINT screen,
+                           std::int64_t time);
     // A press that reached no window: the next one starts afresh.
     void Reset() { last_ = {}; }
     // window went away.
@@ -35,6 +38,9 @@ class DoubleClickTracker {
     };
     Click last_;
 };
+
+// The event of the pointer moving to screen with buttons held.
+MouseEvent MoveEvent(int buttons, int shift, POINT screen, std::int64_t time);
 
 // The close box as a push button: pressed while the left button is down over it (hot while the
 // pointer stays there); released over it asks the window to close (true), released elsewhere

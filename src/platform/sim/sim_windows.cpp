@@ -602,13 +602,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
     if (target) {
-        MouseEvent event;
-        event.kind = MouseEvent::Kind::Move;
-        event.button = buttons_;
-        event.shift = ShiftState();
-        event.screen = cursor_;
-        event.time = time;
-        Deliver(target, event);
+        Deliver(target, MoveEvent(buttons_, ShiftState(), cursor_, time));
     }
     tip_.Track(Find(target) ? target : 0);
 }
@@ -616,8 +610,8 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
 // Step table for the buttons (one press and release; the capture is the implicit one):
 //   press    target = capture window, else the window hit; the target takes the capture; the
 //            event is DoubleClick when the previous press (same button, same window) is less
-//            than DoubleClickTracker::kTime ago and within the double-click rectangle, else Down; a
-//            double click does not start another one
+//            than the double-click time ago and within the double-click rectangle, else Down;
+//            a double click does not start another one (platform/pointer_rules.hpp)
 //   release  Up goes to the capture window, else the window hit; once no button is held the
 //            implicit capture ends (without OnCaptureLost: the release reached the window)
 // Input for a disabled window is dropped; the button state still changes.
@@ -629,21 +623,14 @@ void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t
         if (down) clicks_.Reset();
         return;
     }
-    MouseEvent event;
-    event.button = button;
-    event.shift = shift;
-    event.screen = cursor_;
-    event.time = time;
+    const MouseEvent event = clicks_.ButtonEvent(down, target, button, shift, cursor_, time);
     if (down) {
-        event.kind = clicks_.Press(target, button, time, cursor_) ? MouseEvent::Kind::DoubleClick
-                                                                  : MouseEvent::Kind::Down;
         if (!capture_) {
             capture_ = target;
             implicitCapture_ = true;
         }
         Deliver(target, event);
     } else {
-        event.kind = MouseEvent::Kind::Up;
         Deliver(target, event);
         if (implicitCapture_ && capture_ == target && buttons_ == 0) ReleaseCapture();
     }

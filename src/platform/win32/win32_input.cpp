@@ -343,13 +343,7 @@ void Win32Windows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
     if (target) {
-        MouseEvent event;
-        event.kind = MouseEvent::Kind::Move;
-        event.button = buttons_;
-        event.shift = ShiftState();
-        event.screen = cursor_;
-        event.time = time;
-        Deliver(target, event);
+        Deliver(target, MoveEvent(buttons_, ShiftState(), cursor_, time));
         if (Find(target)) SetCursorFor(target);
     }
     tip_.Track(Find(target) ? target : 0);
@@ -366,14 +360,8 @@ void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64
         if (down) clicks_.Reset();
         return;
     }
-    MouseEvent event;
-    event.button = button;
-    event.shift = shift;
-    event.screen = cursor_;
-    event.time = time;
+    const MouseEvent event = clicks_.ButtonEvent(down, target, button, shift, cursor_, time);
     if (down) {
-        event.kind = clicks_.Press(target, button, time, cursor_) ? MouseEvent::Kind::DoubleClick
-                                                                  : MouseEvent::Kind::Down;
         if (!GetCapture()) {
             const Quiet quiet(quietCapture_);
             ::SetCapture(H(Native(HWND{target})));
@@ -381,7 +369,6 @@ void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64
         }
         Deliver(target, event);
     } else {
-        event.kind = MouseEvent::Kind::Up;
         Deliver(target, event);
         if (implicitCapture_ && GetCapture().value == target && buttons_ == 0) ReleaseCapture();
     }
