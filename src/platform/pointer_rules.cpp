@@ -1,10 +1,34 @@
-// The double click and the close box.
+// What is held, the double click and the close box.
 
 #include "platform/pointer_rules.hpp"
 
 #include <cstdlib>
 
 namespace korvex::platform {
+
+void HeldInput::Key(KeyEvent::Kind kind, int keyCode) {
+    if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
+        keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+}
+
+bool HeldInput::Down(int virtualKey) const {
+    switch (virtualKey) {
+        case VK_LBUTTON:
+            return buttons_ & kButtonLeft;
+        case VK_RBUTTON:
+            return buttons_ & kButtonRight;
+        case VK_MBUTTON:
+            return buttons_ & kButtonMiddle;
+        default:
+            return virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
+                   keys_[static_cast<std::size_t>(virtualKey)];
+    }
+}
+
+int HeldInput::ShiftState() const {
+    return (keys_[VK_SHIFT] ? kShiftMask : 0) | (keys_[VK_CONTROL] ? kCtrlMask : 0) |
+           (keys_[VK_MENU] ? kAltMask : 0);
+}
 
 bool DoubleClickTracker::Press(std::uint32_t window, int button, std::int64_t time, POINT screen) {
     const bool doubleClick = last_.window == window && last_.button == button &&

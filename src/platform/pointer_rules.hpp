@@ -1,12 +1,32 @@
 #pragma once
-// Pointer rules both backends apply to the input a script sends: the double click and the close
-// box of a captioned window.
+// Pointer and key rules both backends apply to the input a script sends: what is held, the
+// double click and the close box of a captioned window.
 
+#include <array>
 #include <cstdint>
 
 #include "platform/window.hpp"
 
 namespace korvex::platform {
+
+// The mouse buttons (kButton*) and keys held, as the input routed so far left them.
+class HeldInput {
+  public:
+    [[nodiscard]] int Buttons() const { return buttons_; }
+    void Button(bool down, int button) {
+        buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
+    }
+    // Down and Up change a key's state; Press does not.
+    void Key(KeyEvent::Kind kind, int keyCode);
+    // Whether a key or mouse button (VK_LBUTTON ...) is down.
+    [[nodiscard]] bool Down(int virtualKey) const;
+    // kShiftMask, kCtrlMask and kAltMask as the keys held make them.
+    [[nodiscard]] int ShiftState() const;
+
+  private:
+    int buttons_ = 0;
+    std::array<bool, 256> keys_{};
+};
 
 // The platform's double-click defaults (GetDoubleClickTime, SM_CXDOUBLECLK/SM_CYDOUBLECLK): a
 // second press of the same button on the same window less than 500 ms after the first, inside

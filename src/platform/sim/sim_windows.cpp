@@ -487,27 +487,12 @@ bool SimWindows::SetCursorPos(std::int32_t x, std::int32_t y) {
 }
 
 std::int16_t SimWindows::GetAsyncKeyState(int virtualKey) {
-    bool down = false;
-    switch (virtualKey) {
-        case VK_LBUTTON:
-            down = buttons_ & kButtonLeft;
-            break;
-        case VK_RBUTTON:
-            down = buttons_ & kButtonRight;
-            break;
-        case VK_MBUTTON:
-            down = buttons_ & kButtonMiddle;
-            break;
-        default:
-            down = virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
-                   keys_[static_cast<std::size_t>(virtualKey)];
-    }
-    return down ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};  // bit 15
+    // Bit 15.
+    return held_.Down(virtualKey) ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};
 }
 
 int SimWindows::ShiftState() const {
-    return (keys_[VK_SHIFT] ? kShiftMask : 0) | (keys_[VK_CONTROL] ? kCtrlMask : 0) |
-           (keys_[VK_MENU] ? kAltMask : 0);
+    return held_.ShiftState();
 }
 
 void SimWindows::SetWindowCursor(HWND window, int shape,
@@ -602,7 +587,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
     if (target) {
-        Deliver(target, MoveEvent(buttons_, ShiftState(), cursor_, time));
+        Deliver(target, MoveEvent(held_.Buttons(), ShiftState(), cursor_, time));
     }
     tip_.Track(Find(target) ? target : 0);
 }
@@ -617,7 +602,7 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
 // Input for a disabled window is dropped; the button state still changes.
 void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
     if (down) tip_.Press();
-    buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
+    held_.Button(down, button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
         if (down) clicks_.Reset();
@@ -632,13 +617,12 @@ void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t
         Deliver(target, event);
     } else {
         Deliver(target, event);
-        if (implicitCapture_ && capture_ == target && buttons_ == 0) ReleaseCapture();
+        if (implicitCapture_ && capture_ == target && held_.Buttons() == 0) ReleaseCapture();
     }
 }
 
 void SimWindows::TrackKey(KeyEvent::Kind kind, int keyCode) {
-    if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
-        keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+    held_.Key(kind, keyCode);
 }
 
 void SimWindows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time) {

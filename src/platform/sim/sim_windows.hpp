@@ -208,8 +208,7 @@ class SimWindows final : public Windows {
     std::uint32_t capture_ = 0;
     bool implicitCapture_ = false;  // taken by a press, ends with the last release
     POINT cursor_;
-    int buttons_ = 0;  // kButton* held
-    std::array<bool, 256> keys_{};
+    HeldInput held_;
     DoubleClickTracker clicks_;
 };
 

@@ -231,8 +231,7 @@ class Win32Windows final : public Windows {
     // The shift state of the input the driver is sending now (mouse messages carry no Alt).
     std::optional<int> injectedShift_;
     POINT cursor_;
-    int buttons_ = 0;
-    std::array<bool, 256> keys_{};
+    HeldInput held_;
     DoubleClickTracker clicks_;
     ToolTipState tip_;
     void* tipWindow_ = nullptr;

@@ -92,28 +92,13 @@ bool Win32Windows::SetCursorPos(std::int32_t x, std::int32_t y) {
 }
 
 std::int16_t Win32Windows::GetAsyncKeyState(int virtualKey) {
-    bool down = false;
-    switch (virtualKey) {
-        case VK_LBUTTON:
-            down = buttons_ & kButtonLeft;
-            break;
-        case VK_RBUTTON:
-            down = buttons_ & kButtonRight;
-            break;
-        case VK_MBUTTON:
-            down = buttons_ & kButtonMiddle;
-            break;
-        default:
-            down = virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
-                   keys_[static_cast<std::size_t>(virtualKey)];
-    }
+    bool down = held_.Down(virtualKey);
     if (!virtualInput_ && ::GetAsyncKeyState(virtualKey) < 0) down = true;
     return down ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};  // bit 15
 }
 
 int Win32Windows::ShiftState() const {
-    return (keys_[VK_SHIFT] ? kShiftMask : 0) | (keys_[VK_CONTROL] ? kCtrlMask : 0) |
-           (keys_[VK_MENU] ? kAltMask : 0);
+    return held_.ShiftState();
 }
 
 void Win32Windows::SetWindowCursor(HWND window, int shape,
@@ -321,7 +306,7 @@ void Win32Windows::Deliver(std::uint32_t window, MouseEvent event) {
         return;
     }
     if (!w->handler) return;
-    const int held = event.kind == MouseEvent::Kind::Move ? event.button : buttons_;
+    const int held = event.kind == MouseEvent::Kind::Move ? event.button : held_.Buttons();
     injectedShift_ = event.shift;
     ::SendMessageW(H(w->native), ButtonMessage(event.kind, event.button),
                    MouseKeys(held, event.shift),
@@ -343,7 +328,7 @@ void Win32Windows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
     if (target) {
-        Deliver(target, MoveEvent(buttons_, ShiftState(), cursor_, time));
+        Deliver(target, MoveEvent(held_.Buttons(), ShiftState(), cursor_, time));
         if (Find(target)) SetCursorFor(target);
     }
     tip_.Track(Find(target) ? target : 0);
@@ -354,7 +339,7 @@ void Win32Windows::RouteMouseMove(POINT screen, std::int64_t time) {
 // within the double-click time and rectangle is a double click (and starts no further one).
 void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
     if (down) tip_.Press();
-    buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
+    held_.Button(down, button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
         if (down) clicks_.Reset();
@@ -370,13 +355,13 @@ void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64
         Deliver(target, event);
     } else {
         Deliver(target, event);
-        if (implicitCapture_ && GetCapture().value == target && buttons_ == 0) ReleaseCapture();
+        if (implicitCapture_ && GetCapture().value == target && held_.Buttons() == 0)
+            ReleaseCapture();
     }
 }
 
 void Win32Windows::TrackKey(KeyEvent::Kind kind, int keyCode) {
-    if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
-        keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+    held_.Key(kind, keyCode);
 }
 
 void Win32Windows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t) {
