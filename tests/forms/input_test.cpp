@@ -96,7 +96,7 @@ TEST_F(InputTest, TheTooltipIsTheTextOfTheObjectUnderThePointer) {
     EXPECT_EQ(over({100, 5}), "");
     // The platform shows it after the pointer rests there.
     MoveTo({15, 12});
-    Advance(platform::sim::SimWindows::kToolTipInitial);
+    Advance(platform::ToolTipState::kInitial);
     EXPECT_EQ(platform.driver().ToolTip().text, "Neu");
 }
 

@@ -4,8 +4,8 @@
 // the bar that works as a push button.
 
 #include <algorithm>
-#include <cmath>
 
+#include "platform/shell_font.hpp"
 #include "platform/sim/sim_windows.hpp"
 
 namespace korvex::platform::sim {
@@ -34,16 +34,6 @@ void Fill(Gdi& gdi, HDC dc, const RECT& r, COLORREF color) {
 
 }  // namespace
 
-HFONT CreateShellFont(Gdi& gdi, int weight) {
-    LOGFONT font;
-    font.lfHeight =
-        -static_cast<std::int32_t>(std::lround(8 * gdi.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
-    font.lfWeight = weight;
-    font.lfCharSet = ANSI_CHARSET;
-    font.lfFaceName = "Tahoma";
-    return gdi.CreateFontIndirect(font);
-}
-
 RECT SimWindows::ClientArea(const Window& w) {
     const std::int32_t width = w.rect.Width(), height = w.rect.Height();
     if (!w.caption) return {0, 0, width, height};
@@ -68,24 +58,8 @@ RECT SimWindows::CloseBoxRect(const Window& w) {
 
 void SimWindows::NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow) {
     const bool inside = Inside(CloseBoxRect(w), inWindow);
-    switch (event.kind) {
-        case MouseEvent::Kind::Down:
-        case MouseEvent::Kind::DoubleClick:
-            if (event.button == kButtonLeft && inside) {
-                w.closePressed = true;
-                w.closeHot = true;
-            }
-            break;
-        case MouseEvent::Kind::Move:
-            if (w.closePressed && inside != w.closeHot) w.closeHot = inside;
-            break;
-        case MouseEvent::Kind::Up:
-            if (event.button == kButtonLeft && w.closePressed) {
-                w.closePressed = false;
-                if (inside && w.handler) w.handler->OnClose();
-            }
-            break;
-    }
+    if (CloseBoxInput(w.closePressed, w.closeHot, event, inside) && w.handler)
+        w.handler->OnClose();
 }
 
 void SimWindows::CaptureLost(std::uint32_t window) {

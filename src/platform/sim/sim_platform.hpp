@@ -7,6 +7,7 @@
 // runner, the korvex tool) also reaches its driver face through driver().
 
 #include "platform/driver.hpp"
+#include "platform/forwarding_driver.hpp"
 #include "platform/sim/sim_clock.hpp"
 #include "platform/sim/sim_gdi.hpp"
 #include "platform/sim/sim_loop.hpp"
@@ -16,32 +17,8 @@
 
 namespace korvex::platform::sim {
 
-// The driver face of the portable parts: each operation forwards to the part that owns it.
-class SimDriver final : public Driver {
-  public:
-    SimDriver(SimWindows& windows, SimClock& clock, SimEventLoop& loop)
-        : windows_(windows), clock_(clock), loop_(loop) {}
-
-    void Advance(std::int64_t ms) override { clock_.Advance(ms); }
-    [[nodiscard]] std::int64_t NextDue() override { return clock_.NextDue(); }
-    void MouseMove(POINT screen) override { loop_.MouseMove(screen); }
-    void MouseDown(int button, int shift) override { loop_.MouseDown(button, shift); }
-    void MouseUp(int button, int shift) override { loop_.MouseUp(button, shift); }
-    void KeyDown(int keyCode, int shift) override { loop_.KeyDown(keyCode, shift); }
-    void KeyUp(int keyCode, int shift) override { loop_.KeyUp(keyCode, shift); }
-    void KeyPress(int character) override { loop_.KeyPress(character); }
-    void SetInputSource(InputSource* source) override { loop_.SetInputSource(source); }
-    std::vector<std::uint32_t> ComposeScreen() override { return windows_.ComposeScreen(); }
-    std::vector<std::uint32_t> ComposeWindow(HWND window) override {
-        return windows_.ComposeWindow(window);
-    }
-    ShownToolTip ToolTip() override { return windows_.ToolTipOnScreen(); }
-
-  private:
-    SimWindows& windows_;
-    SimClock& clock_;
-    SimEventLoop& loop_;
-};
+// The driver face of the portable parts: plain forwarding.
+using SimDriver = ForwardingDriver<SimWindows, SimClock, SimEventLoop>;
 
 class SimPlatform final : public Platform {
   public:

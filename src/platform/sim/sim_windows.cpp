@@ -41,7 +41,18 @@ std::size_t IndexOf(const std::deque<std::uint32_t>& list, std::uint32_t value) 
 // Construction
 
 SimWindows::SimWindows(Gdi& gdi, SIZE screen, Clock* clock)
-    : gdi_(gdi), screen_(screen), clock_(clock) {
+    : gdi_(gdi),
+      screen_(screen),
+      clock_(clock),
+      tip_(gdi, clock,
+           {.textOf =
+                [this](std::uint32_t window) -> const std::string* {
+                    const Window* w = Find(window);
+                    return w ? &w->toolTip : nullptr;
+                },
+            .pointer = [this] { return cursor_; },
+            .screen = [this] { return screen_; },
+            .changed = {}}) {
     Window desktop;
     desktop.visible = true;
     desktop.rect = {0, 0, screen.cx, screen.cy};
@@ -50,7 +61,6 @@ SimWindows::SimWindows(Gdi& gdi, SIZE screen, Clock* clock)
 }
 
 SimWindows::~SimWindows() {
-    if (clock_ && tip_.timer) clock_->KillTimer(tip_.timer);
     for (auto& [handle, window] : windows_)
         if (window.region) gdi_.DeleteObject(window.region);
 }
@@ -112,10 +122,10 @@ bool SimWindows::DestroyWindow(HWND window) {
             if (Find(handle)->owner == doomed[i]) doomed.push_back(handle);
     }
     for (std::uint32_t handle : doomed) {
-        DropToolTip(handle);
+        tip_.Drop(handle);
         if (handle == focus_) DropFocus(false);
         if (handle == capture_) DropCapture(false);
-        if (handle == lastClick_.window) lastClick_ = {};
+        clicks_.Forget(handle);
     }
     // A doomed window's sibling list goes with its parent when that is doomed too.
     const std::set<std::uint32_t> doomedSet(doomed.begin(), doomed.end());
@@ -368,7 +378,7 @@ bool SimWindows::ShowWindow(HWND window, bool visible) {
     w->visible = visible;
     if (!visible) {
         w->closePressed = false;
-        if (tip_.tool && IsSelfOrDescendant(window.value, tip_.tool)) DropToolTip(tip_.tool);
+        if (tip_.Tool() && IsSelfOrDescendant(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (focus_ && IsSelfOrDescendant(window.value, focus_)) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -387,7 +397,7 @@ bool SimWindows::EnableWindow(HWND window, bool enabled) {
     const bool wasDisabled = !w->enabled;
     w->enabled = enabled;
     if (!enabled) {
-        if (tip_.tool && IsSelfOrDescendant(window.value, tip_.tool)) DropToolTip(tip_.tool);
+        if (tip_.Tool() && IsSelfOrDescendant(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (focus_ == window.value) DropFocus(true);
         if (capture_ && IsSelfOrDescendant(window.value, capture_)) DropCapture(true);
     }
@@ -477,27 +487,12 @@ bool SimWindows::SetCursorPos(std::int32_t x, std::int32_t y) {
 }
 
 std::int16_t SimWindows::GetAsyncKeyState(int virtualKey) {
-    bool down = false;
-    switch (virtualKey) {
-        case VK_LBUTTON:
-            down = buttons_ & kButtonLeft;
-            break;
-        case VK_RBUTTON:
-            down = buttons_ & kButtonRight;
-            break;
-        case VK_MBUTTON:
-            down = buttons_ & kButtonMiddle;
-            break;
-        default:
-            down = virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
-                   keys_[static_cast<std::size_t>(virtualKey)];
-    }
-    return down ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};  // bit 15
+    // Bit 15.
+    return held_.Down(virtualKey) ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};
 }
 
 int SimWindows::ShiftState() const {
-    return (keys_[VK_SHIFT] ? kShiftMask : 0) | (keys_[VK_CONTROL] ? kCtrlMask : 0) |
-           (keys_[VK_MENU] ? kAltMask : 0);
+    return held_.ShiftState();
 }
 
 void SimWindows::SetWindowCursor(HWND window, int shape,
@@ -592,61 +587,42 @@ void SimWindows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
     if (target) {
-        MouseEvent event;
-        event.kind = MouseEvent::Kind::Move;
-        event.button = buttons_;
-        event.shift = ShiftState();
-        event.screen = cursor_;
-        event.time = time;
-        Deliver(target, event);
+        Deliver(target, MoveEvent(held_.Buttons(), ShiftState(), cursor_, time));
     }
-    TrackToolTip(Find(target) ? target : 0);
+    tip_.Track(Find(target) ? target : 0);
 }
 
 // Step table for the buttons (one press and release; the capture is the implicit one):
 //   press    target = capture window, else the window hit; the target takes the capture; the
 //            event is DoubleClick when the previous press (same button, same window) is less
-//            than kDoubleClickTime ago and within the double-click rectangle, else Down; a
-//            double click does not start another one
+//            than the double-click time ago and within the double-click rectangle, else Down;
+//            a double click does not start another one (platform/pointer_rules.hpp)
 //   release  Up goes to the capture window, else the window hit; once no button is held the
 //            implicit capture ends (without OnCaptureLost: the release reached the window)
 // Input for a disabled window is dropped; the button state still changes.
 void SimWindows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
-    if (down) ToolTipPress();
-    buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
+    if (down) tip_.Press();
+    held_.Button(down, button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
-        if (down) lastClick_ = {};
+        if (down) clicks_.Reset();
         return;
     }
-    MouseEvent event;
-    event.button = button;
-    event.shift = shift;
-    event.screen = cursor_;
-    event.time = time;
+    const MouseEvent event = clicks_.ButtonEvent(down, target, button, shift, cursor_, time);
     if (down) {
-        const bool doubleClick =
-            lastClick_.window == target && lastClick_.button == button &&
-            time - lastClick_.time < kDoubleClickTime &&
-            std::abs(cursor_.x - lastClick_.screen.x) <= kDoubleClickWidth / 2 &&
-            std::abs(cursor_.y - lastClick_.screen.y) <= kDoubleClickHeight / 2;
-        event.kind = doubleClick ? MouseEvent::Kind::DoubleClick : MouseEvent::Kind::Down;
-        lastClick_ = doubleClick ? Click{} : Click{target, button, time, cursor_};
         if (!capture_) {
             capture_ = target;
             implicitCapture_ = true;
         }
         Deliver(target, event);
     } else {
-        event.kind = MouseEvent::Kind::Up;
         Deliver(target, event);
-        if (implicitCapture_ && capture_ == target && buttons_ == 0) ReleaseCapture();
+        if (implicitCapture_ && capture_ == target && held_.Buttons() == 0) ReleaseCapture();
     }
 }
 
 void SimWindows::TrackKey(KeyEvent::Kind kind, int keyCode) {
-    if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
-        keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+    held_.Key(kind, keyCode);
 }
 
 void SimWindows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t time) {
@@ -691,7 +667,7 @@ std::vector<std::uint32_t> SimWindows::Render(SIZE size, std::uint32_t window, P
             for (auto it = order.rbegin(); it != order.rend(); ++it)
                 if (const Window* w = Find(*it); w && w->visible)
                     ComposeInto(dc, *it, Origin(*it), {});
-            PaintToolTip(dc);
+            tip_.Paint(dc);
         } else {
             ComposeInto(dc, window, origin, {});
         }
@@ -794,6 +770,21 @@ void SimWindows::PaintClient(HDC dc, WindowHandler* handler, const RECT& client)
         gdi_.DeleteDC(target);
         gdi_.DeleteObject(bitmap);
     }
+}
+
+// ---------------------------------------------------------------------------------------------
+// Tooltips: ToolTipState keeps the tip; the text lives with its window.
+
+void SimWindows::SetToolTip(HWND window, std::string_view text) {
+    Window* w = Find(window);
+    if (!w || window.value == kDesktop || w->toolTip == text) return;
+    w->toolTip = std::string(text);
+    tip_.TextChanged(window.value, text);
+}
+
+std::string SimWindows::GetToolTip(HWND window) {
+    const Window* w = Find(window);
+    return w ? w->toolTip : std::string();
 }
 
 }  // namespace korvex::platform::sim

@@ -17,7 +17,7 @@
 //   walks the z-order topmost first, respects window regions and stops at a disabled window;
 //   input that ends on a disabled window (or one below a disabled parent) is dropped.
 // - Tooltips follow the mouse input a window gets, as a tooltip control subclassing it does
-//   (sim_tooltip.cpp): shown on the composed screen, above every window, never in one window's
+//   (platform/tooltip_state.hpp): shown on the composed screen, above every window, never in one window's
 //   own picture.
 //
 // Sections: construction · Windows interface · input routing (for SimEventLoop) · internals
@@ -32,23 +32,14 @@
 
 #include "platform/driver.hpp"
 #include "platform/gdi.hpp"
+#include "platform/pointer_rules.hpp"
+#include "platform/tooltip_state.hpp"
 #include "platform/window.hpp"
 
 namespace korvex::platform::sim {
 
-// The shell's font for captions and tips, Tahoma 8 pt, at the device's resolution; the caller
-// deletes it.
-HFONT CreateShellFont(Gdi& gdi, int weight);
-
 class SimWindows final : public Windows {
   public:
-    // The platform's double-click defaults (GetDoubleClickTime, SM_CXDOUBLECLK/SM_CYDOUBLECLK):
-    // a second press of the same button on the same window less than 500 ms after the first,
-    // inside the 4 x 4 rectangle centred on it, is a double click.
-    static constexpr std::int64_t kDoubleClickTime = 500;
-    static constexpr std::int32_t kDoubleClickWidth = 4;
-    static constexpr std::int32_t kDoubleClickHeight = 4;
-
     // Classic metrics of a captioned window, in pixels (SM_CXFIXEDFRAME, SM_CYCAPTION less its
     // separator line, the caption buttons' size). Window layout, W x H its outer size:
     //   frame        3 px on every side (raised 3D edge, then one pixel of face colour)
@@ -60,17 +51,6 @@ class SimWindows final : public Windows {
     static constexpr std::int32_t kCaptionHeight = 18;
     static constexpr std::int32_t kCloseBoxWidth = 16;
     static constexpr std::int32_t kCloseBoxHeight = 14;
-
-    // Tooltip timing: Windows' defaults for its 500 ms double-click time (TTM_GETDELAYTIME). A
-    // tooltip shows once the pointer has rested 500 ms on its window, 100 ms after another
-    // window's tooltip was showing, and goes after 5000 ms of a resting pointer.
-    static constexpr std::int64_t kToolTipInitial = 500;
-    static constexpr std::int64_t kToolTipReshow = 100;
-    static constexpr std::int64_t kToolTipAutoPop = 5000;
-    // The classic tooltip: a one-pixel frame around the text with 2 pixels of room on each
-    // side, its top 20 pixels below the pointer's hot spot, moved back onto the screen.
-    static constexpr std::int32_t kToolTipBelowPointer = 20;
-    static constexpr std::int32_t kToolTipMargin = 2;
 
     // Draws through gdi (whose regions SetWindowRgn takes over); gdi must outlive this object.
     // Tooltips run on clock's timers; without a clock they never show.
@@ -129,7 +109,7 @@ class SimWindows final : public Windows {
     void SetToolTip(HWND window, std::string_view text) override;
     std::string GetToolTip(HWND window) override;
     // The driver's view of the tooltip shown now.
-    [[nodiscard]] Driver::ShownToolTip ToolTipOnScreen() const;
+    [[nodiscard]] Driver::ShownToolTip ToolTipOnScreen() const { return tip_.OnScreen(); }
 
     SIZE ScreenSize() override { return screen_; }
 
@@ -172,25 +152,6 @@ class SimWindows final : public Windows {
         std::deque<std::uint32_t> children;
     };
 
-    // The tooltip: the window the pointer last moved on that has one (its tool), and whether
-    // the tip shows. A press or the timeout hides it for good until the pointer moves on to
-    // another tool. One timer at a time runs: the delay before showing, or the one before it
-    // goes.
-    struct ToolTipState {
-        std::uint32_t tool = 0;
-        bool shown = false;
-        bool spent = false;
-        std::string text;
-        RECT screen;
-        Clock::TimerId timer = 0;
-    };
-
-    struct Click {
-        std::uint32_t window = 0;  // zero when no press can start a double click
-        int button = 0;
-        std::int64_t time = 0;
-        POINT screen;
-    };
 
     Window* Find(std::uint32_t handle);
     Window* Find(HWND window) { return Find(window.value); }
@@ -231,16 +192,6 @@ class SimWindows final : public Windows {
     void DropFocus(bool notify);
     void DropCapture(bool notify);
 
-    // Tooltips (sim_tooltip.cpp): the pointer moved with `target` getting the input; a button
-    // went down; the tool or its window went away; the timers; painting onto the screen.
-    void TrackToolTip(std::uint32_t target);
-    void ToolTipPress();
-    void DropToolTip(std::uint32_t window);
-    void HideToolTip(bool spent);
-    void StartToolTipTimer(std::int64_t ms, bool show);
-    void ShowToolTip();
-    void PaintToolTip(HDC dc);
-
     // Composition: paints window (at origin in target's coordinates) and its visible children,
     // clipped by clip (target coordinates, zero for none), the window rectangle and its region.
     void ComposeInto(HDC target, std::uint32_t window, POINT origin, HRGN clip);
@@ -257,9 +208,8 @@ class SimWindows final : public Windows {
     std::uint32_t capture_ = 0;
     bool implicitCapture_ = false;  // taken by a press, ends with the last release
     POINT cursor_;
-    int buttons_ = 0;  // kButton* held
-    std::array<bool, 256> keys_{};
-    Click lastClick_;
+    HeldInput held_;
+    DoubleClickTracker clicks_;
 };
 
 }  // namespace korvex::platform::sim

@@ -29,8 +29,13 @@
 #include <unordered_map>
 #include <vector>
 
+#include "platform/driven_loop.hpp"
 #include "platform/driver.hpp"
+#include "platform/pointer_rules.hpp"
+#include "platform/shell_font.hpp"
 #include "platform/sound.hpp"
+#include "platform/tooltip_state.hpp"
+#include "platform/virtual_timers.hpp"
 #include "platform/win32/win32_gdi.hpp"
 #include "platform/window.hpp"
 
@@ -41,8 +46,8 @@ namespace korvex::platform::win32 {
 // order, ties in creation order, a timer as often as it is due, 10 ms at least.
 class Win32Clock final : public Clock {
   public:
-    static constexpr std::uint32_t kMinimumInterval = 10;  // USER_TIMER_MINIMUM
-    static constexpr std::uint32_t kMaximumInterval = 0x7FFFFFFF;
+    static constexpr std::uint32_t kMinimumInterval = VirtualTimers::kMinimumInterval;
+    static constexpr std::uint32_t kMaximumInterval = VirtualTimers::kMaximumInterval;
 
     Win32Clock(bool virtualTime, void* messageWindow);
     ~Win32Clock() override;
@@ -57,37 +62,21 @@ class Win32Clock final : public Clock {
     // Virtual time: moves forward, firing due timers in order. System time: nothing (the
     // event loop's Wait lets real time pass).
     void Advance(std::int64_t ms);
-    [[nodiscard]] std::int64_t NextDue();
+    [[nodiscard]] std::int64_t NextDue() { return timers_.NextDue(); }
     // WM_TIMER on the message window, system time only.
     void Tick(std::uintptr_t id);
 
   private:
-    struct Timer {
-        std::uint32_t interval = kMinimumInterval;
-        std::int64_t due = 0;
-        std::shared_ptr<std::function<void()>> tick;
-    };
     bool virtual_;
     void* messageWindow_;
-    std::map<TimerId, Timer> timers_;
-    TimerId nextId_ = 1;
+    // On the system's time too: the system's timer only says when, the tick is kept here.
+    VirtualTimers timers_;
     std::int64_t now_ = 0;     // virtual time
     std::uint64_t start_ = 0;  // GetTickCount64 at construction
 };
 
 class Win32Windows final : public Windows {
   public:
-    // The double-click rules a script's input follows (the system's defaults).
-    static constexpr std::int64_t kDoubleClickTime = 500;
-    static constexpr std::int32_t kDoubleClickWidth = 4;
-    static constexpr std::int32_t kDoubleClickHeight = 4;
-    // Tooltip timing and look, as the portable platform's (the tooltip control's defaults).
-    static constexpr std::int64_t kToolTipInitial = 500;
-    static constexpr std::int64_t kToolTipReshow = 100;
-    static constexpr std::int64_t kToolTipAutoPop = 5000;
-    static constexpr std::int32_t kToolTipBelowPointer = 20;
-    static constexpr std::int32_t kToolTipMargin = 2;
-
     Win32Windows(Win32Gdi& gdi, Win32Clock& clock, bool virtualInput);
     ~Win32Windows() override;
     Win32Windows(const Win32Windows&) = delete;
@@ -141,7 +130,7 @@ class Win32Windows final : public Windows {
 
     void SetToolTip(HWND window, std::string_view text) override;
     std::string GetToolTip(HWND window) override;
-    [[nodiscard]] Driver::ShownToolTip ToolTipOnScreen() const;
+    [[nodiscard]] Driver::ShownToolTip ToolTipOnScreen() const { return tip_.OnScreen(); }
 
     SIZE ScreenSize() override;
 
@@ -187,20 +176,6 @@ class Win32Windows final : public Windows {
         void* customCursor = nullptr;  // HCURSOR made from cursorPixels
         std::string toolTip;
     };
-    struct ToolTipState {
-        std::uint32_t tool = 0;
-        bool shown = false;
-        bool spent = false;
-        std::string text;
-        RECT screen;
-        Clock::TimerId timer = 0;
-    };
-    struct Click {
-        std::uint32_t window = 0;
-        int button = 0;
-        std::int64_t time = 0;
-        POINT screen;
-    };
 
     Window* Find(std::uint32_t id);
     Window* Find(HWND window) { return Find(window.value); }
@@ -231,13 +206,7 @@ class Win32Windows final : public Windows {
     bool SetCursorFor(std::uint32_t id);
     void* CursorHandle(std::uint32_t id);
 
-    // Tooltips (win32_input.cpp).
-    void TrackToolTip(std::uint32_t target);
-    void ToolTipPress();
-    void DropToolTip(std::uint32_t window);
-    void HideToolTip(bool spent);
-    void StartToolTipTimer(std::int64_t ms, bool show);
-    void ShowToolTip();
+    // Tooltips (win32_input.cpp): the shared state's look into a native device context.
     void PaintToolTip(void* nativeDC);
     // The tip on a real screen: a topmost popup that the pointer passes through.
     void PlaceToolTipWindow();
@@ -262,36 +231,20 @@ class Win32Windows final : public Windows {
     // The shift state of the input the driver is sending now (mouse messages carry no Alt).
     std::optional<int> injectedShift_;
     POINT cursor_;
-    int buttons_ = 0;
-    std::array<bool, 256> keys_{};
-    Click lastClick_;
+    HeldInput held_;
+    DoubleClickTracker clicks_;
     ToolTipState tip_;
     void* tipWindow_ = nullptr;
 };
 
-class Win32EventLoop final : public EventLoop {
+class Win32EventLoop final : public DrivenEventLoop<Win32Windows, Win32Clock> {
   public:
-    static constexpr std::int64_t kIdleLimitMs = 60'000;
-
     Win32EventLoop(Win32Windows& windows, Win32Clock& clock, void* messageWindow);
-    Win32EventLoop(const Win32EventLoop&) = delete;
-    Win32EventLoop& operator=(const Win32EventLoop&) = delete;
 
     int DoEvents() override;
     void Post(std::function<void()> task) override;
     void Wait(std::int64_t ms) override;
     void RunModal(const std::function<bool()>& stillOpen, std::string_view what) override;
-    std::uint32_t AddKeyFilter(KeyFilter filter) override;
-    void RemoveKeyFilter(std::uint32_t id) override;
-
-    // The driver's side.
-    void MouseMove(POINT screen);
-    void MouseDown(int button, int shift);
-    void MouseUp(int button, int shift);
-    void KeyDown(int keyCode, int shift);
-    void KeyUp(int keyCode, int shift);
-    void KeyPress(int character);
-    void SetInputSource(InputSource* source) { source_ = source; }
 
     // A queued keyboard message (MSG*) offered to the filters; true when one consumed it.
     bool FilterKeyMessage(const void* nativeMsg);
@@ -299,20 +252,10 @@ class Win32EventLoop final : public EventLoop {
     void RunPostedFromMessage();
 
   private:
-    bool Filter(const KeyEvent& event);
-    void Key(KeyEvent::Kind kind, int keyCode, int shift);
-    void RunPosted();
     // Dispatches what the queue holds; with virtual input, queued input is dropped.
     void Pump();
 
-    Win32Windows& windows_;
-    Win32Clock& clock_;
     void* messageWindow_;
-    InputSource* source_ = nullptr;
-    std::deque<std::function<void()>> posted_;
-    std::vector<std::pair<std::uint32_t, KeyFilter>> keyFilters_;
-    std::uint32_t nextKeyFilter_ = 1;
-    int modalDepth_ = 0;
 };
 
 // winmm's sounds; with dryRun nothing is played and a well-formed request answers true.
@@ -341,19 +284,6 @@ class Win32Shell final : public Shell {
     Win32Windows& windows_;
     bool dryRun_;
 };
-
-// The shell's font for captions and tips, Tahoma 8 pt at the screen's resolution, as the
-// portable platform makes it; the caller deletes it. Here, before <windows.h> makes LOGFONT a
-// macro.
-inline HFONT CreateShellFont(Gdi& gdi, int weight) {
-    LOGFONT font;
-    font.lfHeight =
-        -static_cast<std::int32_t>(std::lround(8 * gdi.GetDeviceCaps(HDC{}, LOGPIXELSY) / 72.0));
-    font.lfWeight = weight;
-    font.lfCharSet = ANSI_CHARSET;
-    font.lfFaceName = "Tahoma";
-    return gdi.CreateFontIndirect(font);
-}
 
 // The module this code is linked into (korvex.exe, or a DLL inside its host): the window classes
 // belong to it. They are registered while a platform lives and unregistered with the last one,

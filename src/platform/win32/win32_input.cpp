@@ -92,28 +92,13 @@ bool Win32Windows::SetCursorPos(std::int32_t x, std::int32_t y) {
 }
 
 std::int16_t Win32Windows::GetAsyncKeyState(int virtualKey) {
-    bool down = false;
-    switch (virtualKey) {
-        case VK_LBUTTON:
-            down = buttons_ & kButtonLeft;
-            break;
-        case VK_RBUTTON:
-            down = buttons_ & kButtonRight;
-            break;
-        case VK_MBUTTON:
-            down = buttons_ & kButtonMiddle;
-            break;
-        default:
-            down = virtualKey >= 0 && virtualKey < static_cast<int>(keys_.size()) &&
-                   keys_[static_cast<std::size_t>(virtualKey)];
-    }
+    bool down = held_.Down(virtualKey);
     if (!virtualInput_ && ::GetAsyncKeyState(virtualKey) < 0) down = true;
     return down ? std::numeric_limits<std::int16_t>::min() : std::int16_t{0};  // bit 15
 }
 
 int Win32Windows::ShiftState() const {
-    return (keys_[VK_SHIFT] ? kShiftMask : 0) | (keys_[VK_CONTROL] ? kCtrlMask : 0) |
-           (keys_[VK_MENU] ? kAltMask : 0);
+    return held_.ShiftState();
 }
 
 void Win32Windows::SetWindowCursor(HWND window, int shape,
@@ -321,7 +306,7 @@ void Win32Windows::Deliver(std::uint32_t window, MouseEvent event) {
         return;
     }
     if (!w->handler) return;
-    const int held = event.kind == MouseEvent::Kind::Move ? event.button : buttons_;
+    const int held = event.kind == MouseEvent::Kind::Move ? event.button : held_.Buttons();
     injectedShift_ = event.shift;
     ::SendMessageW(H(w->native), ButtonMessage(event.kind, event.button),
                    MouseKeys(held, event.shift),
@@ -333,24 +318,8 @@ void Win32Windows::Deliver(std::uint32_t window, MouseEvent event) {
 // it asks the window to close (WM_CLOSE), released elsewhere does nothing.
 void Win32Windows::NonClientMouse(Window& w, const MouseEvent& event, POINT inWindow) {
     const bool inside = Inside(CloseBoxRect(w.native), inWindow);
-    switch (event.kind) {
-        case MouseEvent::Kind::Down:
-        case MouseEvent::Kind::DoubleClick:
-            if (event.button == kButtonLeft && inside) {
-                w.closePressed = true;
-                w.closeHot = true;
-            }
-            break;
-        case MouseEvent::Kind::Move:
-            if (w.closePressed) w.closeHot = inside;
-            break;
-        case MouseEvent::Kind::Up:
-            if (event.button == kButtonLeft && w.closePressed) {
-                w.closePressed = false;
-                if (inside) ::SendMessageW(H(w.native), WM_CLOSE, 0, 0);
-            }
-            break;
-    }
+    if (CloseBoxInput(w.closePressed, w.closeHot, event, inside))
+        ::SendMessageW(H(w.native), WM_CLOSE, 0, 0);
 }
 
 // The tooltip follows the move once the window has seen it, so a window that sets the text of
@@ -359,42 +328,25 @@ void Win32Windows::RouteMouseMove(POINT screen, std::int64_t time) {
     SetCursorPos(screen.x, screen.y);
     const std::uint32_t target = MouseTarget();
     if (target) {
-        MouseEvent event;
-        event.kind = MouseEvent::Kind::Move;
-        event.button = buttons_;
-        event.shift = ShiftState();
-        event.screen = cursor_;
-        event.time = time;
-        Deliver(target, event);
+        Deliver(target, MoveEvent(held_.Buttons(), ShiftState(), cursor_, time));
         if (Find(target)) SetCursorFor(target);
     }
-    TrackToolTip(Find(target) ? target : 0);
+    tip_.Track(Find(target) ? target : 0);
 }
 
 // As the portable platform: a press goes to the capture window or the window hit, which takes
 // the capture until the last release; a second press of the same button on the same window
 // within the double-click time and rectangle is a double click (and starts no further one).
 void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64_t time) {
-    if (down) ToolTipPress();
-    buttons_ = down ? (buttons_ | button) : (buttons_ & ~button);
+    if (down) tip_.Press();
+    held_.Button(down, button);
     const std::uint32_t target = MouseTarget();
     if (!target) {
-        if (down) lastClick_ = {};
+        if (down) clicks_.Reset();
         return;
     }
-    MouseEvent event;
-    event.button = button;
-    event.shift = shift;
-    event.screen = cursor_;
-    event.time = time;
+    const MouseEvent event = clicks_.ButtonEvent(down, target, button, shift, cursor_, time);
     if (down) {
-        const bool doubleClick =
-            lastClick_.window == target && lastClick_.button == button &&
-            time - lastClick_.time < kDoubleClickTime &&
-            std::abs(cursor_.x - lastClick_.screen.x) <= kDoubleClickWidth / 2 &&
-            std::abs(cursor_.y - lastClick_.screen.y) <= kDoubleClickHeight / 2;
-        event.kind = doubleClick ? MouseEvent::Kind::DoubleClick : MouseEvent::Kind::Down;
-        lastClick_ = doubleClick ? Click{} : Click{target, button, time, cursor_};
         if (!GetCapture()) {
             const Quiet quiet(quietCapture_);
             ::SetCapture(H(Native(HWND{target})));
@@ -402,15 +354,14 @@ void Win32Windows::RouteMouseButton(bool down, int button, int shift, std::int64
         }
         Deliver(target, event);
     } else {
-        event.kind = MouseEvent::Kind::Up;
         Deliver(target, event);
-        if (implicitCapture_ && GetCapture().value == target && buttons_ == 0) ReleaseCapture();
+        if (implicitCapture_ && GetCapture().value == target && held_.Buttons() == 0)
+            ReleaseCapture();
     }
 }
 
 void Win32Windows::TrackKey(KeyEvent::Kind kind, int keyCode) {
-    if (kind != KeyEvent::Kind::Press && keyCode >= 0 && keyCode < static_cast<int>(keys_.size()))
-        keys_[static_cast<std::size_t>(keyCode)] = kind == KeyEvent::Kind::Down;
+    held_.Key(kind, keyCode);
 }
 
 void Win32Windows::RouteKey(KeyEvent::Kind kind, int keyCode, int shift, std::int64_t) {
@@ -489,7 +440,7 @@ void Win32Windows::MouseMessage(std::uint32_t id, unsigned message, std::uintptr
     // Real input: the implicit capture and the tooltip as the driver's input has them.
     ::HWND native = H(w->native);
     if (event.kind == MouseEvent::Kind::Down || event.kind == MouseEvent::Kind::DoubleClick) {
-        ToolTipPress();
+        tip_.Press();
         if (!::GetCapture()) {
             const Quiet quiet(quietCapture_);
             ::SetCapture(native);
@@ -499,7 +450,7 @@ void Win32Windows::MouseMessage(std::uint32_t id, unsigned message, std::uintptr
     if (w->handler) w->handler->OnMouse(event);
     if (event.kind == MouseEvent::Kind::Move) {
         cursor_ = event.screen;
-        TrackToolTip(Find(id) ? id : 0);
+        tip_.Track(Find(id) ? id : 0);
         // WM_MOUSELEAVE then tells when the pointer left for a window not of ours.
         TRACKMOUSEEVENT track{sizeof(track), TME_LEAVE, native, 0};
         ::TrackMouseEvent(&track);
@@ -533,20 +484,14 @@ void Win32Windows::KeyMessage(std::uint32_t id, unsigned message, std::uintptr_t
 }
 
 // ---------------------------------------------------------------------------------------------
-// Tooltips: one for the screen, driven by the mouse input the windows get, with the portable
-// platform's steps and timing (see sim_tooltip.cpp): it shows after the pointer rests on a
-// tool, goes after a while, on a press, or when the pointer moves off every tool.
+// Tooltips: ToolTipState keeps the tip with the portable platform's steps and timing; here the
+// text lives with its window, and a shown tip gets a window of its own on the real screen.
 
 void Win32Windows::SetToolTip(HWND window, std::string_view text) {
     Window* w = Find(window);
     if (!w || window.value == kDesktop || w->toolTip == text) return;
     w->toolTip = std::string(text);
-    if (window.value != tip_.tool) return;
-    if (text.empty()) {
-        DropToolTip(window.value);
-    } else if (tip_.shown) {
-        ShowToolTip();
-    }
+    tip_.TextChanged(window.value, text);
 }
 
 std::string Win32Windows::GetToolTip(HWND window) {
@@ -554,88 +499,11 @@ std::string Win32Windows::GetToolTip(HWND window) {
     return w ? w->toolTip : std::string();
 }
 
-void Win32Windows::TrackToolTip(std::uint32_t target) {
-    const Window* w = Find(target);
-    const std::uint32_t tool = w && !w->toolTip.empty() ? target : 0;
-    if (tool != tip_.tool) {
-        const bool wasShown = tip_.shown;
-        HideToolTip(false);
-        tip_.tool = tool;
-        tip_.spent = false;
-        if (tool) StartToolTipTimer(wasShown ? kToolTipReshow : kToolTipInitial, true);
-    } else if (tool && tip_.shown) {
-        StartToolTipTimer(kToolTipAutoPop, false);
-    } else if (tool && !tip_.spent) {
-        StartToolTipTimer(kToolTipInitial, true);
-    }
-}
-
-void Win32Windows::ToolTipPress() {
-    if (!tip_.tool) return;
-    HideToolTip(true);
-}
-
-void Win32Windows::DropToolTip(std::uint32_t window) {
-    if (!tip_.tool || tip_.tool != window) return;
-    HideToolTip(false);
-    tip_.tool = 0;
-}
-
-void Win32Windows::HideToolTip(bool spent) {
-    if (tip_.timer) clock_.KillTimer(tip_.timer);
-    tip_.timer = 0;
-    tip_.shown = false;
-    tip_.text.clear();
-    tip_.spent = spent;
-    PlaceToolTipWindow();
-}
-
-void Win32Windows::StartToolTipTimer(std::int64_t ms, bool show) {
-    if (tip_.timer) clock_.KillTimer(tip_.timer);
-    tip_.timer = clock_.SetTimer(static_cast<std::uint32_t>(ms), [this, show] {
-        clock_.KillTimer(tip_.timer);
-        tip_.timer = 0;
-        if (show) {
-            ShowToolTip();
-            StartToolTipTimer(kToolTipAutoPop, false);
-        } else {
-            HideToolTip(true);
-        }
-    });
-}
-
-// 20 pixels below the pointer's hot spot, left edge at the pointer, kept on the screen.
-void Win32Windows::ShowToolTip() {
-    const Window* w = Find(tip_.tool);
-    if (!w || w->toolTip.empty()) return;
-    SIZE extent{0, 0};
-    const HDC dc = gdi_.CreateCompatibleDC({});
-    const HFONT font = CreateShellFont(gdi_, FW_NORMAL);
-    if (dc && font) {
-        const ScopedSelect select(gdi_, dc, font);
-        gdi_.GetTextExtentPoint32(dc, w->toolTip, &extent);
-    }
-    if (font) gdi_.DeleteObject(font);
-    if (dc) gdi_.DeleteDC(dc);
-    const SIZE screen = ScreenSize();
-    const std::int32_t width = extent.cx + 2 * (1 + kToolTipMargin);
-    const std::int32_t height = extent.cy + 2 * (1 + kToolTipMargin);
-    POINT pointer;
-    GetCursorPos(&pointer);
-    const std::int32_t x = std::clamp(pointer.x, 0, std::max(screen.cx - width, 0));
-    std::int32_t y = pointer.y + kToolTipBelowPointer;
-    if (y + height > screen.cy) y = std::max(pointer.y - height, 0);
-    tip_.text = w->toolTip;
-    tip_.screen = {x, y, x + width, y + height};
-    tip_.shown = true;
-    PlaceToolTipWindow();
-}
-
 // Made when a tip first shows; never activated, never in the way of the pointer, and no part
 // of this platform's windows (hit-testing, z-order and composition leave it out: the composed
 // screen paints the tip itself).
 void Win32Windows::PlaceToolTipWindow() {
-    if (!tip_.shown) {
+    if (!tip_.Shown()) {
         if (tipWindow_) ::ShowWindow(H(tipWindow_), SW_HIDE);
         return;
     }
@@ -647,7 +515,7 @@ void Win32Windows::PlaceToolTipWindow() {
         if (!tipWindow_) return;
         ::SetWindowLongPtrW(H(tipWindow_), 0, reinterpret_cast<LONG_PTR>(this));
     }
-    const RECT& r = tip_.screen;
+    const RECT& r = tip_.Screen();
     ::SetWindowPos(H(tipWindow_), korvex_win32_native::kTopmost, r.left, r.top, r.Width(),
                    r.Height(), SWP_NOACTIVATE | SWP_SHOWWINDOW);
     ::InvalidateRect(H(tipWindow_), nullptr, FALSE);
@@ -665,9 +533,9 @@ std::intptr_t Win32Windows::ToolTipMessage(void* hwnd, unsigned message, std::ui
         case WM_PAINT: {
             PAINTSTRUCT ps;
             ::HDC dc = ::BeginPaint(H(hwnd), &ps);
-            if (dc && tip_.shown) {
+            if (dc && tip_.Shown()) {
                 // The tip paints in screen coordinates.
-                ::SetViewportOrgEx(dc, -tip_.screen.left, -tip_.screen.top, nullptr);
+                ::SetViewportOrgEx(dc, -tip_.Screen().left, -tip_.Screen().top, nullptr);
                 PaintToolTip(dc);
             }
             ::EndPaint(H(hwnd), &ps);
@@ -678,32 +546,10 @@ std::intptr_t Win32Windows::ToolTipMessage(void* hwnd, unsigned message, std::ui
     }
 }
 
-Driver::ShownToolTip Win32Windows::ToolTipOnScreen() const {
-    if (!tip_.shown) return {};
-    return {tip_.text, tip_.screen};
-}
-
-// The system's tooltip colours, a one-pixel frame, the shell font.
 void Win32Windows::PaintToolTip(void* nativeDC) {
-    if (!tip_.shown) return;
+    if (!tip_.Shown()) return;
     const HDC dc = gdi_.AdoptDC(nativeDC);
-    const RECT& r = tip_.screen;
-    const HBRUSH back = gdi_.CreateSolidBrush(gdi_.GetSysColor(COLOR_INFOBK));
-    const HBRUSH frame = gdi_.CreateSolidBrush(gdi_.GetSysColor(COLOR_WINDOWFRAME));
-    gdi_.FillRect(dc, r, back);
-    gdi_.FrameRect(dc, r, frame);
-    gdi_.DeleteObject(back);
-    gdi_.DeleteObject(frame);
-    const HFONT font = CreateShellFont(gdi_, FW_NORMAL);
-    {
-        const ScopedSelect select(gdi_, dc, font);
-        const int oldMode = gdi_.SetBkMode(dc, TRANSPARENT);
-        const COLORREF oldColour = gdi_.SetTextColor(dc, gdi_.GetSysColor(COLOR_INFOTEXT));
-        gdi_.TextOut(dc, r.left + 1 + kToolTipMargin, r.top + 1 + kToolTipMargin, tip_.text);
-        gdi_.SetTextColor(dc, oldColour);
-        gdi_.SetBkMode(dc, oldMode);
-    }
-    gdi_.DeleteObject(font);
+    tip_.Paint(dc);
     gdi_.ReleaseAdoptedDC(dc);
 }
 

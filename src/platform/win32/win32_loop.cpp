@@ -1,11 +1,8 @@
 // Win32Clock and Win32EventLoop: timers on the system's or a virtual clock, posted work, message
 // pumping waits and nested modal loops.
 
-#include <algorithm>
-#include <string>
 #include <utility>
 
-#include "base/error.hpp"
 #include "platform/win32/win32_backend.hpp"
 // After our headers: see win32_api.hpp.
 #include "platform/win32/win32_api.hpp"
@@ -20,8 +17,7 @@ Win32Clock::Win32Clock(bool virtualTime, void* messageWindow)
 
 Win32Clock::~Win32Clock() {
     if (!virtual_)
-        for (const auto& [id, timer] : timers_)
-            ::KillTimer(static_cast<::HWND>(messageWindow_), id);
+        for (const TimerId id : timers_.Ids()) ::KillTimer(static_cast<::HWND>(messageWindow_), id);
 }
 
 std::int64_t Win32Clock::Now() {
@@ -30,102 +26,31 @@ std::int64_t Win32Clock::Now() {
 }
 
 Clock::TimerId Win32Clock::SetTimer(std::uint32_t intervalMs, std::function<void()> tick) {
-    const std::uint32_t interval = std::clamp(intervalMs, kMinimumInterval, kMaximumInterval);
-    const TimerId id = nextId_++;
-    timers_[id] =
-        Timer{interval, Now() + interval, std::make_shared<std::function<void()>>(std::move(tick))};
+    std::uint32_t interval = 0;
+    const TimerId id = timers_.Add(Now(), intervalMs, std::move(tick), &interval);
     if (!virtual_) ::SetTimer(static_cast<::HWND>(messageWindow_), id, interval, nullptr);
     return id;
 }
 
 bool Win32Clock::KillTimer(TimerId id) {
-    if (!timers_.erase(id)) return false;
+    if (!timers_.Remove(id)) return false;
     if (!virtual_) ::KillTimer(static_cast<::HWND>(messageWindow_), id);
     return true;
 }
 
-std::int64_t Win32Clock::NextDue() {
-    std::int64_t best = -1;
-    for (const auto& [id, timer] : timers_)
-        if (best < 0 || timer.due < best) best = timer.due;
-    return best;
-}
-
-// As the portable clock: each round looks the earliest timer up afresh (a tick may kill or make
-// timers, or advance the clock again from a nested modal loop), and re-arms it before its tick.
 void Win32Clock::Advance(std::int64_t ms) {
-    if (!virtual_ || ms < 0) return;
-    const std::int64_t target = now_ + ms;
-    for (;;) {
-        auto next = timers_.end();
-        for (auto it = timers_.begin(); it != timers_.end(); ++it)
-            if (it->second.due <= target &&
-                (next == timers_.end() || it->second.due < next->second.due))
-                next = it;
-        if (next == timers_.end()) break;
-        Timer& timer = next->second;
-        now_ = std::max(now_, timer.due);
-        timer.due += timer.interval;
-        const std::shared_ptr<std::function<void()>> tick = timer.tick;
-        if (*tick) (*tick)();
-    }
-    now_ = std::max(now_, target);
+    if (virtual_) timers_.Advance(now_, ms);
 }
 
 void Win32Clock::Tick(std::uintptr_t id) {
-    auto it = timers_.find(static_cast<TimerId>(id));
-    if (it == timers_.end()) return;
-    it->second.due = Now() + it->second.interval;
-    const std::shared_ptr<std::function<void()>> tick = it->second.tick;
-    if (*tick) (*tick)();
+    timers_.Fire(static_cast<TimerId>(id), Now());
 }
 
 // ---------------------------------------------------------------------------------------------
 // Event loop
 
 Win32EventLoop::Win32EventLoop(Win32Windows& windows, Win32Clock& clock, void* messageWindow)
-    : windows_(windows), clock_(clock), messageWindow_(messageWindow) {}
-
-void Win32EventLoop::MouseMove(POINT screen) {
-    windows_.RouteMouseMove(screen, clock_.Now());
-}
-
-void Win32EventLoop::MouseDown(int button, int shift) {
-    windows_.RouteMouseButton(true, button, shift, clock_.Now());
-}
-
-void Win32EventLoop::MouseUp(int button, int shift) {
-    windows_.RouteMouseButton(false, button, shift, clock_.Now());
-}
-
-bool Win32EventLoop::Filter(const KeyEvent& event) {
-    // Walk a copy: a filter may add or remove filters (a form closing on Escape).
-    const auto filters = keyFilters_;
-    for (auto it = filters.rbegin(); it != filters.rend(); ++it)
-        if (it->second(event, windows_.GetFocus())) return true;
-    return false;
-}
-
-void Win32EventLoop::Key(KeyEvent::Kind kind, int keyCode, int shift) {
-    const KeyEvent event{kind, keyCode, shift, clock_.Now()};
-    if (Filter(event)) {
-        windows_.TrackKey(kind, keyCode);
-        return;
-    }
-    windows_.RouteKey(kind, keyCode, shift, event.time);
-}
-
-void Win32EventLoop::KeyDown(int keyCode, int shift) {
-    Key(KeyEvent::Kind::Down, keyCode, shift);
-}
-
-void Win32EventLoop::KeyUp(int keyCode, int shift) {
-    Key(KeyEvent::Kind::Up, keyCode, shift);
-}
-
-void Win32EventLoop::KeyPress(int character) {
-    Key(KeyEvent::Kind::Press, character, windows_.ShiftState());
-}
+    : DrivenEventLoop(windows, clock), messageWindow_(messageWindow) {}
 
 bool Win32EventLoop::FilterKeyMessage(const void* nativeMsg) {
     const MSG& msg = *static_cast<const MSG*>(nativeMsg);
@@ -151,38 +76,19 @@ bool Win32EventLoop::FilterKeyMessage(const void* nativeMsg) {
                   (::GetKeyState(VK_CONTROL) < 0 ? kCtrlMask : 0) |
                   (::GetKeyState(VK_MENU) < 0 ? kAltMask : 0);
     event.time = clock_.Now();
-    return Filter(event);
-}
-
-std::uint32_t Win32EventLoop::AddKeyFilter(KeyFilter filter) {
-    keyFilters_.emplace_back(nextKeyFilter_, std::move(filter));
-    return nextKeyFilter_++;
-}
-
-void Win32EventLoop::RemoveKeyFilter(std::uint32_t id) {
-    std::erase_if(keyFilters_, [id](const auto& f) { return f.first == id; });
+    return FilterKey(event, [this] { return windows_.GetFocus(); });
 }
 
 // Virtual time runs posted work only at the loop's own points (DoEvents, Wait, RunModal), as the
 // portable loop does; on the system's time a message wakes the thread's own loop, whoever runs
 // it (a host's).
 void Win32EventLoop::Post(std::function<void()> task) {
-    posted_.push_back(std::move(task));
+    LoopRules::Post(std::move(task));
     if (!clock_.Virtual()) ::PostMessageW(static_cast<::HWND>(messageWindow_), WM_APP, 0, 0);
 }
 
 void Win32EventLoop::RunPostedFromMessage() {
     if (!clock_.Virtual()) RunPosted();
-}
-
-// Tasks posted while these run wait for the next round, so a task that re-posts itself cannot
-// starve the loop.
-void Win32EventLoop::RunPosted() {
-    for (std::size_t n = posted_.size(); n > 0 && !posted_.empty(); --n) {
-        std::function<void()> task = std::move(posted_.front());
-        posted_.pop_front();
-        if (task) task();
-    }
 }
 
 void Win32EventLoop::Pump() {
@@ -206,7 +112,7 @@ void Win32EventLoop::Pump() {
 int Win32EventLoop::DoEvents() {
     RunPosted();
     Pump();
-    return modalDepth_;
+    return ModalDepth();
 }
 
 void Win32EventLoop::Wait(std::int64_t ms) {
@@ -225,39 +131,16 @@ void Win32EventLoop::Wait(std::int64_t ms) {
     }
 }
 
-// One round: posted work and the queue, the close check, then one scripted step. On virtual
-// time with the script spent, the clock jumps from timer to timer (the check runs between
-// ticks) until the idle budget is used up, then the host's error ends the loop. On the system's
-// time the loop sleeps until a message comes, as a modal loop in a host does.
+// The shared rounds, with the queue pumped after the posted work. On the system's time the
+// loop sleeps until a message comes, as a modal loop in a host does.
 void Win32EventLoop::RunModal(const std::function<bool()>& stillOpen, std::string_view what) {
-    struct Depth {
-        int& depth;
-        explicit Depth(int& d) : depth(d) { ++depth; }
-        ~Depth() { --depth; }
-        Depth(const Depth&) = delete;
-        Depth& operator=(const Depth&) = delete;
-    } depth(modalDepth_);
-
-    std::int64_t idle = 0;
-    for (;;) {
-        RunPosted();
-        Pump();
-        if (!stillOpen()) return;
-        if (source_ && source_->Step()) continue;
-        if (!clock_.Virtual()) {
+    ModalRounds(
+        stillOpen, what, [this] { Pump(); },
+        [this] {
+            if (clock_.Virtual()) return false;
             ::MsgWaitForMultipleObjects(0, nullptr, FALSE, INFINITE, QS_ALLINPUT);
-            continue;
-        }
-        const std::int64_t due = clock_.NextDue();
-        const std::int64_t wait = due < 0 ? -1 : due - clock_.Now();
-        if (due < 0 || idle + wait > kIdleLimitMs)
-            throw host::HostError(host::kErrModalDeadlock,
-                                  "The modal " + std::string(what) +
-                                      " is still open and nothing left in the script can close it",
-                                  "EventLoop");
-        idle += wait;
-        clock_.Advance(wait);
-    }
+            return true;
+        });
 }
 
 }  // namespace korvex::platform::win32

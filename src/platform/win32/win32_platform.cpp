@@ -4,6 +4,7 @@
 
 #include <atomic>
 
+#include "platform/forwarding_driver.hpp"
 #include "platform/win32/win32_backend.hpp"
 // After our headers: see win32_api.hpp.
 #include "platform/win32/win32_api.hpp"
@@ -60,37 +61,18 @@ class ClassUse {
     static inline std::atomic<int> users_{0};
 };
 
-// The driver face: each operation forwards to the part that owns it.
-class Win32Driver final : public Driver {
+// The driver face: forwarding, but on the system's time, moving time means letting it pass
+// with the messages pumped.
+class Win32Driver final : public ForwardingDriver<Win32Windows, Win32Clock, Win32EventLoop> {
   public:
-    Win32Driver(Win32Windows& windows, Win32Clock& clock, Win32EventLoop& loop)
-        : windows_(windows), clock_(clock), loop_(loop) {}
+    using ForwardingDriver::ForwardingDriver;
 
-    // On the system's time, moving time means letting it pass with the messages pumped.
     void Advance(std::int64_t ms) override {
         if (clock_.Virtual())
             clock_.Advance(ms);
         else
             loop_.Wait(ms);
     }
-    [[nodiscard]] std::int64_t NextDue() override { return clock_.NextDue(); }
-    void MouseMove(POINT screen) override { loop_.MouseMove(screen); }
-    void MouseDown(int button, int shift) override { loop_.MouseDown(button, shift); }
-    void MouseUp(int button, int shift) override { loop_.MouseUp(button, shift); }
-    void KeyDown(int keyCode, int shift) override { loop_.KeyDown(keyCode, shift); }
-    void KeyUp(int keyCode, int shift) override { loop_.KeyUp(keyCode, shift); }
-    void KeyPress(int character) override { loop_.KeyPress(character); }
-    void SetInputSource(InputSource* source) override { loop_.SetInputSource(source); }
-    std::vector<std::uint32_t> ComposeScreen() override { return windows_.ComposeScreen(); }
-    std::vector<std::uint32_t> ComposeWindow(HWND window) override {
-        return windows_.ComposeWindow(window);
-    }
-    ShownToolTip ToolTip() override { return windows_.ToolTipOnScreen(); }
-
-  private:
-    Win32Windows& windows_;
-    Win32Clock& clock_;
-    Win32EventLoop& loop_;
 };
 
 }  // namespace

@@ -103,14 +103,29 @@ std::string Narrow(const wchar_t* text, int length) {
 // Class and handles
 
 Win32Windows::Win32Windows(Win32Gdi& gdi, Win32Clock& clock, bool virtualInput)
-    : gdi_(gdi), clock_(clock), virtualInput_(virtualInput) {
+    : gdi_(gdi),
+      clock_(clock),
+      virtualInput_(virtualInput),
+      tip_(gdi, &clock,
+           {.textOf =
+                [this](std::uint32_t window) -> const std::string* {
+                    const Window* w = Find(window);
+                    return w ? &w->toolTip : nullptr;
+                },
+            .pointer =
+                [this] {
+                    POINT pointer;
+                    GetCursorPos(&pointer);
+                    return pointer;
+                },
+            .screen = [this] { return ScreenSize(); },
+            .changed = [this] { PlaceToolTipWindow(); }}) {
     windows_[kDesktop].native = ::GetDesktopWindow();
     windows_[kDesktop].adopted = true;
 }
 
 // Windows still open go quietly: their handlers may be gone already.
 Win32Windows::~Win32Windows() {
-    if (tip_.timer) clock_.KillTimer(tip_.timer);
     if (tipWindow_) ::DestroyWindow(H(tipWindow_));
     for (auto& [id, w] : windows_) w.handler = nullptr;
     Quiet focus(quietFocus_), capture(quietCapture_);
@@ -163,8 +178,8 @@ void Win32Windows::Forget(void* native) {
     auto it = ids_.find(native);
     if (it == ids_.end()) return;
     const std::uint32_t id = it->second;
-    DropToolTip(id);
-    if (lastClick_.window == id) lastClick_ = {};
+    tip_.Drop(id);
+    clicks_.Forget(id);
     if (Window* w = Find(id); w && w->customCursor)
         ::DestroyCursor(static_cast<HCURSOR>(w->customCursor));
     windows_.erase(id);
@@ -476,7 +491,7 @@ bool Win32Windows::ShowWindow(HWND window, bool visible) {
     const bool was = (::GetWindowLongW(native, GWL_STYLE) & WS_VISIBLE) != 0;
     if (!visible) {
         w->closePressed = false;
-        if (tip_.tool && InSubtree(window.value, tip_.tool)) DropToolTip(tip_.tool);
+        if (tip_.Tool() && InSubtree(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (InSubtree(window.value, GetFocus().value)) DropFocus(true);
         if (InSubtree(window.value, GetCapture().value)) DropCapture(true);
     }
@@ -499,7 +514,7 @@ bool Win32Windows::EnableWindow(HWND window, bool enabled) {
     if (!native) return false;
     const bool wasDisabled = !::IsWindowEnabled(H(native));
     if (!enabled) {
-        if (tip_.tool && InSubtree(window.value, tip_.tool)) DropToolTip(tip_.tool);
+        if (tip_.Tool() && InSubtree(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (GetFocus() == window) DropFocus(true);
         if (InSubtree(window.value, GetCapture().value)) DropCapture(true);
     }
@@ -677,12 +692,12 @@ std::intptr_t Win32Windows::Message(void* hwnd, unsigned message, std::uintptr_t
         case WM_MOUSELEAVE:
             // Real input only: off to a window that is not ours, the tip goes as on a move
             // onto no tool.
-            if (!virtualInput_ && tip_.tool == id) {
+            if (!virtualInput_ && tip_.Tool() == id) {
                 ::POINT p;
                 ::GetCursorPos(&p);
                 void* hit =
                     HitTest({static_cast<std::int32_t>(p.x), static_cast<std::int32_t>(p.y)});
-                if (!hit || !FromNative(hit)) TrackToolTip(0);
+                if (!hit || !FromNative(hit)) tip_.Track(0);
             }
             return 0;
         case WM_CLOSE:
