@@ -33,7 +33,8 @@ BAGS = [
     {"Name": "Button", "ProgID": "Korvex_Tools.Button",
      "Properties": {"Caption": "Senden", "OptionMode": 2, "ButtonColor": 12632319, "ToolTipText": "Schicken"}},
     {"Name": "Label3D", "ProgID": "Korvex_Tools.Label3D",
-     "Properties": {"Caption": "Titel", "Shadow": False, "TextColor": 8388608}},
+     "Properties": {"Caption": "Titel", "Shadow": False, "TextColor": 8388608, "FontName": "Arial",
+                    "FontBold": {"Integer": 1}, "FontSize": {"Integer": 12}}},
     {"Name": "Frames", "ProgID": "Korvex_Tools.Frames",
      "Properties": {"Caption": "Gruppe", "BorderStyle": {"Integer": 3}, "Alignment": 1}},
     {"Name": "Hyperlink", "ProgID": "Korvex_Tools.Hyperlink",
@@ -107,6 +108,7 @@ MNEMONICS = [
      "ActsLikeLabel": True},
     {"Name": "Frames", "ProgID": "Korvex_Tools.Frames", "Key": "G", "Properties": {"Caption": "&Gruppe"},
      "ActsLikeLabel": True},
+    {"Name": "Hyperlink", "ProgID": "Korvex_Tools.Hyperlink", "Key": "K", "Properties": {"Caption": "&korvex"}},
 ]
 
 
