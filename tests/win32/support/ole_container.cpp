@@ -67,17 +67,17 @@ std::string Hex(HRESULT hr) {
 
 // ---------------------------------------------------------------------------------------------
 
-HRESULT Dispatch::GetTypeInfoCount(UINT* count) {
+HRESULT TypelessDispatch::GetTypeInfoCount(UINT* count) {
     *count = 0;
     return S_OK;
 }
 
-HRESULT Dispatch::GetTypeInfo(UINT, LCID, ITypeInfo** out) {
+HRESULT TypelessDispatch::GetTypeInfo(UINT, LCID, ITypeInfo** out) {
     *out = nullptr;
     return E_NOTIMPL;
 }
 
-HRESULT Dispatch::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
+HRESULT TypelessDispatch::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
     return E_NOTIMPL;
 }
 
@@ -229,20 +229,6 @@ HRESULT Site::TransformCoords(POINTL* himetric, POINTF* container, DWORD flags) 
         himetric->y = std::lround(container->y * 2540.0 / 96.0);
     }
     return S_OK;
-}
-
-HRESULT Site::GetTypeInfoCount(UINT* count) {
-    *count = 0;
-    return S_OK;
-}
-
-HRESULT Site::GetTypeInfo(UINT, LCID, ITypeInfo** out) {
-    *out = nullptr;
-    return E_NOTIMPL;
-}
-
-HRESULT Site::GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) {
-    return E_NOTIMPL;
 }
 
 HRESULT Site::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*, VARIANT* result, EXCEPINFO*,

@@ -100,13 +100,18 @@ class Single : public Object<Interface> {
     IID also_;
 };
 
-// An IDispatch of the container's that answers Invoke only (sinks).
-class Dispatch : public Single<IDispatch> {
+// The container's IDispatch: no type information, members known by id only (Invoke).
+class TypelessDispatch : public IDispatch {
   public:
-    explicit Dispatch(const IID& also = IID_NULL) : Single(IID_IDispatch, also) {}
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** out) override;
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override;
+};
+
+// A sink: an IDispatch of the container's, answering for `also` (the event interface) too.
+class Dispatch : public Single<TypelessDispatch> {
+  public:
+    explicit Dispatch(const IID& also = IID_NULL) : Single(IID_IDispatch, also) {}
 };
 
 IFontDisp* MakeFont(const std::wstring& name, double size, bool bold = false, bool italic = false,
@@ -148,9 +153,9 @@ class NotifySink final : public Single<IPropertyNotifySink> {
 // properties (UserMode as `userMode`, DisplayName as the site's name, the colours and font of a
 // new form). It counts the activations the control reports and the ambients it asks for.
 class Site final : public Object<IOleClientSite, IOleInPlaceSiteEx, IOleInPlaceFrame,
-                                 IOleControlSite, IDispatch> {
-    using Base =
-        Object<IOleClientSite, IOleInPlaceSiteEx, IOleInPlaceFrame, IOleControlSite, IDispatch>;
+                                 IOleControlSite, TypelessDispatch> {
+    using Base = Object<IOleClientSite, IOleInPlaceSiteEx, IOleInPlaceFrame, IOleControlSite,
+                        TypelessDispatch>;
 
   public:
     Site(HWND frameWindow, RECT place, bool runMode, std::string name)
@@ -218,9 +223,6 @@ class Site final : public Object<IOleClientSite, IOleInPlaceSiteEx, IOleInPlaceF
     HRESULT STDMETHODCALLTYPE ShowPropertyFrame() override { return E_NOTIMPL; }
 
     // IDispatch: the ambient properties
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override;
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** out) override;
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS*,
                                      VARIANT* result, EXCEPINFO*, UINT*) override;
 
