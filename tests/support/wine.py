@@ -1,9 +1,11 @@
 """Running Windows programs under Wine for the tests: the loader, a prefix's environment, its
-server. Shared by the GDI oracle and the type library check."""
+server, a program's run with its output in a file. Shared by the GDI oracle, the type library
+check and the Windows library's tests."""
 
 import os
 import shutil
 import subprocess
+import tempfile
 from pathlib import Path
 
 SKIP = 77
@@ -50,3 +52,28 @@ def use_null_display(wine, prefix):
     result = subprocess.run(command, env=wine_env(prefix), stdout=subprocess.DEVNULL,
                             stderr=subprocess.DEVNULL, check=False)
     return result.returncode == 0
+
+
+def run(command, env=None, timeout=120):
+    """(exit status, None after the timeout; the output and errors as text with "\\n" line ends).
+    Output through a file, not a pipe: Wine's helper processes inherit the descriptors and
+    outlive the program, so reading a pipe to its end would wait for them."""
+    with tempfile.TemporaryFile(mode="w+b") as output:
+        try:
+            status = subprocess.run(command, env=env, check=False, stdout=output,
+                                    stderr=subprocess.STDOUT, timeout=timeout).returncode
+        except subprocess.TimeoutExpired:
+            status = None
+        output.seek(0)
+        text = output.read().decode("utf-8", "replace")
+        return status, text.replace("\r\n", "\n").replace("\r", "\n")
+
+
+def run_wine(wine, prefix, program, *args, timeout=120):
+    """A Windows program in the prefix, as run() runs it."""
+    return run([wine, str(program), *map(str, args)], env=wine_env(prefix), timeout=timeout)
+
+
+def windows_path(path):
+    """Wine shows the build machine's root as drive Z:."""
+    return "Z:" + str(Path(path).resolve()).replace("/", "\\")

@@ -3,9 +3,7 @@ by the gdi-oracle's MinGW tree and run in its Wine prefix. Prints the program's 
 fails with any failed check. Skips (77) without Wine or the program."""
 
 import argparse
-import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
@@ -22,19 +20,13 @@ def main():
     if not wine or not exe.exists():
         print(f"skipped: {'Wine' if not wine else exe} not found")
         return winelib.SKIP
-    env = winelib.wine_env(args.prefix)
     try:
-        # Output through a file: Wine's helpers keep a pipe open after the program ends.
-        with tempfile.TemporaryFile(mode="w+") as output:
-            result = subprocess.run([wine, str(exe)], env=env, stdout=output,
-                                    stderr=subprocess.STDOUT, text=True, timeout=300, check=False)
-            output.seek(0)
-            text = output.read()
+        status, text = winelib.run_wine(wine, args.prefix, exe, timeout=300)
     finally:
         winelib.stop_wineserver(wine, args.prefix)
     print(text.strip())
-    if result.returncode != 0 or "total" not in text:
-        print(f"the backend's checks failed (exit status {result.returncode})")
+    if status != 0 or "total" not in text:
+        print(f"the backend's checks failed (exit status {status})")
         return 1
     return 0
 

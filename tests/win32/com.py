@@ -7,7 +7,6 @@ nothing about them. Both skip (77) without Wine or the cross-built programs."""
 import argparse
 import subprocess
 import sys
-import tempfile
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "support"))
@@ -15,15 +14,8 @@ import wine as winelib  # noqa: E402
 
 
 def run_wine(wine, prefix, command, timeout):
-    env = winelib.wine_env(prefix)
     try:
-        # Output through a file: Wine's helpers keep a pipe open after the program ends.
-        with tempfile.TemporaryFile(mode="w+") as output:
-            result = subprocess.run([wine] + command, env=env, stdout=output,
-                                    stderr=subprocess.STDOUT, text=True, timeout=timeout,
-                                    check=False)
-            output.seek(0)
-            return result.returncode, output.read()
+        return winelib.run_wine(wine, prefix, *command, timeout=timeout)
     finally:
         winelib.stop_wineserver(wine, prefix)
 

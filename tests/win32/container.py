@@ -4,7 +4,7 @@
   container.py --korvex EXE --container EXE --mingw DIR --prefix DIR --out DIR
 
 The container prints its own checks (ok/FAIL lines: design and run mode through the UserMode
-ambient, the bag, stream and storage round trips, events by reference, IQuickActivate, access
+ambient, the bag, stream and storage round trips, IQuickActivate, access
 keys, the about box); this driver adds the comparisons with the native korvex tool:
   - what each control saves into the container's property bag after loading the case's
     properties must be exactly what `korvex bag` prints for the same form file entry: the same
@@ -33,7 +33,8 @@ BAGS = [
     {"Name": "Button", "ProgID": "Korvex_Tools.Button",
      "Properties": {"Caption": "Senden", "OptionMode": 2, "ButtonColor": 12632319, "ToolTipText": "Schicken"}},
     {"Name": "Label3D", "ProgID": "Korvex_Tools.Label3D",
-     "Properties": {"Caption": "Titel", "Shadow": False, "TextColor": 8388608}},
+     "Properties": {"Caption": "Titel", "Shadow": False, "TextColor": 8388608, "FontName": "Arial",
+                    "FontBold": {"Integer": 1}, "FontSize": {"Integer": 12}}},
     {"Name": "Frames", "ProgID": "Korvex_Tools.Frames",
      "Properties": {"Caption": "Gruppe", "BorderStyle": {"Integer": 3}, "Alignment": 1}},
     {"Name": "Hyperlink", "ProgID": "Korvex_Tools.Hyperlink",
@@ -44,12 +45,11 @@ BAGS = [
 ]
 
 # The container's input section: each control in run mode, a move and a left click at the point
-# (pixels from its top-left corner), then "a" typed; the Button also with a second sink that
-# changes the by-reference arguments. TakesFocus (default True): whether UI activation gives the
-# control the focus; a label without its focus rectangle takes none.
+# (pixels from its top-left corner), then "a" typed. TakesFocus (default True): whether UI
+# activation gives the control the focus; a label without its focus rectangle takes none.
 INPUT = [
     {"Name": "Button", "ProgID": "Korvex_Tools.Button", "Width": 120, "Height": 40, "Point": [10, 6],
-     "Properties": {"Caption": "Senden", "ButtonShow": 18, "BorderStyle": 5}, "ByReference": True},
+     "Properties": {"Caption": "Senden", "ButtonShow": 18, "BorderStyle": 5}},
     {"Name": "Label3D", "ProgID": "Korvex_Tools.Label3D", "Width": 120, "Height": 60, "Point": [30, 40],
      "Properties": {"Caption": "Titel"}, "TakesFocus": False},
     {"Name": "Frames", "ProgID": "Korvex_Tools.Frames", "Width": 120, "Height": 60, "Point": [30, 40],
@@ -107,6 +107,7 @@ MNEMONICS = [
      "ActsLikeLabel": True},
     {"Name": "Frames", "ProgID": "Korvex_Tools.Frames", "Key": "G", "Properties": {"Caption": "&Gruppe"},
      "ActsLikeLabel": True},
+    {"Name": "Hyperlink", "ProgID": "Korvex_Tools.Hyperlink", "Key": "K", "Properties": {"Caption": "&korvex"}},
 ]
 
 
@@ -162,12 +163,12 @@ def same_bag(mine, theirs):
 
 def section(lines, name):
     """The event and change lines of one control's input steps (mouse and keys) in the
-    container's output; the by-reference round after them is left out."""
+    container's output."""
     inside, found = False, []
     for line in lines:
         if line == f"input {name}: mouse":
             inside = True
-        elif line.startswith(("input ", "by reference:", "section ", "mnemonic ", "quick ")) and \
+        elif line.startswith(("input ", "section ", "mnemonic ", "quick ")) and \
                 line != f"input {name}: keys":
             inside = False
         elif inside and line.startswith(("event ", "changed ")):

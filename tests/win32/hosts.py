@@ -1,17 +1,15 @@
 """What the hosts' tests share: finding korvex_tools.dll in the MinGW tree, registering it per user
-in the Wine prefix (and always removing it again), running a Windows program with its output in
-a file, and the native korvex tool's rendering of a one-control form."""
+in the Wine prefix (and always removing it again), and the native korvex tool's rendering of a
+one-control form. Running programs is tests/support/wine.py's."""
 
 import json
 import re
-import subprocess
 import sys
-import tempfile
 from contextlib import contextmanager
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
-from wine import SKIP, find_wine, stop_wineserver, wine_env  # noqa: E402,F401
+from wine import SKIP, find_wine, run, run_wine, stop_wineserver, wine_env, windows_path  # noqa: E402,F401
 
 TWIPS_PER_PIXEL = 15
 
@@ -21,32 +19,9 @@ def skip(message):
     return SKIP
 
 
-def windows_path(path):
-    """Wine maps Z: to the Unix root."""
-    return "Z:" + str(Path(path).resolve()).replace("/", "\\")
-
-
 def find_dll(mingw):
     found = sorted(Path(mingw).glob("**/korvex_tools.dll"))
     return found[0] if found else None
-
-
-def run(command, env=None, timeout=120):
-    """Output through a file, not a pipe: Wine's helper processes inherit the descriptors and
-    outlive the program, so reading a pipe to its end would wait for them."""
-    with tempfile.TemporaryFile(mode="w+", encoding="utf-8", errors="replace") as output:
-        try:
-            result = subprocess.run(command, env=env, check=False, stdout=output,
-                                    stderr=subprocess.STDOUT, timeout=timeout)
-            status = result.returncode
-        except subprocess.TimeoutExpired:
-            status = None
-        output.seek(0)
-        return status, output.read()
-
-
-def run_wine(wine, prefix, program, *args, timeout=120):
-    return run([wine, str(program), *map(str, args)], env=wine_env(prefix), timeout=timeout)
 
 
 PUBLIC_CLASSES = ("Button", "Frames", "Hyperlink", "Label3D", "Line3D", "Icons")

@@ -20,25 +20,14 @@ import shutil
 import struct
 import subprocess
 import sys
-import tempfile
 import time
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
-from wine import SKIP, find_wine, stop_wineserver, wine_env  # noqa: E402
+from wine import SKIP, find_wine, run, stop_wineserver, wine_env  # noqa: E402
 
 MINGW32_CXX = "i686-w64-mingw32-g++"
 I386_MACHINE = 0x14C
-
-
-def run(command, env=None, timeout=120):
-    """Output goes through a file: Wine's helper processes inherit a pipe and outlive the
-    program."""
-    with tempfile.TemporaryFile(mode="w+") as output:
-        result = subprocess.run(command, env=env, check=False, stdout=output,
-                                stderr=subprocess.STDOUT, text=True, timeout=timeout)
-        output.seek(0)
-        return result.returncode, output.read().strip()
 
 
 def skip(message):

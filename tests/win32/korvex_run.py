@@ -22,16 +22,14 @@ Prints, per example, how many lines matched exactly and how many within the tole
 
 import argparse
 import re
-import struct
-import subprocess
 import sys
-import tempfile
-import zlib
 from collections import Counter
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "support"))
 import wine as winelib  # noqa: E402
+from pixels import read_png  # noqa: E402
+from wine import run, windows_path  # noqa: E402
 
 HERE = Path(__file__).resolve().parent
 # (name, form, script), the first two relative to the examples folder.
@@ -39,20 +37,6 @@ MAPPED_AGREEMENT = 0.95
 RUNS = (("buttons", "buttons.json", "buttons.txt"), ("display", "display.json", "display.txt"),
         ("about", "display.json", HERE / "about.txt"))
 POINTER_EVENT = re.compile(r"^(event \w+\.\w+\()(-?\d+), (-?\d+), (-?[\d.]+), (-?[\d.]+)\)$")
-
-
-def run(command, env=None, timeout=180):
-    """Output through a file: Wine's helpers keep a pipe open after the program ends."""
-    with tempfile.TemporaryFile(mode="w+b") as output:
-        result = subprocess.run(command, env=env, stdout=output, stderr=subprocess.STDOUT,
-                                timeout=timeout, check=False)
-        output.seek(0)
-        return result.returncode, output.read().decode("utf-8", "replace")
-
-
-def windows_path(path):
-    """Wine shows the build machine's root as drive Z:."""
-    return "Z:" + str(Path(path).resolve()).replace("/", "\\")
 
 
 def within_one_pixel(a, b):
@@ -81,48 +65,6 @@ def compare_logs(native, windows):
             continue
         bad.append(f"  line {i + 1}: native  {n}\n  line {i + 1}: Windows {w}")
     return exact, tolerated, bad
-
-
-def read_png(path):
-    """(width, height, rows of (r, g, b)) of an 8-bit RGB or RGBA picture without interlacing,
-    as both sides write them; None for anything else."""
-    data = Path(path).read_bytes()
-    if data[:8] != b"\x89PNG\r\n\x1a\n":
-        return None
-    pos, idat, header = 8, b"", None
-    while pos + 8 <= len(data):
-        (length,) = struct.unpack(">I", data[pos:pos + 4])
-        kind, body = data[pos + 4:pos + 8], data[pos + 8:pos + 8 + length]
-        pos += 12 + length
-        if kind == b"IHDR":
-            header = struct.unpack(">IIBBBBB", body)
-        elif kind == b"IDAT":
-            idat += body
-    if not header or header[2] != 8 or header[3] not in (2, 6) or header[6] != 0:
-        return None
-    width, height, bpp = header[0], header[1], 3 if header[3] == 2 else 4
-    raw, stride = zlib.decompress(idat), header[0] * bpp
-    rows, previous, i = [], bytearray(stride), 0
-    for _ in range(height):
-        kind, line = raw[i], bytearray(raw[i + 1:i + 1 + stride])
-        i += 1 + stride
-        for x in range(stride):
-            a = line[x - bpp] if x >= bpp else 0
-            b = previous[x]
-            c = previous[x - bpp] if x >= bpp else 0
-            if kind == 1:
-                line[x] = (line[x] + a) & 255
-            elif kind == 2:
-                line[x] = (line[x] + b) & 255
-            elif kind == 3:
-                line[x] = (line[x] + (a + b) // 2) & 255
-            elif kind == 4:
-                p = a + b - c
-                pa, pb, pc = abs(p - a), abs(p - b), abs(p - c)
-                line[x] = (line[x] + (a if pa <= pb and pa <= pc else b if pb <= pc else c)) & 255
-        rows.append([bytes(line[x * bpp:x * bpp + 3]) for x in range(width)])
-        previous = line
-    return width, height, rows
 
 
 def mapped_agreement(native, windows):
@@ -165,11 +107,10 @@ def main():
                 for stale in folder.glob("*.png"):
                     stale.unlink()
             status_n, log_n = run([args.native, "run", str(form), "--script", str(script),
-                                   "--out", str(native_dir)])
+                                   "--out", str(native_dir)], timeout=180)
             status_w, log_w = run([wine, str(exe), "run", windows_path(form), "--script",
                                    windows_path(script), "--out", windows_path(windows_dir)],
-                                  env=env)
-            log_w = log_w.replace("\r\n", "\n")
+                                  env=env, timeout=180)
             (out / name / "native.log").write_text(log_n)
             (out / name / "windows.log").write_text(log_w)
             if status_n != 0 or status_w != 0:

@@ -1,8 +1,9 @@
 // The ActiveX server korvex_tools.dll under Wine, loaded as a host loads it: registration per
 // user and per machine, creation by ProgID, late binding through IDispatch compared with the
 // member tables' own late binding on a control of the same class, errors as EXCEPINFO, events
-// and property notifications through connection points, and persistence through property bags,
-// streams and storages compared with the bags the native `korvex bag` writes for the same forms.
+// and property notifications through connection points, in-place activation in a site of
+// tests/win32/support, and the property bags compared with the bags the native `korvex bag` writes
+// for the same forms.
 //
 // Usage: korvex-com-test DLL [FORM.json EXPECTED-BAGS.json]...
 // Prints what it checked per group and every failure; exits 1 on a failure.
@@ -32,113 +33,46 @@
 #include "host/text.hpp"
 #include "library/library.hpp"
 
+// After every header of the library: it brings in <windows.h>.
+#include "ole_container.hpp"
+
 namespace {
 
 using namespace korvex;
 using com::Narrow;
 using com::Widen;
 
-// ---------------------------------------------------------------------------------------------
-// Counting
+using ole::Check;
+using ole::Hex;
+using ole::NotifySink;
+using ole::Ptr;
+using ole::Query;
+using ole::Site;
 
-std::map<std::string, int> gChecked;
-int gFailures = 0;
 std::vector<std::string> gNotes;
-
-void Check(bool ok, const std::string& group, const std::string& what) {
-    ++gChecked[group];
-    if (!ok) {
-        ++gFailures;
-        std::printf("FAIL %s: %s\n", group.c_str(), what.c_str());
-    }
-}
 
 std::string Lower(std::string text) {
     for (char& c : text) c = host::AsciiLower(c);
     return text;
 }
 
-std::string Hex(HRESULT hr) {
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%08lX", static_cast<unsigned long>(hr));
-    return text;
-}
-
 // ---------------------------------------------------------------------------------------------
 // Small COM objects of the container's side
 
-template <class Interface>
-class Unknown : public Interface {
-  public:
-    virtual ~Unknown() = default;
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-        if (IsEqualIID(riid, IID_IUnknown) || Accepts(riid)) {
-            *ppv = static_cast<Interface*>(this);
-            this->AddRef();
-            return S_OK;
-        }
-        *ppv = nullptr;
-        return E_NOINTERFACE;
-    }
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++refs_); }
-    ULONG STDMETHODCALLTYPE Release() override {
-        const long left = --refs_;
-        if (left == 0) delete this;
-        return static_cast<ULONG>(left);
-    }
-
-  protected:
-    virtual bool Accepts(REFIID riid) const = 0;
-
-  private:
-    long refs_ = 1;
-};
-
-// A property bag as a container keeps one: keys in the order written, any case on reading.
-class Bag final : public Unknown<IPropertyBag> {
-  public:
-    ~Bag() override {
-        for (auto& [key, value] : entries) VariantClear(&value);
-    }
-    HRESULT STDMETHODCALLTYPE Read(LPCOLESTR name, VARIANT* value, IErrorLog*) override {
-        for (auto& [key, stored] : entries)
-            if (_wcsicmp(key.c_str(), name) == 0) return VariantCopy(value, &stored);
-        return E_INVALIDARG;
-    }
-    HRESULT STDMETHODCALLTYPE Write(LPCOLESTR name, VARIANT* value) override {
-        for (auto& [key, stored] : entries)
-            if (_wcsicmp(key.c_str(), name) == 0) return VariantCopy(&stored, value);
-        entries.emplace_back(name, VARIANT{});
-        VariantInit(&entries.back().second);
-        return VariantCopy(&entries.back().second, value);
-    }
-    // The bag in its JSON form: each value read back into the host's kinds.
-    [[nodiscard]] host::json::Json ToJson() const {
-        host::json::Json out = host::json::Json::object();
-        for (const auto& [key, value] : entries)
-            out[Narrow(key.c_str(), key.size())] = host::json::Encode(com::ToHost(value));
-        return out;
-    }
-    std::vector<std::pair<std::wstring, VARIANT>> entries;
-
-  protected:
-    bool Accepts(REFIID riid) const override { return IsEqualIID(riid, IID_IPropertyBag); }
-};
+// A property bag's JSON: each value read back into the host's kinds.
+host::json::Json ToJson(const ole::PropertyBag& bag) {
+    host::json::Json out = host::json::Json::object();
+    for (const auto& [key, value] : bag.Entries())
+        out[Narrow(key.c_str(), key.size())] = host::json::Encode(com::ToHost(value));
+    return out;
+}
 
 // An event sink as a script engine is one: it reads each argument as a VARIANT, through whatever
 // reference it gets, records the call, the types and the values (as numbers), and may write 7
 // into the first argument as an assignment to a ByRef parameter does.
-class EventSink final : public Unknown<IDispatch> {
+class EventSink final : public ole::Dispatch {
   public:
-    explicit EventSink(const IID& iid) : iid_(iid) {}
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
+    explicit EventSink(const IID& iid) : Dispatch(iid) {}
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* params, VARIANT*,
                                      EXCEPINFO* exception, UINT*) override {
         if (result == DISP_E_EXCEPTION && exception) {
@@ -188,14 +122,6 @@ class EventSink final : public Unknown<IDispatch> {
     std::vector<Call> calls;
     bool writeFirst = false;
     HRESULT result = S_OK;  // what Invoke answers, after recording the call
-
-  protected:
-    bool Accepts(REFIID riid) const override {
-        return IsEqualIID(riid, IID_IDispatch) || IsEqualIID(riid, iid_);
-    }
-
-  private:
-    IID iid_;
 };
 
 // An event interface's handlers as a C++ class implements them, in vtable slots, one per list of
@@ -254,33 +180,15 @@ int HandlerSlot(const std::vector<VARTYPE>& types) {
     return -1;
 }
 
-// The argument types an event interface declares for one of its events, first to last.
-std::vector<VARTYPE> DeclaredTypes(ITypeInfo* events, DISPID id) {
-    std::vector<VARTYPE> types;
-    TYPEATTR* attr = nullptr;
-    if (!events || FAILED(events->GetTypeAttr(&attr))) return types;
-    for (WORD f = 0; f < attr->cFuncs; ++f) {
-        FUNCDESC* desc = nullptr;
-        if (FAILED(events->GetFuncDesc(f, &desc))) continue;
-        if (desc->memid == id)
-            for (SHORT p = 0; p < desc->cParams; ++p) {
-                const TYPEDESC& t = desc->lprgelemdescParam[p].tdesc;
-                types.push_back(t.vt == VT_PTR ? static_cast<VARTYPE>(VT_BYREF | t.lptdesc->vt)
-                                               : t.vt);
-            }
-        events->ReleaseFuncDesc(desc);
-    }
-    events->ReleaseTypeAttr(attr);
-    return types;
-}
+using ole::DeclaredTypes;
 
 // An event sink the way ATL's IDispEventImpl or a CreateStdDispatch object is one: a type
 // description of the handlers' vtable, made from the event interface's own declarations, and
 // IDispatch::Invoke handed to DispInvoke, which converts the arguments to the declared types
 // and calls the handler in its slot.
-class TypedSink final : public Unknown<IDispatch> {
+class TypedSink final : public ole::Dispatch {
   public:
-    TypedSink(const IID& iid, ITypeInfo* events) : iid_(iid) {
+    TypedSink(const IID& iid, ITypeInfo* events) : Dispatch(iid) {
         TYPEATTR* attr = nullptr;
         if (!events || FAILED(events->GetTypeAttr(&attr))) return;
         for (WORD f = 0; f < attr->cFuncs; ++f) {
@@ -315,17 +223,6 @@ class TypedSink final : public Unknown<IDispatch> {
             info_ = nullptr;
         described->Release();
     }
-    ~TypedSink() override {
-        if (info_) info_->Release();
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
-        *count = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* params,
                                      VARIANT* result, EXCEPINFO* exception,
                                      UINT* argError) override {
@@ -339,59 +236,12 @@ class TypedSink final : public Unknown<IDispatch> {
     HRESULT answer = S_OK;
     std::vector<DISPID> unhandled;
 
-  protected:
-    bool Accepts(REFIID riid) const override {
-        return IsEqualIID(riid, IID_IDispatch) || IsEqualIID(riid, iid_);
-    }
-
   private:
-    IID iid_;
     ITypeInfo* info_ = nullptr;
     std::vector<std::wstring> names_;
     std::vector<std::vector<PARAMDATA>> params_;
     std::vector<METHODDATA> methods_;
 };
-
-class NotifySink final : public Unknown<IPropertyNotifySink> {
-  public:
-    HRESULT STDMETHODCALLTYPE OnChanged(DISPID id) override {
-        changed.push_back(id);
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE OnRequestEdit(DISPID id) override {
-        requested.push_back(id);
-        return allowEdit ? S_OK : S_FALSE;
-    }
-    std::vector<DISPID> changed;
-    std::vector<DISPID> requested;
-    bool allowEdit = true;
-
-  protected:
-    bool Accepts(REFIID riid) const override { return IsEqualIID(riid, IID_IPropertyNotifySink); }
-};
-
-template <class T>
-struct Ptr {
-    T* p = nullptr;
-    Ptr() = default;
-    explicit Ptr(T* raw) : p(raw) {}
-    Ptr(const Ptr&) = delete;
-    Ptr(Ptr&& other) noexcept : p(std::exchange(other.p, nullptr)) {}
-    Ptr& operator=(const Ptr&) = delete;
-    ~Ptr() {
-        if (p) p->Release();
-    }
-    T* operator->() const { return p; }
-    T** operator&() { return &p; }
-    explicit operator bool() const { return p != nullptr; }
-};
-
-template <class T>
-Ptr<T> Query(IUnknown* unknown, const IID& iid) {
-    Ptr<T> out;
-    if (unknown) unknown->QueryInterface(iid, reinterpret_cast<void**>(&out.p));
-    return out;
-}
 
 // ---------------------------------------------------------------------------------------------
 // Late binding through IDispatch
@@ -838,7 +688,7 @@ void CheckDispatch(const Server& server, const com::ClassEntry& entry) {
                 else
                     gNotes.push_back(what + ": error " + std::to_string(wantNumber) +
                                      ", yet the control keeps the value");
-                ++gChecked["error " + std::to_string(put.number)];
+                Check(true, "error " + std::to_string(put.number), what);
             }
             Check(Same(after.value, want.value), group,
                   what + " reads back " + Describe(after.value) + ", host " + Describe(want.value));
@@ -1135,125 +985,13 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
 // ---------------------------------------------------------------------------------------------
 // In-place activation in a container of this program's own
 
-// The container's side of one control: a client site and an in-place site over a window of
-// ours, answering the ambient properties through IDispatch.
-class Container final : public IOleClientSite, public IOleInPlaceSite, public IDispatch {
-  public:
-    Container() {
-        window = CreateWindowExW(0, L"STATIC", L"container", WS_POPUP | WS_VISIBLE, 0, 0, 400, 300,
-                                 nullptr, nullptr, nullptr, nullptr);
-    }
-    ~Container() { DestroyWindow(window); }
-    Container(const Container&) = delete;
-    Container& operator=(const Container&) = delete;
+// The container's window, where every site puts its control.
+HWND gFrame = nullptr;
 
-    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** ppv) override {
-        if (IsEqualIID(riid, IID_IUnknown) || IsEqualIID(riid, IID_IOleClientSite))
-            *ppv = static_cast<IOleClientSite*>(this);
-        else if (IsEqualIID(riid, IID_IOleWindow) || IsEqualIID(riid, IID_IOleInPlaceSite))
-            *ppv = static_cast<IOleInPlaceSite*>(this);
-        else if (IsEqualIID(riid, IID_IDispatch))
-            *ppv = static_cast<IDispatch*>(this);
-        else {
-            *ppv = nullptr;
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    // Lives on the stack of the check; counted only to see that the object lets go of it.
-    ULONG STDMETHODCALLTYPE AddRef() override { return static_cast<ULONG>(++refs); }
-    ULONG STDMETHODCALLTYPE Release() override { return static_cast<ULONG>(--refs); }
-
-    // IOleClientSite
-    HRESULT STDMETHODCALLTYPE SaveObject() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE GetMoniker(DWORD, DWORD, IMoniker** m) override {
-        *m = nullptr;
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE GetContainer(IOleContainer** c) override {
-        *c = nullptr;
-        return E_NOINTERFACE;
-    }
-    HRESULT STDMETHODCALLTYPE ShowObject() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE OnShowWindow(BOOL) override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE RequestNewObjectLayout() override { return E_NOTIMPL; }
-
-    // IOleInPlaceSite
-    HRESULT STDMETHODCALLTYPE GetWindow(HWND* w) override {
-        *w = window;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE ContextSensitiveHelp(BOOL) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE CanInPlaceActivate() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE OnInPlaceActivate() override {
-        ++activated;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE OnUIActivate() override {
-        ++uiActivated;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** doc,
-                                               LPRECT pos, LPRECT clip,
-                                               LPOLEINPLACEFRAMEINFO) override {
-        *frame = nullptr;
-        *doc = nullptr;
-        *pos = position;
-        *clip = position;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE Scroll(SIZE) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE OnUIDeactivate(BOOL) override {
-        ++uiDeactivated;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE OnInPlaceDeactivate() override {
-        ++deactivated;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE DiscardUndoState() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE DeactivateAndUndo() override { return S_OK; }
-    HRESULT STDMETHODCALLTYPE OnPosRectChange(LPCRECT rect) override {
-        position = *rect;
-        return S_OK;
-    }
-
-    // IDispatch: the ambient properties.
-    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* n) override {
-        *n = 0;
-        return S_OK;
-    }
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-        return E_NOTIMPL;
-    }
-    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* result,
-                                     EXCEPINFO*, UINT*) override {
-        VariantInit(result);
-        switch (id) {
-            case DISPID_AMBIENT_USERMODE:
-                V_VT(result) = VT_BOOL;
-                V_BOOL(result) = userMode ? VARIANT_TRUE : VARIANT_FALSE;
-                return S_OK;
-            case DISPID_AMBIENT_DISPLAYNAME:
-                V_VT(result) = VT_BSTR;
-                V_BSTR(result) = SysAllocString(L"Control1");
-                return S_OK;
-            default:
-                return DISP_E_MEMBERNOTFOUND;
-        }
-    }
-
-    HWND window = nullptr;
-    RECT position{10, 20, 110, 52};
-    bool userMode = true;
-    long refs = 0;
-    int activated = 0;
-    int uiActivated = 0;
-    int uiDeactivated = 0;
-    int deactivated = 0;
-};
+// A site at a place of its own in the container's window, in run mode.
+Site& NewSite() {
+    return *new Site(gFrame, RECT{10, 20, 110, 52}, true, "Control1");
+}
 
 RECT ChildRect(HWND child) {
     RECT r{};
@@ -1269,7 +1007,7 @@ bool Equal(const RECT& a, const RECT& b) {
 void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
     const host::ClassInfo& info = *entry.info;
     const std::string group = "in place";
-    Container site;
+    Site& site = NewSite();
     {
         Ptr<IDispatch> object = server.Create(entry);
         Ptr<IOleObject> ole = Query<IOleObject>(object.p, IID_IOleObject);
@@ -1279,13 +1017,13 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
         Check(SUCCEEDED(ole->SetClientSite(&site)), group, info.name + " SetClientSite");
         Query<IPersistStreamInit>(object.p, IID_IPersistStreamInit)->InitNew();
 
-        Check(ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, &site, 0, site.window,
+        Check(ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, &site, 0, site.frame,
                           &site.position) == S_OK &&
                   site.activated == 1,
               group, info.name + " in-place activated");
         HWND window = nullptr;
         Query<IOleWindow>(object.p, IID_IOleWindow)->GetWindow(&window);
-        Check(window && GetParent(window) == site.window && IsWindowVisible(window), group,
+        Check(window && GetParent(window) == site.frame && IsWindowVisible(window), group,
               info.name + " its window is a visible child of the site's");
         Check(Equal(ChildRect(window), site.position), group,
               info.name + " at the site's rectangle");
@@ -1385,54 +1123,9 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
             sink->Release();
         }
 
-        Check(ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, site.window, &moved) == S_OK &&
+        Check(ole->DoVerb(OLEIVERB_UIACTIVATE, nullptr, &site, 0, site.frame, &moved) == S_OK &&
                   site.uiActivated == 1,
               group, info.name + " UI-activated");
-        // Access keys: the container learns them from GetControlInfo, as the control declares
-        // them, and hands a mnemonic back through OnMnemonic.
-        if (const host::MemberInfo* caption = info.FindMember("Caption")) {
-            Ptr<IDispatch> local;
-            com::ControlObject::Create(entry, IID_IDispatch, reinterpret_cast<void**>(&local.p));
-            const std::shared_ptr<host::Control> reference =
-                static_cast<com::ControlObject*>(local.p)->HostControl();
-            HostPut(*reference, *caption, host::Variant("&Klick"));
-            Dispatch(object.p, caption->dispId, DISPATCH_PROPERTYPUT,
-                     {ToVariant(host::Variant("&Klick"))});
-            const std::u32string keys = reference->AccessKeys();
-            CONTROLINFO controlInfo{};
-            controlInfo.cb = sizeof controlInfo;
-            Ptr<IOleControl> control = Query<IOleControl>(object.p, IID_IOleControl);
-            Check(SUCCEEDED(control->GetControlInfo(&controlInfo)) &&
-                      controlInfo.cAccel == keys.size(),
-                  group, info.name + " GetControlInfo lists its access keys");
-            std::vector<ACCEL> table(controlInfo.cAccel);
-            if (controlInfo.hAccel)
-                CopyAcceleratorTableW(controlInfo.hAccel, table.data(),
-                                      static_cast<int>(table.size()));
-            bool listed = keys.empty();
-            for (const ACCEL& a : table) listed = listed || (a.key == 'K' && (a.fVirt & FALT));
-            Check(listed, group, info.name + " Alt+K among its accelerators");
-            MSG mnemonic{window, WM_SYSKEYDOWN, 'K', 0, 0, {}};
-            auto* sink = new EventSink(entry.eventIid);
-            Ptr<IConnectionPoint> point;
-            Query<IConnectionPointContainer>(object.p, IID_IConnectionPointContainer)
-                ->FindConnectionPoint(entry.eventIid, &point);
-            DWORD cookie = 0;
-            point->Advise(sink, &cookie);
-            const HRESULT taken = control->OnMnemonic(&mnemonic);
-            point->Unadvise(cookie);
-            Check(taken == (keys.empty() ? S_FALSE : S_OK), group,
-                  info.name + " OnMnemonic " + Hex(taken));
-            // A button-like control clicks itself on its access key.
-            if (info.name == "Button") {
-                const host::EventInfo* click = info.FindEvent("Click");
-                bool clicked = false;
-                for (const EventSink::Call& call : sink->calls)
-                    clicked = clicked || call.id == click->id;
-                Check(clicked, group, info.name + " its access key clicks it");
-            }
-            sink->Release();
-        }
 
         // The designer's switch: the control is made again in the new mode, keeping its values.
         const host::MemberInfo* persisted = nullptr;
@@ -1448,7 +1141,7 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
         HWND designWindow = nullptr;
         Query<IOleWindow>(object.p, IID_IOleWindow)->GetWindow(&designWindow);
         Check(designWindow && designWindow != window && !IsWindow(window) &&
-                  GetParent(designWindow) == site.window && IsWindowVisible(designWindow),
+                  GetParent(designWindow) == site.frame && IsWindowVisible(designWindow),
               group, info.name + " a new window in design mode, in the same place");
         if (persisted)
             Check(
@@ -1459,44 +1152,12 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
         Query<IOleInPlaceObject>(object.p, IID_IOleInPlaceObject)->InPlaceDeactivate();
         Check(site.deactivated == 1 && site.uiDeactivated == 1, group,
               info.name + " deactivated, UI first");
-        Check(!IsWindowVisible(designWindow) && GetParent(designWindow) != site.window, group,
+        Check(!IsWindowVisible(designWindow) && GetParent(designWindow) != site.frame, group,
               info.name + " its window waits hidden outside the site");
         Check(ole->Close(OLECLOSE_NOSAVE) == S_OK && ole->SetClientSite(nullptr) == S_OK, group,
               info.name + " closed");
     }
     Check(site.refs == 0, group, info.name + " lets go of its site");
-
-    // Quick activation: the site, the event sink and the notification sink in one call.
-    {
-        Ptr<IDispatch> object = server.Create(entry);
-        auto* sink = new EventSink(entry.eventIid);
-        auto* notify = new NotifySink;
-        QACONTAINER container{};
-        container.cbSize = sizeof container;
-        container.pClientSite = &site;
-        container.pUnkEventSink = sink;
-        container.pPropertyNotifySink = notify;
-        container.dwAmbientFlags = QACONTAINER_USERMODE;
-        QACONTROL control{};
-        control.cbSize = sizeof control;
-        Check(Query<IQuickActivate>(object.p, IID_IQuickActivate)
-                          ->QuickActivate(&container, &control) == S_OK &&
-                  control.dwEventCookie != 0 && control.dwPropNotifyCookie != 0 &&
-                  control.dwMiscStatus == com::kMiscStatus,
-              group, info.name + " QuickActivate connects both sinks");
-        Query<IPersistStreamInit>(object.p, IID_IPersistStreamInit)->InitNew();
-        if (const host::MemberInfo* caption = info.FindMember("Caption")) {
-            Dispatch(object.p, caption->dispId, DISPATCH_PROPERTYPUT,
-                     {ToVariant(host::Variant("Schnell"))});
-            Check(std::find(notify->changed.begin(), notify->changed.end(), caption->dispId) !=
-                      notify->changed.end(),
-                  group, info.name + " its notification sink hears Caption");
-        }
-        Query<IOleObject>(object.p, IID_IOleObject)->SetClientSite(nullptr);
-        sink->Release();
-        notify->Release();
-    }
-    Check(site.refs == 0, group, info.name + " lets go of its site after quick activation");
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -1516,11 +1177,10 @@ host::json::Json Realised(const host::json::Json& bag) {
 }
 
 host::json::Json SaveToBag(IUnknown* object) {
-    auto* bag = new Bag;
+    auto* bag = new ole::PropertyBag;
     Ptr<IPersistPropertyBag> persist = Query<IPersistPropertyBag>(object, IID_IPersistPropertyBag);
     host::json::Json out;
-    if (persist && SUCCEEDED(persist->Save(bag, TRUE, TRUE))) out = bag->ToJson();
-    bag->Release();
+    if (persist && SUCCEEDED(persist->Save(bag, TRUE, TRUE))) out = ToJson(*bag);
     return out;
 }
 
@@ -1539,45 +1199,44 @@ void CheckSizingOrder(const Server& server) {
     const auto himetric = [](const RECT& r) {
         return SIZEL{MulDiv(r.right - r.left, 2540, 96), MulDiv(r.bottom - r.top, 2540, 96)};
     };
-    using Steps = std::function<void(IDispatch*, Container&, const RECT&)>;
+    using Steps = std::function<void(IDispatch*, Site&, const RECT&)>;
     const auto initNew = [](IDispatch* object) {
         Query<IPersistStreamInit>(object, IID_IPersistStreamInit)->InitNew();
     };
-    const auto inPlace = [](IDispatch* object, Container& site, RECT position) {
+    const auto inPlace = [](IDispatch* object, Site& site, RECT position) {
         Ptr<IOleObject> ole = Query<IOleObject>(object, IID_IOleObject);
         site.position = position;
-        ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, &site, 0, site.window, &position);
+        ole->DoVerb(OLEIVERB_INPLACEACTIVATE, nullptr, &site, 0, site.frame, &position);
     };
     const std::vector<std::pair<std::string, Steps>> orders = {
         {"SetExtent, InitNew",
-         [&](IDispatch* object, Container&, const RECT& place) {
+         [&](IDispatch* object, Site&, const RECT& place) {
              SIZEL size = himetric(place);
              Query<IOleObject>(object, IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &size);
              initNew(object);
          }},
         {"InitNew, SetExtent (the ATL host's order)",
-         [&](IDispatch* object, Container&, const RECT& place) {
+         [&](IDispatch* object, Site&, const RECT& place) {
              initNew(object);
              SIZEL size = himetric(place);
              Query<IOleObject>(object, IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &size);
          }},
         {"SetClientSite, Load from a bag, SetExtent",
-         [&](IDispatch* object, Container& site, const RECT& place) {
+         [&](IDispatch* object, Site& site, const RECT& place) {
              Query<IOleObject>(object, IID_IOleObject)->SetClientSite(&site);
-             auto* bag = new Bag;
-             Query<IPersistPropertyBag>(object, IID_IPersistPropertyBag)->Load(bag, nullptr);
-             bag->Release();
+             Query<IPersistPropertyBag>(object, IID_IPersistPropertyBag)
+                 ->Load(new ole::PropertyBag, nullptr);
              SIZEL size = himetric(place);
              Query<IOleObject>(object, IID_IOleObject)->SetExtent(DVASPECT_CONTENT, &size);
          }},
         {"SetClientSite, InitNew, in place at its position",
-         [&](IDispatch* object, Container& site, const RECT& place) {
+         [&](IDispatch* object, Site& site, const RECT& place) {
              Query<IOleObject>(object, IID_IOleObject)->SetClientSite(&site);
              initNew(object);
              inPlace(object, site, place);
          }},
         {"SetClientSite, InitNew, in place without a position, SetObjectRects",
-         [&](IDispatch* object, Container& site, const RECT& place) {
+         [&](IDispatch* object, Site& site, const RECT& place) {
              Query<IOleObject>(object, IID_IOleObject)->SetClientSite(&site);
              initNew(object);
              inPlace(object, site, RECT{place.left, place.top, place.left, place.top});
@@ -1590,7 +1249,7 @@ void CheckSizingOrder(const Server& server) {
                                                       {{10, 10, 100, 40}, 0}};
     for (const auto& [name, steps] : orders) {
         for (const auto& [place, expected] : places) {
-            Container site;
+            Site& site = NewSite();
             {
                 Ptr<IDispatch> object = server.Create(*line);
                 steps(object.p, site, place);
@@ -1632,7 +1291,7 @@ void CheckPersistence(const Server& server, const host::json::Json& controls,
                      MulDiv(c.value("Height", 0), 2540, 1440)};
         ole->SetExtent(DVASPECT_CONTENT, &extent);
         // The form's bag, as a container hands it over.
-        auto* input = new Bag;
+        auto* input = new ole::PropertyBag;
         const host::JsonPropertyBag properties =
             host::json::DecodeBag(c.value("Properties", host::json::Json::object()));
         for (const auto& [key, value] : properties.Entries()) {
@@ -1643,47 +1302,17 @@ void CheckPersistence(const Server& server, const host::json::Json& controls,
         Ptr<IPersistPropertyBag> persist =
             Query<IPersistPropertyBag>(object.p, IID_IPersistPropertyBag);
         Check(SUCCEEDED(persist->Load(input, nullptr)), "property bags", name + " loads");
-        input->Release();
         const host::json::Json saved = Realised(SaveToBag(object.p));
         Check(saved.dump() == want.dump(), "property bags",
               name + " saves " + saved.dump() + ", native " + want.dump());
 
-        // A stream and a storage hold the same.
-        IStream* stream = nullptr;
-        CreateStreamOnHGlobal(nullptr, TRUE, &stream);
+        // Saved, it is clean; loaded, it cannot be made new. (The stream and storage round
+        // trips are the container's, tests/win32/container.)
         Ptr<IPersistStreamInit> streamPersist =
             Query<IPersistStreamInit>(object.p, IID_IPersistStreamInit);
-        Check(SUCCEEDED(streamPersist->Save(stream, TRUE)) && streamPersist->IsDirty() == S_FALSE,
-              "streams", name + " saves to a stream");
-        const LARGE_INTEGER start{};
-        stream->Seek(start, STREAM_SEEK_SET, nullptr);
-        Ptr<IDispatch> restored = server.Create(*entry);
-        Ptr<IPersistStreamInit> restoredPersist =
-            Query<IPersistStreamInit>(restored.p, IID_IPersistStreamInit);
-        Check(SUCCEEDED(restoredPersist->Load(stream)), "streams", name + " loads from a stream");
-        stream->Release();
-        Check(Realised(SaveToBag(restored.p)).dump() == want.dump(), "streams",
-              name + " round trip");
-        Check(restoredPersist->InitNew() == CO_E_ALREADYINITIALIZED, "streams",
+        Check(streamPersist->IsDirty() == S_FALSE, "property bags", name + " is clean once saved");
+        Check(streamPersist->InitNew() == CO_E_ALREADYINITIALIZED, "property bags",
               name + " cannot be initialised twice");
-
-        ILockBytes* bytes = nullptr;
-        IStorage* storage = nullptr;
-        CreateILockBytesOnHGlobal(nullptr, TRUE, &bytes);
-        StgCreateDocfileOnILockBytes(bytes, STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
-                                     &storage);
-        Ptr<IPersistStorage> storagePersist = Query<IPersistStorage>(object.p, IID_IPersistStorage);
-        Check(storage && SUCCEEDED(storagePersist->Save(storage, FALSE)), "storages",
-              name + " saves to a storage");
-        Ptr<IDispatch> fromStorage = server.Create(*entry);
-        Check(storage &&
-                  SUCCEEDED(
-                      Query<IPersistStorage>(fromStorage.p, IID_IPersistStorage)->Load(storage)),
-              "storages", name + " loads from a storage");
-        Check(Realised(SaveToBag(fromStorage.p)).dump() == want.dump(), "storages",
-              name + " round trip");
-        if (storage) storage->Release();
-        if (bytes) bytes->Release();
     }
 }
 
@@ -1720,6 +1349,7 @@ int main(int argc, char** argv) {
             std::printf("FAIL: %s does not load or lacks an entry point\n", argv[1]);
             return 1;
         }
+        gFrame = ole::MakeFrame(400, 300);
         Check(com::PublicClasses().size() >= 6, "classes", "the public controls");
         host::HostContext context;
         RegisterPrivateControls(context);
@@ -1761,13 +1391,7 @@ int main(int argc, char** argv) {
             Check(again.canUnloadNow() == S_OK, "classes", "DllCanUnloadNow after the second load");
         }
         for (const std::string& note : gNotes) std::printf("note: %s\n", note.c_str());
-        int total = 0;
-        for (const auto& [group, count] : gChecked) {
-            std::printf("%s: %d\n", group.c_str(), count);
-            total += count;
-        }
-        std::printf("total: %d checks, %d failed\n", total, gFailures);
-        status = gFailures == 0 ? 0 : 1;
+        status = ole::PrintCounts() == 0 ? 0 : 1;
     }
     OleUninitialize();
     return status;

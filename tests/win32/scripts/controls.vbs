@@ -27,7 +27,9 @@ Function Show(value)
 End Function
 
 ' A refused assignment: the error number it gave, and the value before and after it. (Wine's
-' VBScript has no Eval or Execute, so each assignment is written out.)
+' VBScript has no Eval or Execute, so each assignment is written out.) One per error number
+' shows that the number reaches the script's Err; the server's checks (tests/win32/com) refuse
+' every property's bad values.
 Sub CheckRefused(what, number, expectedNumber, after, before)
     Check what & " error", number, expectedNumber
     Check what & " changed nothing", after, before
@@ -127,40 +129,12 @@ lnk.Url = "about:blank"
 Check "Hyperlink.Url", lnk.Url, "about:blank"
 lnk.LinkColor = &HFF0000
 Check "Hyperlink.LinkColor", lnk.LinkColor, &HFF0000
-before = lnk.Style
-On Error Resume Next
-lnk.Style = 99
-number = Err.Number
-Err.Clear
-On Error GoTo 0
-CheckRefused "Hyperlink.Style = 99", number, 380, lnk.Style, before
-before = lnk.Alignment
-On Error Resume Next
-lnk.Alignment = 9
-number = Err.Number
-Err.Clear
-On Error GoTo 0
-CheckRefused "Hyperlink.Alignment = 9", number, 380, lnk.Alignment, before
 
 Set lin = Create("Line3D")
 lin.BorderWidth = 3
 Check "Line3D.BorderWidth", lin.BorderWidth, 3
 lin.Orientation = 1
 Check "Line3D.Orientation", lin.Orientation, 1
-before = lin.BorderWidth
-On Error Resume Next
-lin.BorderWidth = 100000
-number = Err.Number
-Err.Clear
-On Error GoTo 0
-CheckRefused "Line3D.BorderWidth = 100000", number, 6, lin.BorderWidth, before
-before = lin.BorderWidth
-On Error Resume Next
-lin.BorderWidth = "abc"
-number = Err.Number
-Err.Clear
-On Error GoTo 0
-CheckRefused "Line3D.BorderWidth = ""abc""", number, 13, lin.BorderWidth, before
 
 Set ico = Create("Icons")
 Set pic = ico.Icon("0", "16", 21)
