@@ -8,7 +8,8 @@
       print the control window; renders the same control with the same properties and size with
       the native korvex tool, and compares the two pictures.
   atl_host.py bench --host EXE --mingw DIR --prefix DIR [--count N]
-      Prints how long the ATL host takes to create and in-place activate N buttons.
+      Prints how long the ATL host takes to create and in-place activate N buttons, and how
+      long a fixed loop takes: the machine is shared, and a slower loop means a busier machine.
 
 The comparison: where a control draws no text, every pixel must be equal. Where it draws text,
 the two systems' fonts differ (the simulated platform rasterises with FreeType, Wine with its own
