@@ -8,7 +8,10 @@ Where the two may differ, and why (only this is normalised):
 - Text metrics: the portable platform lays text out with its own font engine, Wine with its own
   fonts. A caption sized to its text is placed a pixel apart, so the coordinates a pointer event
   reports relative to such a caption (a link's Hover, a button's Mouse* events) may differ by
-  one pixel: 1 in pixels or 15 in twips. Everything else on such a line must be equal.
+  one pixel: 1 in pixels or 15 in twips. Everything else on such a line must be equal. Wine also
+  draws wider than it measures: TextOut places glyphs further apart than GetTextExtentPoint32 on
+  the same DC and font reports (from a "w" on, by a pixel or more per "w"), so the link sized to
+  "www.korvex-tools.de" shows it cut after ".d" in Wine's snapshots (see atl_host.py).
 The snapshots must exist on both sides with the same size. Their pixels cannot agree one for one:
 besides the fonts, Wine's default colour scheme is not the classic one the portable platform draws
 with, and a captioned window's frame is the system's. So each colour of the native picture is

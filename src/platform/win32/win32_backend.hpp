@@ -170,6 +170,8 @@ class Win32Windows final : public Windows {
         bool caption = false;
         bool closePressed = false;
         bool closeHot = false;
+        // Invalidated and not painted since: another invalidation would change nothing.
+        bool paintPending = false;
         int cursor = kCursorDefault;
         std::shared_ptr<const std::vector<std::uint32_t>> cursorPixels;
         SIZE cursorSize;

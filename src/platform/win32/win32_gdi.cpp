@@ -30,8 +30,11 @@ struct Win32Gdi::Handles {
     // the region type that SelectObject returns for a region.
     static constexpr std::uint32_t kFirstId = 0x100;
 
+    // A deleted object's number is given out again: a host that paints a gradient strip by
+    // strip makes a brush for every strip, and the tables stay as small as what lives at once.
     std::vector<void*> objects;
     std::unordered_map<void*, std::uint32_t> objectIds;
+    std::vector<std::uint32_t> freeObjects;
     std::vector<::HDC> dcs;
     std::unordered_map<::HDC, std::uint32_t> dcIds;
     std::vector<std::uint32_t> freeDcs;
@@ -46,10 +49,29 @@ struct Win32Gdi::Handles {
         const auto raw = reinterpret_cast<std::uintptr_t>(handle);
         if (raw < kFirstId) return HGDIOBJ{static_cast<std::uint32_t>(raw)};
         if (auto it = objectIds.find(handle); it != objectIds.end()) return HGDIOBJ{it->second};
-        const auto id = static_cast<std::uint32_t>(kFirstId + objects.size());
-        objects.push_back(handle);
+        std::uint32_t id;
+        if (!freeObjects.empty()) {
+            id = freeObjects.back();
+            freeObjects.pop_back();
+            objects[id - kFirstId] = handle;
+        } else {
+            id = static_cast<std::uint32_t>(kFirstId + objects.size());
+            objects.push_back(handle);
+        }
         objectIds.emplace(handle, id);
         return HGDIOBJ{id};
+    }
+    // After the system deleted the object; stock objects, which DeleteObject leaves alone, and
+    // objects still selected into a DC (deleted when deselected) keep their numbers.
+    void ForgetObject(HGDIOBJ object) {
+        if (object.value < kFirstId) return;
+        const std::size_t index = object.value - kFirstId;
+        if (index >= objects.size() || !objects[index]) return;
+        if (::GetObjectType(static_cast<::HGDIOBJ>(objects[index])) != 0) return;
+        objectIds.erase(objects[index]);
+        objects[index] = nullptr;
+        dibs.erase(object.value);
+        freeObjects.push_back(object.value);
     }
     ::HGDIOBJ Unwrap(HGDIOBJ object) const {
         if (object.value < kFirstId)
@@ -72,8 +94,9 @@ struct Win32Gdi::Handles {
         dcIds.emplace(dc, id);
         return HDC{id};
     }
-    // A host adopts a DC for every drawing call: its number is given out again, so the table
-    // stays as small as the number of DCs adopted at once.
+    // A host adopts a DC for every drawing call, and surfaces make and delete memory DCs as
+    // they resize: a number is given out again, so the table stays as small as the number of
+    // DCs alive at once.
     void ForgetDc(HDC dc) {
         if (dc.value < 1 || dc.value > dcs.size() || !dcs[dc.value - 1]) return;
         dcIds.erase(dcs[dc.value - 1]);
@@ -136,7 +159,9 @@ HDC Win32Gdi::CreateCompatibleDC(HDC reference) {
 }
 
 bool Win32Gdi::DeleteDC(HDC dc) {
-    return ::DeleteDC(handles_->Dc(dc)) != FALSE;
+    if (::DeleteDC(handles_->Dc(dc)) == FALSE) return false;
+    handles_->ForgetDc(dc);
+    return true;
 }
 
 HBITMAP Win32Gdi::CreateDIBSection32(std::int32_t width, std::int32_t height) {
@@ -206,7 +231,9 @@ HGDIOBJ Win32Gdi::GetCurrentObject(HDC dc, int objectType) {
 }
 
 bool Win32Gdi::DeleteObject(HGDIOBJ object) {
-    return ::DeleteObject(handles_->Unwrap(object)) != FALSE;
+    if (::DeleteObject(handles_->Unwrap(object)) == FALSE) return false;
+    handles_->ForgetObject(object);
+    return true;
 }
 
 // DC state -------------------------------------------------------------------------------------

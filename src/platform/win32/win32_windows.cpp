@@ -387,11 +387,25 @@ bool Win32Windows::GetTitleBarInfo(HWND window, TITLEBARINFO* info) {
     return true;
 }
 
+// A window already at the place asked for stays put: layouts place their windows again after
+// every change, and the system's move is a round trip to the window server even when nothing
+// moves.
 bool Win32Windows::MoveWindow(HWND window, const RECT& position) {
     void* native = NativeOrDesktop(window);
     if (!native) return false;
-    return ::MoveWindow(H(native), position.left, position.top, std::max(position.Width(), 0),
-                        std::max(position.Height(), 0), TRUE) != FALSE;
+    const std::int32_t width = std::max(position.Width(), 0);
+    const std::int32_t height = std::max(position.Height(), 0);
+    ::RECT now;
+    if (::GetWindowRect(H(native), &now)) {
+        // Parent-relative for a child, the screen's for a top-level window, as MoveWindow takes.
+        ::HWND parent =
+            (::GetWindowLongW(H(native), GWL_STYLE) & WS_CHILD) ? ::GetParent(H(native)) : nullptr;
+        ::MapWindowPoints(nullptr, parent, reinterpret_cast<::POINT*>(&now), 2);
+        if (now.left == position.left && now.top == position.top && now.right - now.left == width &&
+            now.bottom - now.top == height)
+            return true;
+    }
+    return ::MoveWindow(H(native), position.left, position.top, width, height, TRUE) != FALSE;
 }
 
 // The seam's insertAfter values are the system's; a window that is no sibling fails the call
@@ -489,12 +503,16 @@ bool Win32Windows::ShowWindow(HWND window, bool visible) {
     if (!w || window.value == kDesktop || !w->native) return false;
     ::HWND native = H(w->native);
     const bool was = (::GetWindowLongW(native, GWL_STYLE) & WS_VISIBLE) != 0;
+    // Shown already: the system would do nothing the seam can see, at the cost of a repositioning
+    // and a focus check, which are round trips to the window server.
+    if (visible && was) return was;
     if (!visible) {
         w->closePressed = false;
         if (tip_.Tool() && InSubtree(window.value, tip_.Tool())) tip_.Drop(tip_.Tool());
         if (InSubtree(window.value, GetFocus().value)) DropFocus(true);
         if (InSubtree(window.value, GetCapture().value)) DropCapture(true);
     }
+    if (!visible && !was) return was;
     const Quiet quiet(quietFocus_);
     const ::HWND focus = ::GetFocus();
     ::ShowWindow(native, visible ? SW_SHOWNA : SW_HIDE);
@@ -518,10 +536,13 @@ bool Win32Windows::EnableWindow(HWND window, bool enabled) {
         if (GetFocus() == window) DropFocus(true);
         if (InSubtree(window.value, GetCapture().value)) DropCapture(true);
     }
-    const Quiet quiet(quietFocus_);
-    const ::HWND focus = ::GetFocus();
-    ::EnableWindow(H(native), enabled);
-    RestoreFocus(focus);
+    // Unchanged, the system sends nothing and moves no focus: no need to ask where it is.
+    if (enabled == wasDisabled) {
+        const Quiet quiet(quietFocus_);
+        const ::HWND focus = ::GetFocus();
+        ::EnableWindow(H(native), enabled);
+        RestoreFocus(focus);
+    }
     return wasDisabled;
 }
 
@@ -531,8 +552,19 @@ bool Win32Windows::IsWindowEnabled(HWND window) {
     return native && ::IsWindowEnabled(H(native));
 }
 
+// Every property a control sets invalidates its window, and each InvalidateRect is a round trip
+// to the window server: a window of ours already waiting for its WM_PAINT is not invalidated
+// again, nor is a hidden one, whose invalidation the system drops. Showing a window exposes it,
+// so a mark left from before it was hidden goes with the paint that follows.
 void Win32Windows::InvalidateWindow(HWND window) {
-    if (void* native = NativeOrDesktop(window)) ::InvalidateRect(H(native), nullptr, FALSE);
+    void* native = NativeOrDesktop(window);
+    if (!native) return;
+    Window* w = Find(window);
+    if (w && !w->adopted) {
+        if (w->paintPending || !::IsWindowVisible(H(native))) return;
+        w->paintPending = true;
+    }
+    ::InvalidateRect(H(native), nullptr, FALSE);
 }
 
 SIZE Win32Windows::ScreenSize() {
@@ -641,6 +673,7 @@ std::intptr_t Win32Windows::Message(void* hwnd, unsigned message, std::uintptr_t
             Forget(hwnd);
             return 0;
         case WM_PAINT: {
+            w->paintPending = false;
             PAINTSTRUCT ps;
             ::HDC dc = ::BeginPaint(native, &ps);
             if (dc) PaintClient(id, dc, {});

@@ -35,6 +35,7 @@ struct Recorder final : WindowHandler {
     std::string name;
     std::vector<std::string>* log = nullptr;
     COLORREF fill = platform::CLR_INVALID;  // painted over the client area when set
+    int paints = 0;
     Gdi* gdi = nullptr;
     std::function<void(const MouseEvent&)> onMouse;
 
@@ -58,6 +59,7 @@ struct Recorder final : WindowHandler {
     void OnCaptureLost() override { Add("capturelost"); }
     void OnClose() override { Add("close"); }
     void OnPaint(HDC dc, const RECT& client) override {
+        ++paints;
         if (!gdi || fill == platform::CLR_INVALID) return;
         const platform::HBRUSH brush = gdi->CreateSolidBrush(fill);
         // The left half only: the right half keeps the window colour the platform erased with.
@@ -108,5 +110,8 @@ struct Fixture {
 // and the system's own time and queued input, as inside a real host.
 void NativeSide();
 void SystemTime();
+// What the backend leaves out to spare round trips to the window server (round_trips.cpp).
+void Invalidation();
+void HandleNumbers();
 
 }  // namespace korvex::backend_test

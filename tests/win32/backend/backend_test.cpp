@@ -423,6 +423,8 @@ int main() {
         {"tooltips", ToolTips},
         {"native side", korvex::backend_test::NativeSide},
         {"system time", korvex::backend_test::SystemTime},
+        {"invalidation", korvex::backend_test::Invalidation},
+        {"handle numbers", korvex::backend_test::HandleNumbers},
     };
     int failedGroups = 0;
     for (const auto& [name, run] : groups) {
