@@ -38,6 +38,12 @@ const std::map<std::string, Exception>& Exceptions() {
          {.value = Variant(std::int16_t{1}),
           .newDiffers = true,
           .why = "MouseSymbol, read after it, gives the caption the arrow (1)"}},
+        {"ProgressBar.Max",
+         {.value = Variant(std::int32_t{1000}),
+          .why = "with Max 0 the Value 0 set next is 0 / 0, which the paint refuses"}},
+        {"ProgressBar.BarColor1",
+         {.newDiffers = true,
+          .why = "black is written as the default but read back as the selection-text colour"}},
         {"FlatButton.Caption",
          {.newDiffers = true,
           .why =
@@ -239,6 +245,10 @@ TEST_F(RoundTripTest, EveryPropertyChangedSavesAndRestoresInTheControlsOrder) {
                    "ButtonColor Caption Font3D FontColor FontShadowColor ToolTip ToolTipText FocusRect Font "
                    "MouseIcon MousePointer"},
         {"FlatButton", "writes Caption Font TextColor HoverColor BackColor UseMnemonic Default Cancel FocusRect; reads"},
+        // Only the pictures are restored through their procedures; the rest goes to the fields.
+        {"ProgressBar", "writes AutoRedraw ShowText Appearance BorderStyle Max Value Style TextColor BarColor2 "
+                        "BarColor1 BarXPcolor BackColorP PictureLandscape PictureStretch PictureTile; reads "
+                        "PictureLandscape PictureStretch PictureTile"},
     };
     // clang-format on
     form.SwitchMode(true);
