@@ -432,6 +432,7 @@ int RunGallery(Args args) {
     std::vector<Section> sections = {Line3DSection(), Label3DSection(), FramesSection(),
                                      HyperlinkSection(), IconsSection()};
     for (Section& section : ButtonSections()) sections.push_back(std::move(section));
+    for (Section& section : ValueSections()) sections.push_back(std::move(section));
     sections.push_back(AboutSection());
     RenderSampler(out);
 
