@@ -274,3 +274,30 @@ TEST_F(ProgressBarTest, ForwardsInputFromTheBar) {
 
 }  // namespace
 }  // namespace korvex::test
+
+namespace korvex::test {
+namespace {
+
+// A bag may hold a Value far above Max: every style either draws the clipped bar or refuses
+// with the host's overflow, and none loops for ever; a style number outside the ten draws
+// nothing but still sets the caption.
+TEST_F(ProgressBarTest, HostileBagsEndQuickly) {
+    for (int style = 0; style <= 10; ++style) {
+        SCOPED_TRACE(style);
+        const std::string json =
+            R"({"Max": 1, "Value": 2147483647, "Style": )" + std::to_string(style) + "}";
+        const int error = ErrorOf([&] {
+            Restore("ProgressBar", {"H", 150, 150, 4500, 300}, JsonPropertyBag::FromJson(json));
+        });
+        EXPECT_TRUE(error == 0 || error == 6) << error;
+        if (form.Find("H")) form.Remove("H");
+    }
+    Restore("ProgressBar", {"H", 150, 150, 4500, 300},
+            JsonPropertyBag::FromJson(R"({"Max": 100, "Value": 42, "Style": 42})"));
+    EXPECT_EQ(Control<ProgressBar>("H").CaptionText(), "42%");
+    const Shot shot = Pixels("H");
+    for (int x = 4; x < shot.width - 4; ++x) ASSERT_EQ(shot.at(x, 10), Sys(15)) << x;
+}
+
+}  // namespace
+}  // namespace korvex::test
