@@ -479,6 +479,8 @@ void ProgressBar::Box(double x1, double y1, double x2, double y2, OLE_COLOR colo
     PB.Line(at(x1), at(y1), at(x2), at(y2), colour, forms::LineBox::BF);
 }
 
+// Setting a back colour clears the picture box, so it is set only when it changes: the block
+// styles draw over the previous bar while the value grows.
 void ProgressBar::UserControl_Paint() {
     if (!IsXP(Style_) && PB.BackColor() != BackColorP_) PB.BackColor(BackColorP_);
     PB.ForeColor(TextColor_);
