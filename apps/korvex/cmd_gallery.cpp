@@ -433,6 +433,7 @@ int RunGallery(Args args) {
                                      HyperlinkSection(), IconsSection()};
     for (Section& section : ButtonSections()) sections.push_back(std::move(section));
     sections.push_back(AboutSection());
+    sections.push_back(SpinSection());
     RenderSampler(out);
 
     std::ostringstream html;

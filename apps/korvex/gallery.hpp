@@ -88,5 +88,7 @@ bool RenderTile(const Tile& tile, const std::filesystem::path& out);
 
 // The button sections (gallery_buttons.cpp).
 std::vector<Section> ButtonSections();
+// The value controls (gallery_value.cpp).
+Section SpinSection();
 
 }  // namespace korvex::cli::gallery
