@@ -15,6 +15,7 @@ namespace {
 
 // Pixels between the field's edge and its text, as an edit field leaves them.
 constexpr int kMargin = 1;
+constexpr std::int16_t kIBeam = 3;
 
 void CheckNotNegative(std::int32_t value, const char* what) {
     if (value < 0) throw host::HostError(host::kErrInvalidPropertyValue, what);
@@ -26,7 +27,7 @@ TextBox::TextBox(DrawingSurface& container) : box_(container) {
     box_.ScaleMode(ScaleModeConstants::vbPixels);
     box_.BackColor(0x80000005);  // window
     box_.ForeColor(0x80000008);  // window text
-    box_.MousePointer(3);        // the I-beam
+    box_.MousePointer(kIBeam);
     box_.events.MouseDown = [this](std::int16_t button, std::int16_t shift, float x, float y) {
         OnMouseDown(button, shift, x);
         Raise(events.MouseDown, button, shift, x, y);
@@ -101,6 +102,11 @@ void TextBox::ForeColor(host::OLE_COLOR value) {
 void TextBox::Font(std::shared_ptr<host::StdFont> value) {
     box_.Font(std::move(value));
     Paint();
+}
+
+void TextBox::MousePointer(std::int16_t value) {
+    box_.MousePointer(value == 0 ? kIBeam : value);
+    mousePointer_ = value;
 }
 
 void TextBox::Enabled(bool value) {

@@ -62,8 +62,9 @@ class TextBox {
     void Enabled(bool value);
     [[nodiscard]] const std::string& ToolTipText() const { return box_.ToolTipText(); }
     void ToolTipText(std::string value) { box_.ToolTipText(std::move(value)); }
-    [[nodiscard]] std::int16_t MousePointer() const { return box_.MousePointer(); }
-    void MousePointer(std::int16_t value) { box_.MousePointer(value); }
+    // 0, the default, shows the I-beam, as a text field's own cursor.
+    [[nodiscard]] std::int16_t MousePointer() const { return mousePointer_; }
+    void MousePointer(std::int16_t value);
     [[nodiscard]] std::shared_ptr<host::StdPicture> MouseIcon() const { return box_.MouseIcon(); }
     void MouseIcon(std::shared_ptr<host::StdPicture> value) { box_.MouseIcon(std::move(value)); }
 
@@ -134,6 +135,7 @@ class TextBox {
     std::int16_t alignment_ = 0;
     bool locked_ = false;
     std::int32_t maxLength_ = 0;
+    std::int16_t mousePointer_ = 0;
     bool focused_ = false;
     bool dragging_ = false;
     int scroll_ = 0;  // pixels of left-aligned text scrolled out on the left

@@ -14,6 +14,9 @@ using namespace host;
 
 namespace {
 
+// What the host raises when procedures call each other without end.
+constexpr std::int32_t kErrOutOfStackSpace = 28;
+
 // Runs one step of a sequence whose failing steps are skipped.
 template <class F>
 void Skippable(F&& step) {
@@ -310,8 +313,11 @@ void Spin::Max(std::int16_t New_Max) {
 }
 
 // A value outside the limits goes through this procedure again as the limit, so the clamped
-// value is applied twice and reported twice.
+// value is applied twice and reported twice. With Min above Max that would go back and forth
+// until the stack runs out: the host's error 28 comes first, before anything is stored.
 void Spin::Value(std::int16_t New_Value) {
+    if (Min_ > Max_ && (New_Value < Min_ || New_Value > Max_))
+        throw HostError(kErrOutOfStackSpace, "Value");
     Value_ = New_Value;
     if (Value_ < Min_) Value(Min_);
     if (Value_ > Max_) Value(Max_);

@@ -218,6 +218,20 @@ TEST_F(SpinTest, BadValuesLeaveEverythingAsItWas) {
     }
 }
 
+// Min above Max leaves no value to clamp to: the let would call itself without end, so the
+// host's error 28 comes, and the value stays.
+TEST_F(SpinTest, MinAboveMaxRefusesEveryValue) {
+    Let("S", "Value", Variant(std::int16_t{7}));
+    Let("S", "Min", Variant(std::int16_t{50}));  // the bar pulls the value up to 50
+    Let("S", "Max", Variant(std::int16_t{10}));
+    ASSERT_EQ(Get("S", "Value").ToInteger(), 50);
+    for (const std::int16_t value : {std::int16_t{0}, std::int16_t{30}, std::int16_t{60}}) {
+        EXPECT_EQ(ErrorOf([&] { Let("S", "Value", Variant(value)); }), 28) << value;
+        EXPECT_EQ(Get("S", "Value").ToInteger(), 50) << value;
+        EXPECT_EQ(Text(), "50") << value;
+    }
+}
+
 // The field: Shift+arrows select, Ctrl+C and Ctrl+V go through the platform's clipboard, a
 // locked field keeps its text, MaxLength refuses with a beep.
 TEST_F(SpinTest, TheFieldSelectsCopiesAndPastes) {
