@@ -1,5 +1,6 @@
 #include "controls/value/spin.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <span>
 #include <tuple>
@@ -339,7 +340,15 @@ void Spin::PointPosition(bool New_PointPosition) {
     PropertyChanged("PointPosition");
 }
 
+// The minutes go to the bar while it still has the numeric range, so minutes outside Min..Max
+// (or beyond 16 bits) are refused; that is checked before anything changes.
 void Spin::TimeState(bool New_TimeState) {
+    if (New_TimeState) {
+        const std::int16_t minutes = ToInteger(RoundHalfEven(CurrTimeM_));
+        if (minutes < std::min(VScroll1.Min(), VScroll1.Max()) ||
+            minutes > std::max(VScroll1.Min(), VScroll1.Max()))
+            throw HostError(kErrInvalidPropertyValue, "Value");
+    }
     TimeState_ = New_TimeState;
     if (TimeState_) {
         VScroll1.Value(ToInteger(RoundHalfEven(CurrTimeM_)));

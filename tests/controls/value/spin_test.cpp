@@ -218,6 +218,22 @@ TEST_F(SpinTest, BadValuesLeaveEverythingAsItWas) {
     }
 }
 
+// Switching to time mode hands the minutes to the bar while it has the numeric range.
+TEST_F(SpinTest, TimeModeRefusesMinutesTheBarCannotTake) {
+    Let("S", "Max", Variant(std::int16_t{10}));
+    const Shot before = Pixels("S");
+    for (const float minutes : {41.0F, 1e30F, -1.0F}) {
+        Let("S", "CurrTimeM", Variant(minutes));
+        EXPECT_EQ(ErrorOf([&] { Let("S", "TimeState", Variant(true)); }), minutes > 40000 ? 6 : 380)
+            << minutes;
+        EXPECT_FALSE(Get("S", "TimeState").ToBool()) << minutes;
+        EXPECT_EQ(Pixels("S").bits, before.bits) << minutes;
+    }
+    Let("S", "CurrTimeM", Variant(9.0F));
+    Let("S", "TimeState", Variant(true));
+    EXPECT_EQ(Text(), "00:09");
+}
+
 // Min above Max leaves no value to clamp to: the let would call itself without end, so the
 // host's error 28 comes, and the value stays.
 TEST_F(SpinTest, MinAboveMaxRefusesEveryValue) {
