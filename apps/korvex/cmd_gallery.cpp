@@ -433,6 +433,7 @@ int RunGallery(Args args) {
                                      HyperlinkSection(), IconsSection()};
     for (Section& section : ButtonSections()) sections.push_back(std::move(section));
     for (Section& section : ValueSections()) sections.push_back(std::move(section));
+    sections.push_back(SpinSection());
     sections.push_back(AboutSection());
     RenderSampler(out);
 

@@ -90,5 +90,7 @@ bool RenderTile(const Tile& tile, const std::filesystem::path& out);
 std::vector<Section> ButtonSections();
 // The value-control sections (gallery_value.cpp).
 std::vector<Section> ValueSections();
+// The Spin section (gallery_spin.cpp).
+Section SpinSection();
 
 }  // namespace korvex::cli::gallery

@@ -24,6 +24,7 @@ const std::map<std::string, int, std::less<>>& KeyNames() {
         {"backspace", 8}, {"tab", 9},  {"enter", 13},  {"return", 13}, {"shift", 16},
         {"ctrl", 17},     {"alt", 18}, {"escape", 27}, {"esc", 27},    {"space", 32},
         {"left", 37},     {"up", 38},  {"right", 39},  {"down", 40},   {"delete", 46},
+        {"end", 35},      {"home", 36}, {"insert", 45},
     };
     return names;
 }

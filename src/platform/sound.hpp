@@ -34,6 +34,8 @@ class Sound {
     virtual bool sndPlaySoundA(std::span<const std::uint8_t> image, std::uint32_t flags) = 0;
     // A named sound; no name stops what sndPlaySoundA is playing.
     virtual bool sndPlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) = 0;
+    // The system's default beep (MessageBeep with type 0), as a field sounds on a refused key.
+    virtual bool MessageBeep(std::uint32_t type) = 0;
 };
 
 // ShowWindow commands passed to ShellExecuteA.

@@ -54,6 +54,21 @@ inline constexpr int VK_CONTROL = 0x11;
 inline constexpr int VK_MENU = 0x12;
 inline constexpr int VK_ESCAPE = 0x1B;
 inline constexpr int VK_SPACE = 0x20;
+inline constexpr int VK_PRIOR = 0x21;
+inline constexpr int VK_NEXT = 0x22;
+inline constexpr int VK_END = 0x23;
+inline constexpr int VK_HOME = 0x24;
+inline constexpr int VK_LEFT = 0x25;
+inline constexpr int VK_UP = 0x26;
+inline constexpr int VK_RIGHT = 0x27;
+inline constexpr int VK_DOWN = 0x28;
+inline constexpr int VK_INSERT = 0x2D;
+inline constexpr int VK_DELETE = 0x2E;
+
+// How long a scroll bar waits before a held arrow or page area repeats, and between repeats, as
+// the system's scroll bars do.
+inline constexpr int kScrollFirstDelayMs = 200;
+inline constexpr int kScrollRepeatDelayMs = 50;
 
 struct MouseEvent {
     enum class Kind { Move, Down, Up, DoubleClick };
@@ -258,6 +273,7 @@ class EventLoop {
 
 class Sound;
 class Shell;
+class Clipboard;
 
 // Everything a host needs from the platform, owned per UI thread.
 class Platform {
@@ -269,6 +285,7 @@ class Platform {
     virtual EventLoop& loop() = 0;
     virtual Sound& sound() = 0;
     virtual Shell& shell() = 0;
+    virtual Clipboard& clipboard() = 0;
 };
 
 // Twips per screen pixel, from the screen's pixels per inch (1440 twips to the inch).

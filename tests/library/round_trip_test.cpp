@@ -29,6 +29,11 @@ struct Exception {
     const char* why = "";
 };
 
+// A restored result becomes its base, and the mode switch read after it computes the result anew
+// from Value and that base.
+constexpr const char* kSpinResult =
+    "restored as its base; TimeState, read later, recomputes it from Value";
+
 const std::map<std::string, Exception>& Exceptions() {
     static const std::map<std::string, Exception> table{
         {"Label3D.BackColorL",
@@ -44,6 +49,15 @@ const std::map<std::string, Exception>& Exceptions() {
         {"ProgressBar.BarColor1",
          {.newDiffers = true,
           .why = "black is written as the default but read back as the selection-text colour"}},
+        {"Spin.Max",
+         {.value = Variant(std::int16_t{200}),
+          .why = "0 would put Max below Min, where no Value can be set (error 28)"}},
+        {"Spin.Min", {.value = Variant(std::int16_t{-5}), .why = "kept below Max, as Spin.Max"}},
+        {"Spin.Result1", {.skipSet = true, .why = kSpinResult}},
+        {"Spin.Result2", {.skipSet = true, .why = kSpinResult}},
+        {"Spin.Result3", {.skipSet = true, .why = kSpinResult}},
+        {"Spin.Result4", {.skipSet = true, .why = kSpinResult}},
+        {"Spin.Result5", {.skipSet = true, .why = kSpinResult}},
         {"FlatButton.Caption",
          {.newDiffers = true,
           .why =
@@ -244,6 +258,13 @@ TEST_F(RoundTripTest, EveryPropertyChangedSavesAndRestoresInTheControlsOrder) {
                    "PictureOver EnabledB OptionMode Value BorderStyle Gradient ButtonShow TextAlignment BackColorB "
                    "ButtonColor Caption Font3D FontColor FontShadowColor ToolTip ToolTipText FocusRect Font "
                    "MouseIcon MousePointer"},
+        // Results are recomputed by the Value let and the mode switch; Alignment's scroll
+        // procedure in time mode takes the minutes from the bar, so CurrTimeM is back at 0.
+        {"Spin", "writes BorderStyle ToolTipText BackColorS ForeColor Font FontSize MouseIcon MousePointer Max Min Value "
+                 "PointPosition TimeState CurrTimeH Alignment EnabledS; reads BorderStyle BackColorS ForeColor "
+                 "MouseIcon Max Min Value Result1 Result2 Result3 Result4 Result5 Result1 Result2 Result3 Result4 "
+                 "Result5 Value Result1 Result2 Result3 Result4 Result5 PointPosition TimeState CurrTimeH "
+                 "CurrTimeM"},
         {"FlatButton", "writes Caption Font TextColor HoverColor BackColor UseMnemonic Default Cancel FocusRect; reads"},
         // Only the pictures are restored through their procedures; the rest goes to the fields.
         {"ProgressBar", "writes AutoRedraw ShowText Appearance BorderStyle Max Value Style TextColor BarColor2 "

@@ -55,6 +55,7 @@ class ForwardingPlatform : public platform::Platform {
     platform::EventLoop& loop() override { return sim.loop(); }
     platform::Sound& sound() override { return sim.sound(); }
     platform::Shell& shell() override { return sim.shell(); }
+    platform::Clipboard& clipboard() override { return sim.clipboard(); }
 
     platform::sim::SimPlatform sim;
 };

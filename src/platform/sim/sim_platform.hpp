@@ -13,6 +13,7 @@
 #include "platform/sim/sim_loop.hpp"
 #include "platform/sim/sim_sound.hpp"
 #include "platform/sim/sim_windows.hpp"
+#include "platform/clipboard.hpp"
 #include "platform/window.hpp"
 
 namespace korvex::platform::sim {
@@ -34,6 +35,7 @@ class SimPlatform final : public Platform {
     SimEventLoop& loop() override { return loop_; }
     SimSound& sound() override { return sound_; }
     SimShell& shell() override { return shell_; }
+    MemoryClipboard& clipboard() override { return clipboard_; }
 
     // The driver face: time, input, scripts and pixels.
     Driver& driver() { return driver_; }
@@ -47,6 +49,7 @@ class SimPlatform final : public Platform {
     SimEventLoop loop_;
     SimSound sound_{clock_};
     SimShell shell_{clock_};
+    MemoryClipboard clipboard_;
     SimDriver driver_{windows_, clock_, loop_};
 };
 

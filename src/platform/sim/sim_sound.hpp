@@ -49,6 +49,13 @@ class SimSound final : public Sound {
     bool PlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) override;
     bool sndPlaySoundA(std::span<const std::uint8_t> image, std::uint32_t flags) override;
     bool sndPlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) override;
+    bool MessageBeep(std::uint32_t type) override {
+        (void)type;
+        beeps_.push_back(clock_.Now());
+        return true;
+    }
+    // The virtual times of every MessageBeep, in order.
+    [[nodiscard]] const std::vector<std::int64_t>& Beeps() const { return beeps_; }
 
     // Sounds the virtual machine knows by alias or file name (the user's system sounds).
     void RegisterNamedSound(std::string name, std::vector<std::uint8_t> image);
@@ -76,6 +83,7 @@ class SimSound final : public Sound {
     Clock& clock_;
     std::map<std::string, std::vector<std::uint8_t>, std::less<>> named_;
     std::vector<SoundRequest> requests_;
+    std::vector<std::int64_t> beeps_;
     // Per channel: index of the request playing, or -1.
     std::ptrdiff_t playing_[2] = {-1, -1};
 };

@@ -30,6 +30,7 @@
 #include <vector>
 
 #include "platform/driven_loop.hpp"
+#include "platform/clipboard.hpp"
 #include "platform/driver.hpp"
 #include "platform/pointer_rules.hpp"
 #include "platform/shell_font.hpp"
@@ -267,9 +268,17 @@ class Win32Sound final : public Sound {
     bool PlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) override;
     bool sndPlaySoundA(std::span<const std::uint8_t> image, std::uint32_t flags) override;
     bool sndPlaySoundA(std::optional<std::string_view> name, std::uint32_t flags) override;
+    bool MessageBeep(std::uint32_t type) override;
 
   private:
     bool dryRun_;
+};
+
+// The system clipboard's Unicode text.
+class Win32Clipboard final : public Clipboard {
+  public:
+    [[nodiscard]] std::optional<std::string> GetText() override;
+    bool SetText(std::string_view text) override;
 };
 
 // The shell; with dryRun nothing is opened and the answer is the shell's "done" (above 32).

@@ -114,6 +114,7 @@ struct Win32Platform::Impl {
     Win32EventLoop loop;
     Win32Sound sound;
     Win32Shell shell;
+    Win32Clipboard clipboard;
     Win32Driver driver;
 };
 
@@ -154,6 +155,9 @@ Sound& Win32Platform::sound() {
 }
 Shell& Win32Platform::shell() {
     return impl_->shell;
+}
+Clipboard& Win32Platform::clipboard() {
+    return impl_->clipboard;
 }
 Driver& Win32Platform::driver() {
     return impl_->driver;

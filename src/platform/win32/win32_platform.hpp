@@ -39,6 +39,7 @@ class Win32Platform final : public Platform {
     EventLoop& loop() override;
     Sound& sound() override;
     Shell& shell() override;
+    Clipboard& clipboard() override;
 
     // The driver face for the tool and the tests: input reaches the windows as real messages
     // sent through their window procedures; Advance moves virtual time (or pumps messages for

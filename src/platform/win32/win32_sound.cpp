@@ -2,6 +2,7 @@
 // SND_MEMORY), and the shell's ShellExecuteW and directories, UTF-8 on our side.
 
 #include <cstring>
+#include <cwchar>
 
 #include "platform/win32/win32_backend.hpp"
 // After our headers: see win32_api.hpp.
@@ -67,6 +68,46 @@ std::string Win32Shell::GetTempPathA() {
     const DWORD length = ::GetTempPathW(MAX_PATH + 1, path);
     return length > 0 && length <= MAX_PATH ? Narrow(path, static_cast<int>(length))
                                             : std::string();
+}
+
+}  // namespace korvex::platform::win32
+
+namespace korvex::platform::win32 {
+
+bool Win32Sound::MessageBeep(std::uint32_t type) {
+    if (dryRun_) return true;
+    return ::MessageBeep(type) != FALSE;
+}
+
+std::optional<std::string> Win32Clipboard::GetText() {
+    if (!::OpenClipboard(nullptr)) return std::nullopt;
+    std::optional<std::string> text;
+    if (HANDLE data = ::GetClipboardData(CF_UNICODETEXT)) {
+        if (const auto* chars = static_cast<const wchar_t*>(::GlobalLock(data))) {
+            text = Narrow(chars, static_cast<int>(std::wcslen(chars)));
+            ::GlobalUnlock(data);
+        }
+    }
+    ::CloseClipboard();
+    return text;
+}
+
+bool Win32Clipboard::SetText(std::string_view text) {
+    const std::wstring wide = Widen(text);
+    HGLOBAL memory = ::GlobalAlloc(GMEM_MOVEABLE, (wide.size() + 1) * sizeof(wchar_t));
+    if (!memory) return false;
+    auto* chars = static_cast<wchar_t*>(::GlobalLock(memory));
+    std::memcpy(chars, wide.c_str(), (wide.size() + 1) * sizeof(wchar_t));
+    ::GlobalUnlock(memory);
+    if (!::OpenClipboard(nullptr)) {
+        ::GlobalFree(memory);
+        return false;
+    }
+    ::EmptyClipboard();
+    const bool placed = ::SetClipboardData(CF_UNICODETEXT, memory) != nullptr;
+    ::CloseClipboard();
+    if (!placed) ::GlobalFree(memory);
+    return placed;
 }
 
 }  // namespace korvex::platform::win32

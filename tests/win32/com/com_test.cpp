@@ -156,6 +156,18 @@ class Handlers {
         *value = *value ? VARIANT_FALSE : VARIANT_TRUE;
         return Heard();
     }
+    // A value and five texts (Spin's Changed): the value by one, each text holding a whole
+    // number to the next one.
+    virtual HRESULT STDMETHODCALLTYPE ValueAndTexts(short* value, BSTR* t1, BSTR* t2, BSTR* t3,
+                                                    BSTR* t4, BSTR* t5) {
+        *value += 1;
+        for (BSTR* text : {t1, t2, t3, t4, t5}) {
+            const long number = *text ? std::wcstol(*text, nullptr, 10) : 0;
+            SysFreeString(*text);
+            *text = SysAllocString(std::to_wstring(number + 1).c_str());
+        }
+        return Heard();
+    }
     int heard = 0;
 
   protected:
@@ -172,9 +184,11 @@ class HandlerObject final : public Handlers {};
 
 // The vtable slot of the handler for a list of argument types (by reference, as declared).
 int HandlerSlot(const std::vector<VARTYPE>& types) {
-    constexpr VARTYPE i2 = VT_BYREF | VT_I2, r4 = VT_BYREF | VT_R4, flag = VT_BYREF | VT_BOOL;
+    constexpr VARTYPE i2 = VT_BYREF | VT_I2, r4 = VT_BYREF | VT_R4, flag = VT_BYREF | VT_BOOL,
+                      text = VT_BYREF | VT_BSTR;
     static const std::vector<std::pair<std::vector<VARTYPE>, int>> slots = {
-        {{}, 3}, {{i2, i2, r4, r4}, 4}, {{i2, i2}, 5}, {{i2}, 6}, {{flag}, 7}};
+        {{}, 3},     {{i2, i2, r4, r4}, 4}, {{i2, i2}, 5}, {{i2}, 6}, {{flag}, 7},
+        {{i2, text, text, text, text, text}, 8}};
     for (const auto& [list, slot] : slots)
         if (list == types) return slot;
     return -1;
@@ -873,6 +887,10 @@ void CheckEvents(const Server& server, const com::ClassEntry& entry) {
                     args.emplace_back(true);
                     changed.emplace_back(false);
                     break;
+                case host::TypeCode::String:
+                    args.emplace_back(std::string("1"));
+                    changed.emplace_back(std::string("2"));
+                    break;
                 default:
                     args.emplace_back(std::int16_t{1});
                     changed.emplace_back(std::int16_t{2});
@@ -1088,7 +1106,9 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
                   std::to_string(w * h) + " pixels");
 
         // A click on its window reaches the event sink.
-        if (const host::EventInfo* click = info.FindEvent("Click")) {
+        // (Spin raises Click from its field's and bar's handlers, not for a click as such.)
+        const host::EventInfo* click = info.name == "Spin" ? nullptr : info.FindEvent("Click");
+        if (click) {
             Ptr<IConnectionPoint> point;
             Query<IConnectionPointContainer>(object.p, IID_IConnectionPointContainer)
                 ->FindConnectionPoint(entry.eventIid, &point);
