@@ -7,6 +7,7 @@
 #include "controls/display/icons.hpp"
 #include "controls/display/label3d.hpp"
 #include "controls/display/line3d.hpp"
+#include "controls/value/ruler.hpp"
 #include "dialog/about_box.hpp"
 
 namespace korvex {
@@ -19,6 +20,7 @@ void RegisterLibrary(host::HostContext& context) {
     context.Classes().Register(controls::Hyperlink::Class());
     context.Classes().Register(controls::Icons::Class());
     context.Classes().Register(controls::Button::Class());
+    context.Classes().Register(controls::Ruler::Class());
     if (context.Platform()) context.SetAboutBox([&context] { dialog::ShowAboutBox(context); });
 }
 
