@@ -202,6 +202,47 @@ bool HasClasses(const Session& session, const Json& form, const std::string& fil
     return true;
 }
 
+Section RulerSection() {
+    const auto ruler = [](const std::string& name, std::int32_t left, std::int32_t top,
+                          std::int32_t width, std::int32_t height, int mode, int zoom,
+                          int orientation) {
+        return Control("Ruler", name, left, top, width, height,
+                       {{"Mode", Json{{"Integer", mode}}},
+                        {"SmallZoom", Json{{"Integer", zoom}}},
+                        {"Orientation", Json{{"Integer", orientation}}},
+                        {"Mode3", true},
+                        {"Mode4", true},
+                        {"Mode4Check", true}});
+    };
+    Json grid = Json::array();
+    for (int mode = 0; mode < 4; ++mode)
+        for (int zoom = 0; zoom < 4; ++zoom)
+            grid.push_back(ruler("R" + std::to_string(mode) + std::to_string(1 << zoom), 240,
+                                 240 + (mode * 4 + zoom) * 480, 7200, 390, mode, 1 << zoom, 0));
+    Json vertical = Json::array();
+    for (int mode = 0; mode < 4; ++mode)
+        vertical.push_back(
+            ruler("V" + std::to_string(mode), 240 + mode * 600, 240, 390, 4200, mode, 1, 1));
+    Json one = Json::array({ruler("R", 240, 240, 6000, 450, 0, 1, 0)});
+    return {"Ruler",
+            {{"ruler-units.png",
+              "Centimeter, Twip * 1000, Inch and Pixel * 100 (groups of rows), each at SmallZoom "
+              "1, 2, 4 and 8",
+              Form(7680, 8280, grid)},
+             {"ruler-vertical.png", "vertical, the four units at SmallZoom 1, marker at 1000",
+              Form(2760, 4680, vertical),
+              "call V0.MouseMoved 1000\ncall V1.MouseMoved 1000\ncall V2.MouseMoved 1000\n"
+              "call V3.MouseMoved 1000\n"},
+             {"ruler-marker.png", "the marker at 2000 after one at 1000",
+              Form(6480, 930, one), "call R.MouseMoved 1000\ncall R.MouseMoved 2000\n"},
+             {"ruler-menu.png",
+              "the right-click menu (Mode3 and Mode4 shown, Hilfslinien checked), pointer on Inch",
+              Form(6480, 930, one),
+              "move R 60 10\nclick right\nkey down down\nkey down down\nkey down down\n"
+              "snapshot ruler-menu.png\nmenu escape\n",
+              "top"}}};
+}
+
 // A tile whose script raised a host error shows something other than its title says.
 void ReportErrors(const std::string& file, const std::string& log) {
     std::istringstream lines(log);
@@ -434,6 +475,7 @@ int RunGallery(Args args) {
     for (Section& section : ButtonSections()) sections.push_back(std::move(section));
     for (Section& section : ValueSections()) sections.push_back(std::move(section));
     sections.push_back(SpinSection());
+    sections.push_back(RulerSection());
     sections.push_back(AboutSection());
     RenderSampler(out);
 

@@ -270,6 +270,10 @@ void ScriptRunner::Validate(const Line& line) const {
         }
     } else if (command == "type") {
         if (n < 1) fail("expected: type TEXT");
+    } else if (command == "menu") {
+        const std::string kind = n >= 1 ? Lower(w[1]) : "";
+        if (!((kind == "pick" && n >= 2) || (kind == "escape" && n == 1)))
+            fail("expected: menu pick CAPTION, or menu escape");
     } else if (command == "focus" || command == "get" || command == "save") {
         if (n != 1) fail("expected one argument");
     } else if (command == "snapshot") {
@@ -333,6 +337,33 @@ platform::POINT ScriptRunner::PointOf(const Line& line) const {
     }
     return {Clamped((std::int64_t{r.left} + r.right) / 2),
             Clamped((std::int64_t{r.top} + r.bottom) / 2)};
+}
+
+// An open pop-up menu is the topmost window, titled "PopupMenu" and then the captions it offers,
+// one a line. An item is picked as a user does with the keys: Home, Down to it, Enter.
+void ScriptRunner::PickMenuItem(const Line& line) {
+    const auto& w = line.words;
+    platform::Windows& windows = platform_.windows();
+    const platform::HWND top = TopWindow();
+    std::istringstream lines(top ? windows.GetWindowText(top) : std::string());
+    std::string caption;
+    std::getline(lines, caption);
+    if (caption != "PopupMenu") throw ScriptError(line.number, "no pop-up menu is open (menu)");
+    auto press = [this](int key) {
+        driver_.KeyDown(key, 0);
+        driver_.KeyUp(key, 0);
+    };
+    if (Lower(w[1]) == "escape") return press(platform::VK_ESCAPE);
+    std::string wanted;
+    for (std::size_t i = 2; i < w.size(); ++i) wanted += (i > 2 ? " " : "") + Unquote(w[i]);
+    int index = 0;
+    while (std::getline(lines, caption) && Lower(caption) != Lower(wanted)) ++index;
+    if (Lower(caption) != Lower(wanted))
+        throw ScriptError(line.number, "the menu has no item '" + wanted + "' (menu)");
+    constexpr int kHome = 0x24, kDown = 0x28;
+    press(kHome);
+    for (int i = 0; i < index; ++i) press(kDown);
+    press(platform::VK_RETURN);
 }
 
 platform::HWND ScriptRunner::TopWindow() const {
@@ -401,6 +432,8 @@ void ScriptRunner::Execute(const Line& line) {
             loop.KeyPress(c);
             if (vk) loop.KeyUp(vk, 0);
         }
+    } else if (command == "menu") {
+        PickMenuItem(line);
     } else if (command == "focus") {
         Site* site = form_.Find(w[1]);
         if (!site) throw NoControl(w[1]);

@@ -84,6 +84,7 @@ class ScriptRunner final : public platform::InputSource, public EventSink {
     platform::POINT PointOf(const Line& line) const;
     // The topmost visible top-level window (a modal box), or zero.
     platform::HWND TopWindow() const;
+    void PickMenuItem(const Line& line);
     std::pair<Site*, std::string> Member(const std::string& dotted) const;
 
     Container& form_;

@@ -1,6 +1,7 @@
 #include "forms/drawing_surface.hpp"
 
 #include <algorithm>
+#include <limits>
 
 #include "base/error.hpp"
 #include "forms/picture_box.hpp"
@@ -284,7 +285,12 @@ void DrawingSurface::Line(float X1, float Y1, float X2, float Y2,
     // Dashes and dots exist only for the one-pixel pen; wider pens draw them solid.
     int style = drawStyle_;
     if (drawWidth_ > 1 && style >= PS_DASH && style <= PS_DASHDOTDOT) style = PS_SOLID;
-    const RECT box{std::min(x1, x2), std::min(y1, y2), std::max(x1, x2) + 1, std::max(y1, y2) + 1};
+    // One past the far corner, kept on the int range for coordinates clamped to its end.
+    const auto past = [](std::int32_t v) {
+        return v == std::numeric_limits<std::int32_t>::max() ? v : v + 1;
+    };
+    const RECT box{std::min(x1, x2), std::min(y1, y2), past(std::max(x1, x2)),
+                   past(std::max(y1, y2))};
     switch (Box) {
         case LineBox::None: {
             const GdiObject pen = MakePen(gdi_, style, drawWidth_, colour);
@@ -293,7 +299,7 @@ void DrawingSurface::Line(float X1, float Y1, float X2, float Y2,
             gdi_.LineTo(dc_, x2, y2);
             // LineTo leaves the end point out; the host's Line paints it. A wide pen's round
             // cap already covers it (and painting it twice would show under XOR modes).
-            if (drawWidth_ == 1) gdi_.LineTo(dc_, x2 + 1, y2);
+            if (drawWidth_ == 1) gdi_.LineTo(dc_, past(x2), y2);
             break;
         }
         case LineBox::B: {

@@ -8,6 +8,7 @@
 #include "controls/display/label3d.hpp"
 #include "controls/display/line3d.hpp"
 #include "controls/value/progress_bar.hpp"
+#include "controls/value/ruler.hpp"
 #include "controls/value/spin.hpp"
 #include "dialog/about_box.hpp"
 
@@ -23,6 +24,7 @@ void RegisterLibrary(host::HostContext& context) {
     context.Classes().Register(controls::Button::Class());
     context.Classes().Register(controls::ProgressBar::Class());
     context.Classes().Register(controls::Spin::Class());
+    context.Classes().Register(controls::Ruler::Class());
     if (context.Platform()) context.SetAboutBox([&context] { dialog::ShowAboutBox(context); });
 }
 

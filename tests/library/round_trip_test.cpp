@@ -58,6 +58,18 @@ const std::map<std::string, Exception>& Exceptions() {
         {"Spin.Result3", {.skipSet = true, .why = kSpinResult}},
         {"Spin.Result4", {.skipSet = true, .why = kSpinResult}},
         {"Spin.Result5", {.skipSet = true, .why = kSpinResult}},
+        {"Ruler.AdjCm",
+         {.value = Variant("500"),
+          .why = "a calibration text is read as a number once Mode is restored"}},
+        {"Ruler.AdjInch",
+         {.value = Variant("1400"),
+          .why = "a calibration text is read as a number once Mode is restored"}},
+        {"Ruler.AdjPixel",
+         {.value = Variant("1600"),
+          .why = "a calibration text is read as a number once Mode is restored"}},
+        {"Ruler.AdjTwip",
+         {.value = Variant("900"),
+          .why = "a calibration text is read as a number once Mode is restored"}},
         {"FlatButton.Caption",
          {.newDiffers = true,
           .why =
@@ -242,6 +254,9 @@ TEST_F(RoundTripTest, EveryPropertyChangedSavesAndRestoresInTheControlsOrder) {
     // clang-format off
     const std::map<std::string, std::string> orders{
         {"Line3D", "writes BorderColor BorderForeColor Orientation BorderWidth; reads Orientation BorderWidth"},
+        {"Ruler", "writes AdjCm AdjTwip AdjInch AdjPixel SmallZoom Orientation Mode Mode2 Mode3 Mode3Check "
+                  "Mode4 Mode4Check BackColorR ForeColor; reads AdjCm AdjTwip AdjInch AdjPixel SmallZoom Mode "
+                  "Mode2 Mode3 Mode3Check Mode4 Mode4Check"},
         {"Label3D", "writes EnabledL Font Shadow TextColor ShadowColor FocusColor FocusRect TextMode FontItalic "
                     "FontName FontSize FontStrikethru Caption ToolTipText xDist BackStyle; reads Font Shadow "
                     "TextColor BackColorL ShadowColor FocusRect ToolTipText xDist BackStyle"},

@@ -1148,12 +1148,13 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
               group, info.name + " UI-activated");
 
         // The designer's switch: the control is made again in the new mode, keeping its values.
+        // The text is a number, since some texts (a ruler's calibration) are read as one.
         const host::MemberInfo* persisted = nullptr;
         for (const host::MemberInfo& m : info.members)
             if (!persisted && m.persisted && m.type.code == host::TypeCode::String) persisted = &m;
         if (persisted)
             Dispatch(object.p, persisted->dispId, DISPATCH_PROPERTYPUT,
-                     {ToVariant(host::Variant("Entwurf"))});
+                     {ToVariant(host::Variant("2345"))});
         site.userMode = false;
         Check(Query<IOleControl>(object.p, IID_IOleControl)
                       ->OnAmbientPropertyChange(DISPID_AMBIENT_USERMODE) == S_OK,
@@ -1166,7 +1167,7 @@ void CheckInPlace(const Server& server, const com::ClassEntry& entry) {
         if (persisted)
             Check(
                 Dispatch(object.p, persisted->dispId, DISPATCH_PROPERTYGET, {}).value.ToString() ==
-                    "Entwurf",
+                    "2345",
                 group, info.name + "." + persisted->name + " kept across the switch");
 
         Query<IOleInPlaceObject>(object.p, IID_IOleInPlaceObject)->InPlaceDeactivate();
