@@ -53,7 +53,7 @@ class ProgressBar final : public forms::SurfaceControl {
     void UserControl_WriteProperties(host::PropertyBag& PropBag) override;
     void UserControl_Resize() override;
     // The whole bar in the current style, ending with the percentage caption.
-    void UserControl_Paint();
+    void UserControl_Paint() override;
 
     // ---- properties
     [[nodiscard]] bXPcolor BarXPcolor() const { return BarXPcolor_; }
