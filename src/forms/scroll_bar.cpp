@@ -10,7 +10,8 @@ namespace korvex::forms {
 
 using namespace platform;
 
-VScrollBar::VScrollBar(DrawingSurface& container) : box_(container), repeat_(container.Platform()) {
+VScrollBar::VScrollBar(DrawingSurface& container)
+    : BoxedControl(container), repeat_(container.Platform()) {
     box_.BorderStyle(0);
     box_.ScaleMode(ScaleModeConstants::vbPixels);
     box_.BackColor(0x8000000F);

@@ -20,32 +20,19 @@
 #include <functional>
 #include <optional>
 
+#include "forms/boxed_control.hpp"
 #include "forms/events.hpp"
 #include "forms/picture_box.hpp"
 #include "forms/timer.hpp"
 
 namespace korvex::forms {
 
-class VScrollBar {
+class VScrollBar : public BoxedControl {
   public:
     // Min 0, Max 32767, Value 0, SmallChange and LargeChange 1.
     explicit VScrollBar(DrawingSurface& container);
 
-    [[nodiscard]] float Left() const { return box_.Left(); }
-    [[nodiscard]] float Top() const { return box_.Top(); }
-    [[nodiscard]] float Width() const { return box_.Width(); }
-    [[nodiscard]] float Height() const { return box_.Height(); }
-    void Left(float value) { box_.Left(value); }
-    void Top(float value) { box_.Top(value); }
-    void Width(float value) { box_.Width(value); }
-    void Height(float value) { box_.Height(value); }
-    void Move(float Left, std::optional<float> Top = {}, std::optional<float> Width = {},
-              std::optional<float> Height = {}) {
-        box_.Move(Left, Top, Width, Height);
-    }
-    [[nodiscard]] bool Visible() const { return box_.Visible(); }
-    void Visible(bool value) { box_.Visible(value); }
-    [[nodiscard]] bool Enabled() const { return box_.Enabled(); }
+    using BoxedControl::Enabled;
     void Enabled(bool value);
 
     // A value outside Min..Max (in either order) is error 380. Changing a limit pulls Value
@@ -65,8 +52,6 @@ class VScrollBar {
     // The parts, top to bottom, and the one at a pixel of the bar.
     enum class Part { None, UpArrow, PageUp, Thumb, PageDown, DownArrow };
     [[nodiscard]] Part PartAt(int x, int y) const;
-
-    [[nodiscard]] platform::HWND hWnd() const { return box_.hWnd(); }
 
     std::function<void()> Change;
     std::function<void()> Scroll;
@@ -89,7 +74,6 @@ class VScrollBar {
     void OnUp();
     void Paint();
 
-    PictureBox box_;
     Timer repeat_;
     std::int16_t min_ = 0;
     std::int16_t max_ = 32767;

@@ -23,7 +23,7 @@ void CheckNotNegative(std::int32_t value, const char* what) {
 
 }  // namespace
 
-TextBox::TextBox(DrawingSurface& container) : box_(container) {
+TextBox::TextBox(DrawingSurface& container) : BoxedControl(container) {
     box_.ScaleMode(ScaleModeConstants::vbPixels);
     box_.BackColor(0x80000005);  // window
     box_.ForeColor(0x80000008);  // window text

@@ -16,29 +16,16 @@
 #include <string>
 #include <string_view>
 
+#include "forms/boxed_control.hpp"
 #include "forms/events.hpp"
 #include "forms/picture_box.hpp"
 
 namespace korvex::forms {
 
-class TextBox {
+class TextBox : public BoxedControl {
   public:
     // Empty, visible, enabled, on the window colours, with a fixed single 3D border.
     explicit TextBox(DrawingSurface& container);
-
-    // ---- position in the container's scale units
-    [[nodiscard]] float Left() const { return box_.Left(); }
-    [[nodiscard]] float Top() const { return box_.Top(); }
-    [[nodiscard]] float Width() const { return box_.Width(); }
-    [[nodiscard]] float Height() const { return box_.Height(); }
-    void Left(float value) { box_.Left(value); }
-    void Top(float value) { box_.Top(value); }
-    void Width(float value) { box_.Width(value); }
-    void Height(float value) { box_.Height(value); }
-    void Move(float Left, std::optional<float> Top = {}, std::optional<float> Width = {},
-              std::optional<float> Height = {}) {
-        box_.Move(Left, Top, Width, Height);
-    }
 
     // ---- looks
     // 0 none, 1 fixed single.
@@ -56,9 +43,7 @@ class TextBox {
     void ForeColor(host::OLE_COLOR value);
     [[nodiscard]] std::shared_ptr<host::StdFont> Font() const { return box_.Font(); }
     void Font(std::shared_ptr<host::StdFont> value);
-    [[nodiscard]] bool Visible() const { return box_.Visible(); }
-    void Visible(bool value) { box_.Visible(value); }
-    [[nodiscard]] bool Enabled() const { return box_.Enabled(); }
+    using BoxedControl::Enabled;
     void Enabled(bool value);
     [[nodiscard]] const std::string& ToolTipText() const { return box_.ToolTipText(); }
     void ToolTipText(std::string value) { box_.ToolTipText(std::move(value)); }
@@ -102,7 +87,6 @@ class TextBox {
     void Refresh() { Paint(); }
     void SetFocus() { box_.SetFocus(); }
     [[nodiscard]] bool HasFocus() const { return focused_; }
-    [[nodiscard]] platform::HWND hWnd() const { return box_.hWnd(); }
 
     // KeyDown, KeyPress, KeyUp, GotFocus, LostFocus and the mouse events, as the field's own.
     SurfaceEvents events;
@@ -127,7 +111,6 @@ class TextBox {
     // Keeps the caret inside the field (left-aligned text scrolls) and repaints.
     void Paint();
 
-    PictureBox box_;
     std::string text_;
     std::int32_t selStart_ = 0;
     std::int32_t selLength_ = 0;
