@@ -56,9 +56,9 @@ def decode_bmp(data):
 
 def load_tool(source):
     path = os.path.join(source, "resources", "tools", "make_toolbox.py")
-    spec = importlib.util.spec_from_file_location("make_toolbox", path)
-    tool = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(tool)
+    found = importlib.util.spec_from_file_location("make_toolbox", path)
+    tool = importlib.util.module_from_spec(found)
+    found.loader.exec_module(tool)
     return tool, path
 
 
